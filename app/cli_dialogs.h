@@ -1,0 +1,39 @@
+#pragma once
+// Dialogs for the command line: every message goes to standard error, every
+// question is answered Yes, pickers return what the command line gave.
+
+#include <QString>
+#include <cstdio>
+
+#include "util/user_dialogs.h"
+
+namespace veldo {
+
+class CliDialogs : public UserDialogs {
+public:
+    MsgAnswer message(const QString& text, MsgIcon icon, MsgButtons buttons, const QString&) override {
+        std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+        if (icon == MsgIcon::Critical) refused = true;
+        switch (buttons) {
+            case MsgButtons::YesNo:
+            case MsgButtons::YesNoCancel: return MsgAnswer::Yes;
+            default: return MsgAnswer::Ok;
+        }
+    }
+    QString input(const QString&, const QString&, const QString& default_text) override { return default_text; }
+    void beep() override {}
+    QString choose_folder(const QString&, const QString& start_folder) override {
+        return folder.isEmpty() ? start_folder : folder;
+    }
+    QString choose_open_file(const QString&, const QString&, const QString&) override { return file; }
+    QString choose_save_file(const QString&, const QString&, const QString&) override { return file; }
+    QString clipboard_text() override { return clipboard; }
+    void set_clipboard_text(const QString& text) override { clipboard = text; }
+
+    bool refused = false;  // a critical message was shown
+    QString folder;        // what a folder picker answers
+    QString file;          // what a file picker answers
+    QString clipboard;
+};
+
+}  // namespace veldo

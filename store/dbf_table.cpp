@@ -1,0 +1,1208 @@
+#include "store/dbf_table.h"
+
+#include "util/cp1252.h"
+#include "util/file_lookup.h"
+#include "util/safe_file.h"
+#include "util/text_helpers.h"
+
+#include <shapefil.h>
+
+#include <QDate>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <string>
+
+namespace veldo {
+namespace {
+
+DBFHandle dbf(void* handle) { return static_cast<DBFHandle>(handle); }
+
+// ---------------------------------------------------------------------------
+// File hooks. shapelib opens `<base>.dbf`, then `<base>.DBF`, then looks for a
+// `.cpg`; the family's names differ in case and carry no `.cpg`, so the hooks
+// open exactly the file asked for and nothing else. They also remember a
+// failed write: from then on the handle writes nothing more, so a header can
+// never count a record that did not reach the disk.
+
+struct HookFile {
+    FILE* fp = nullptr;
+    bool failed = false;
+};
+
+thread_local const char* t_target = nullptr;
+
+HookFile* hook_file(SAFile file) { return reinterpret_cast<HookFile*>(file); }
+
+bool names_table(const char* name) {
+    const std::size_t n = std::strlen(name);
+    if (n < 4) return false;
+    const char* ext = name + n - 4;
+    return ext[0] == '.' && (ext[1] == 'd' || ext[1] == 'D') && (ext[2] == 'b' || ext[2] == 'B') &&
+           (ext[3] == 'f' || ext[3] == 'F');
+}
+
+SAFile hook_open(const char* name, const char* access) {
+    if (!t_target || !names_table(name)) return nullptr;
+    FILE* fp = std::fopen(t_target, access);
+    if (!fp) return nullptr;
+    return reinterpret_cast<SAFile>(new HookFile{fp, false});
+}
+
+SAOffset hook_read(void* p, SAOffset size, SAOffset count, SAFile file) {
+    return std::fread(p, size, count, hook_file(file)->fp);
+}
+
+SAOffset hook_write(void* p, SAOffset size, SAOffset count, SAFile file) {
+    HookFile* f = hook_file(file);
+    if (f->failed) return 0;
+    const std::size_t done = std::fwrite(p, size, count, f->fp);
+    if (done != count) f->failed = true;
+    return done;
+}
+
+SAOffset hook_seek(SAFile file, SAOffset offset, int whence) {
+    HookFile* f = hook_file(file);
+    // A seek flushes pending writes: its failure is a write failure.
+#ifdef _WIN32
+    const int rc = _fseeki64(f->fp, static_cast<long long>(offset), whence);
+#else
+    const int rc = fseeko(f->fp, static_cast<off_t>(offset), whence);
+#endif
+    if (rc != 0) f->failed = true;
+    return rc == 0 ? 0 : 1;
+}
+
+SAOffset hook_tell(SAFile file) {
+#ifdef _WIN32
+    return static_cast<SAOffset>(_ftelli64(hook_file(file)->fp));
+#else
+    return static_cast<SAOffset>(ftello(hook_file(file)->fp));
+#endif
+}
+
+int hook_flush(SAFile file) {
+    HookFile* f = hook_file(file);
+    const int rc = std::fflush(f->fp);
+    if (rc != 0) f->failed = true;
+    return rc;
+}
+
+int hook_close(SAFile file) {
+    HookFile* f = hook_file(file);
+    const int rc = std::fclose(f->fp);
+    delete f;
+    return rc;
+}
+
+// shapelib deletes a stale `.cpg` when it creates a table; leave folders alone.
+int hook_remove(const char*) { return 0; }
+
+// Failures reach the caller through return values and the write flag.
+void hook_error(const char*) {}
+
+std::optional<double> parse_number(const char* begin, const char* end);
+
+double hook_atof(const char* text) {
+    return parse_number(text, text + std::strlen(text)).value_or(0.0);
+}
+
+SAHooks table_hooks() {
+    SAHooks h{};
+    h.FOpen = hook_open;
+    h.FRead = hook_read;
+    h.FWrite = hook_write;
+    h.FSeek = hook_seek;
+    h.FTell = hook_tell;
+    h.FFlush = hook_flush;
+    h.FClose = hook_close;
+    h.Remove = hook_remove;
+    h.Error = hook_error;
+    h.Atof = hook_atof;
+    return h;
+}
+
+// Points the hooks at one file for the length of an open or create.
+class TargetScope {
+public:
+    explicit TargetScope(const QByteArray& native) { t_target = native.constData(); }
+    ~TargetScope() { t_target = nullptr; }
+    TargetScope(const TargetScope&) = delete;
+    TargetScope& operator=(const TargetScope&) = delete;
+};
+
+void stamp_today(DBFHandle h) {
+    const QDate today = QDate::currentDate();
+    DBFSetLastModifiedDate(h, today.year() - 1900, today.month(), today.day());
+}
+
+// ---------------------------------------------------------------------------
+// Header check, before shapelib sees the file: shapelib trusts the header's
+// lengths, and a table that is short or inconsistent must be refused with a
+// message rather than read past its end.
+
+constexpr int kFileHeader = 32;
+constexpr int kFieldDescriptor = 32;
+constexpr char kTerminator = 0x0D;
+
+struct TableLayout {
+    int header_length = 0;
+    int record_length = 0;
+    qint64 records = 0;
+    QList<DbfField> fields;
+    std::vector<int> offsets;
+};
+
+unsigned u8(const QByteArray& b, int i) { return static_cast<unsigned char>(b.at(i)); }
+unsigned u16(const QByteArray& b, int i) { return u8(b, i) | (u8(b, i + 1) << 8); }
+
+// dBASE II+ to dBASE 5, FoxBASE, FoxPro and Visual FoxPro, with and without memo.
+bool known_version(unsigned v) {
+    switch (v) {
+    case 0x02: case 0x03: case 0x04: case 0x05: case 0x30: case 0x31: case 0x32:
+    case 0x43: case 0x63: case 0x83: case 0x8B: case 0x8E: case 0xCB: case 0xE5:
+    case 0xF5: case 0xFB:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool known_type(char t) { return t != '\0' && std::strchr("CNFDLMBGPYTIV@+O0WQ", t) != nullptr; }
+
+DbfType type_of(char t) {
+    switch (t) {
+    case 'C': return DbfType::Character;
+    case 'N': case 'F': return DbfType::Numeric;
+    case 'D': return DbfType::Date;
+    case 'L': return DbfType::Logical;
+    case 'M': return DbfType::Memo;
+    default: return DbfType::Other;
+    }
+}
+
+DbfError::Code read_layout(const QString& path, TableLayout* out) {
+    const QFileInfo info(path);
+    if (!info.exists()) return DbfError::Missing;
+    if (info.isDir()) return DbfError::NotATable;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return DbfError::Unreadable;
+    const qint64 size = file.size();
+    if (size == 0) return DbfError::Empty;
+    const QByteArray head = file.read(kFileHeader);
+    if (head.size() < kFileHeader) return DbfError::NotATable;
+    if (!known_version(u8(head, 0))) return DbfError::NotATable;
+
+    const int header_length = int(u16(head, 8));
+    const int record_length = int(u16(head, 10));
+    // The top bit is dropped as shapelib drops it.
+    const qint64 records = qint64(u16(head, 4)) | (qint64(u16(head, 6) & 0x7FFF) << 16);
+    if (header_length < kFileHeader + kFieldDescriptor) return DbfError::NotATable;
+
+    const QByteArray descriptors = file.read(header_length - kFileHeader);
+    const int places = (header_length - kFileHeader) / kFieldDescriptor;
+    bool cut_short = false;
+    QList<DbfField> fields;
+    std::vector<int> offsets;
+    int offset = 1;  // the deletion flag comes first
+    for (int i = 0; i < places; ++i) {
+        const int at = i * kFieldDescriptor;
+        if (at < descriptors.size() && descriptors.at(at) == kTerminator) break;
+        if (at + kFieldDescriptor > descriptors.size()) {
+            cut_short = true;
+            break;
+        }
+        const char* d = descriptors.constData() + at;
+        const auto first = static_cast<unsigned char>(d[0]);
+        if (first <= 0x20 || first == 0x7F) return DbfError::NotATable;
+        const char type = d[11];
+        if (!known_type(type)) return DbfError::NotATable;
+        DbfField field;
+        const int name_length = int(std::find(d, d + 11, '\0') - d);
+        field.name = cp1252::decode(d, name_length);
+        while (field.name.endsWith(QLatin1Char(' '))) field.name.chop(1);
+        field.type = type_of(type);
+        field.width = static_cast<unsigned char>(d[16]);
+        field.decimals = field.type == DbfType::Numeric ? static_cast<unsigned char>(d[17]) : 0;
+        if (field.width == 0) return DbfError::Damaged;
+        fields.append(field);
+        offsets.push_back(offset);
+        offset += field.width;
+    }
+    if (fields.isEmpty()) return cut_short ? DbfError::Truncated : DbfError::NotATable;
+    if (offset > record_length) return DbfError::Damaged;
+    if (cut_short || header_length > size) return DbfError::Truncated;
+    if (qint64(header_length) + records * record_length > size) return DbfError::Truncated;
+
+    out->header_length = header_length;
+    out->record_length = record_length;
+    out->records = records;
+    out->fields = fields;
+    out->offsets = std::move(offsets);
+    return DbfError::None;
+}
+
+// ---------------------------------------------------------------------------
+// Field values. Everything here is locale-free.
+
+bool is_blank(char c) { return c == ' ' || c == '\0'; }
+
+bool all_blank(const char* p, int n) {
+    for (int i = 0; i < n; ++i)
+        if (!is_blank(p[i])) return false;
+    return true;
+}
+
+std::optional<double> parse_number(const char* begin, const char* end) {
+    while (begin < end && is_blank(*begin)) ++begin;
+    while (end > begin && is_blank(end[-1])) --end;
+    if (begin == end) return std::nullopt;
+    if (*begin == '+') {
+        ++begin;
+        if (begin == end || *begin == '-') return std::nullopt;
+    }
+    double value = 0.0;
+    const auto [ptr, ec] = std::from_chars(begin, end, value, std::chars_format::general);
+    if (ec != std::errc() || ptr != end || !std::isfinite(value)) return std::nullopt;
+    return value;
+}
+
+const QDate kDateBase(1899, 12, 30);
+
+QVariant read_date(const char* p, int n) {
+    if (n < 8) return {};
+    int parts[3] = {0, 0, 0};
+    const int lengths[3] = {4, 2, 2};
+    int at = 0;
+    for (int k = 0; k < 3; ++k) {
+        for (int i = 0; i < lengths[k]; ++i, ++at) {
+            if (p[at] < '0' || p[at] > '9') return {};
+            parts[k] = parts[k] * 10 + (p[at] - '0');
+        }
+    }
+    const QDate date(parts[0], parts[1], parts[2]);
+    if (!date.isValid()) return {};
+    return QVariant::fromValue(OleDate{double(kDateBase.daysTo(date))});
+}
+
+QVariant read_field(const DbfField& field, const char* p) {
+    const int n = field.width;
+    if (all_blank(p, n)) return {};
+    switch (field.type) {
+    case DbfType::Character: {
+        const int length = int(std::find(p, p + n, '\0') - p);
+        return cp1252::decode(p, length);
+    }
+    case DbfType::Numeric: {
+        const auto number = parse_number(p, p + n);
+        return number ? QVariant(*number) : QVariant();
+    }
+    case DbfType::Date:
+        return read_date(p, n);
+    case DbfType::Logical:
+        for (int i = 0; i < n; ++i) {
+            switch (p[i]) {
+            case 'T': case 't': case 'Y': case 'y': return true;
+            case 'F': case 'f': case 'N': case 'n': return false;
+            case ' ': case '\0': continue;
+            default: return {};
+            }
+        }
+        return {};
+    case DbfType::Memo:
+    case DbfType::Other:
+        return cp1252::decode(p, n);
+    }
+    return {};
+}
+
+bool is_integral(const QVariant& v) {
+    switch (v.typeId()) {
+    case QMetaType::Int: case QMetaType::UInt: case QMetaType::LongLong:
+    case QMetaType::ULongLong: case QMetaType::Short: case QMetaType::UShort:
+    case QMetaType::Long: case QMetaType::ULong: case QMetaType::SChar:
+    case QMetaType::UChar: case QMetaType::Char:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool is_floating(const QVariant& v) {
+    return v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float;
+}
+
+bool is_text(const QVariant& v) {
+    return v.typeId() == QMetaType::QString || v.typeId() == QMetaType::QByteArray ||
+           v.typeId() == QMetaType::QChar;
+}
+
+QString text_of_variant(const QVariant& v) {
+    if (v.typeId() == QMetaType::QByteArray) return cp1252::decode(v.toByteArray());
+    return v.toString();
+}
+
+std::string integer_text(const QVariant& v) {
+    char buf[32];
+    std::to_chars_result r{};
+    if (v.typeId() == QMetaType::ULongLong || v.typeId() == QMetaType::ULong ||
+        v.typeId() == QMetaType::UInt)
+        r = std::to_chars(buf, buf + sizeof buf, v.toULongLong());
+    else
+        r = std::to_chars(buf, buf + sizeof buf, v.toLongLong());
+    return std::string(buf, r.ptr);
+}
+
+// The digits of `value` with `decimals` places after the point. The value is
+// taken to 15 significant digits first, then rounded half away from zero, as
+// dBASE and the rest of the system round: 2.675 gives 2.68.
+std::string fixed_text(double value, int decimals) {
+    char buf[64];
+    const auto r = std::to_chars(buf, buf + sizeof buf, std::fabs(value),
+                                 std::chars_format::scientific, 14);
+    const char* e = std::find(buf, r.ptr, 'e');
+    std::string digits;
+    for (const char* c = buf; c < e; ++c)
+        if (*c != '.') digits.push_back(*c);
+    int exponent = 0;
+    std::from_chars(e + 1 + (e[1] == '+' ? 1 : 0), r.ptr, exponent);
+
+    int whole = exponent + 1;  // digits before the point
+    const int keep = whole + decimals;
+    if (keep < 0) {
+        digits.clear();
+    } else if (keep < int(digits.size())) {
+        const bool up = digits[std::size_t(keep)] >= '5';
+        digits.resize(std::size_t(keep));
+        if (up) {
+            int i = keep - 1;
+            for (; i >= 0; --i) {
+                if (digits[std::size_t(i)] == '9') {
+                    digits[std::size_t(i)] = '0';
+                } else {
+                    ++digits[std::size_t(i)];
+                    break;
+                }
+            }
+            if (i < 0) {
+                digits.insert(digits.begin(), '1');
+                ++whole;
+            }
+        }
+    }
+    if (digits.empty()) return decimals > 0 ? "0." + std::string(std::size_t(decimals), '0') : "0";
+    while (int(digits.size()) < whole + decimals) digits.push_back('0');
+
+    std::string int_part;
+    std::string fraction;
+    if (whole <= 0) {
+        int_part = "0";
+        fraction = std::string(std::size_t(-whole), '0') + digits;
+    } else {
+        int_part = digits.substr(0, std::size_t(whole));
+        fraction = digits.substr(std::size_t(whole));
+    }
+    const bool zero = digits.find_first_not_of('0') == std::string::npos;
+    std::string text = (value < 0 && !zero) ? "-" : "";
+    text += int_part;
+    if (decimals > 0) text += "." + fraction;
+    return text;
+}
+
+void put_left(char* dst, int width, const QByteArray& bytes) {
+    const int n = std::min<int>(width, int(bytes.size()));
+    std::memcpy(dst, bytes.constData(), std::size_t(n));
+    std::memset(dst + n, ' ', std::size_t(width - n));
+}
+
+bool put_right(char* dst, int width, const std::string& text) {
+    if (int(text.size()) > width) return false;
+    const int pad = width - int(text.size());
+    std::memset(dst, ' ', std::size_t(pad));
+    std::memcpy(dst + pad, text.data(), text.size());
+    return true;
+}
+
+DbfError::Code write_numeric(const DbfField& field, char* dst, const QVariant& v) {
+    std::string text;
+    if (is_integral(v)) {
+        text = integer_text(v);
+        if (field.decimals > 0) text += "." + std::string(std::size_t(field.decimals), '0');
+    } else {
+        double number = 0.0;
+        if (is_floating(v)) {
+            number = v.toDouble();
+        } else if (is_text(v)) {
+            const QByteArray raw = text_of_variant(v).toLatin1();
+            if (all_blank(raw.constData(), int(raw.size()))) {
+                std::memset(dst, ' ', std::size_t(field.width));
+                return DbfError::None;
+            }
+            const auto parsed = parse_number(raw.constData(), raw.constData() + raw.size());
+            if (!parsed) return DbfError::BadValue;
+            number = *parsed;
+        } else {
+            return DbfError::BadValue;
+        }
+        if (!std::isfinite(number)) return DbfError::BadValue;
+        text = fixed_text(number, field.decimals);
+    }
+    return put_right(dst, field.width, text) ? DbfError::None : DbfError::TooWide;
+}
+
+DbfError::Code write_date(const DbfField& field, char* dst, const QVariant& v) {
+    QDate date;
+    if (v.metaType() == QMetaType::fromType<OleDate>()) {
+        const double days = v.value<OleDate>().days;
+        if (!std::isfinite(days) || std::fabs(days) > 4.0e6) return DbfError::BadValue;
+        date = kDateBase.addDays(qint64(std::floor(days)));
+    } else if (v.typeId() == QMetaType::QDate) {
+        date = v.toDate();
+    } else if (v.typeId() == QMetaType::QDateTime) {
+        date = v.toDateTime().date();
+    } else if (is_text(v)) {
+        const QByteArray raw = text_of_variant(v).toLatin1();
+        if (all_blank(raw.constData(), int(raw.size()))) {
+            std::memset(dst, ' ', std::size_t(field.width));
+            return DbfError::None;
+        }
+        const QByteArray trimmed = raw.trimmed();
+        if (trimmed.size() != 8 || !read_date(trimmed.constData(), 8).isValid())
+            return DbfError::BadValue;
+        put_left(dst, field.width, trimmed);
+        return DbfError::None;
+    } else {
+        return DbfError::BadValue;
+    }
+    if (!date.isValid() || date.year() < 1 || date.year() > 9999) return DbfError::BadValue;
+    char text[9];
+    std::snprintf(text, sizeof text, "%04d%02d%02d", date.year(), date.month(), date.day());
+    put_left(dst, field.width, QByteArray(text, 8));
+    return DbfError::None;
+}
+
+DbfError::Code write_logical(const DbfField& field, char* dst, const QVariant& v) {
+    char mark = ' ';
+    if (v.typeId() == QMetaType::Bool) {
+        mark = v.toBool() ? 'T' : 'F';
+    } else if (is_integral(v) || is_floating(v)) {
+        mark = v.toDouble() != 0.0 ? 'T' : 'F';
+    } else if (is_text(v)) {
+        const QString text = text_of_variant(v).trimmed();
+        if (!text.isEmpty()) {
+            switch (text.at(0).toLatin1()) {
+            case 'T': case 't': case 'Y': case 'y': mark = 'T'; break;
+            case 'F': case 'f': case 'N': case 'n': mark = 'F'; break;
+            case '?': mark = '?'; break;
+            default: return DbfError::BadValue;
+            }
+        }
+    } else {
+        return DbfError::BadValue;
+    }
+    std::memset(dst, ' ', std::size_t(field.width));
+    dst[0] = mark;
+    return DbfError::None;
+}
+
+// Memo fields hold the number of a block in the `.dbt`, right-justified.
+DbfError::Code write_memo(const DbfField& field, char* dst, const QVariant& v) {
+    std::string text;
+    if (is_integral(v)) {
+        text = integer_text(v);
+    } else if (is_text(v)) {
+        text = text_of_variant(v).trimmed().toLatin1().toStdString();
+    } else {
+        return DbfError::BadValue;
+    }
+    return put_right(dst, field.width, text) ? DbfError::None : DbfError::TooWide;
+}
+
+DbfError::Code write_text(const DbfField& field, char* dst, const QVariant& v) {
+    QByteArray bytes;
+    if (v.typeId() == QMetaType::QByteArray) {
+        bytes = v.toByteArray();
+    } else if (is_text(v)) {
+        bytes = cp1252::encode(v.toString());
+    } else if (v.typeId() == QMetaType::Bool) {
+        bytes = v.toBool() ? "True" : "False";
+    } else if (is_integral(v)) {
+        bytes = QByteArray::fromStdString(integer_text(v));
+    } else if (is_floating(v)) {
+        // QString::number ignores the locale.
+        bytes = QString::number(v.toDouble(), 'g', QLocale::FloatingPointShortest).toLatin1();
+    } else {
+        return DbfError::BadValue;
+    }
+    put_left(dst, field.width, bytes);
+    return DbfError::None;
+}
+
+DbfError::Code write_field(const DbfField& field, char* dst, const QVariant& v) {
+    if (!v.isValid() || v.isNull()) {
+        std::memset(dst, ' ', std::size_t(field.width));
+        return DbfError::None;
+    }
+    switch (field.type) {
+    case DbfType::Character: return write_text(field, dst, v);
+    case DbfType::Numeric: return write_numeric(field, dst, v);
+    case DbfType::Date: return write_date(field, dst, v);
+    case DbfType::Logical: return write_logical(field, dst, v);
+    case DbfType::Memo: return write_memo(field, dst, v);
+    case DbfType::Other: return write_text(field, dst, v);
+    }
+    return DbfError::BadValue;
+}
+
+// ---------------------------------------------------------------------------
+// Creating.
+
+constexpr int kMaxFields = 128;
+constexpr int kMaxRecordLength = 4000;
+
+bool valid_name(const QString& name) {
+    if (name.isEmpty() || name.size() > 10) return false;
+    for (int i = 0; i < name.size(); ++i) {
+        const char16_t c = name.at(i).unicode();
+        const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+        const bool digit = c >= '0' && c <= '9';
+        if (i == 0 ? !letter : !(letter || digit || c == '_')) return false;
+    }
+    return true;
+}
+
+// Brings a field to what dBASE III stores, or says why it cannot be.
+bool normalise(DbfField* f, char* type) {
+    if (!valid_name(f->name)) return false;
+    f->name = f->name.toUpper();
+    switch (f->type) {
+    case DbfType::Character:
+        *type = 'C';
+        f->decimals = 0;
+        return f->width >= 1 && f->width <= 254;
+    case DbfType::Numeric:
+        *type = 'N';
+        return f->width >= 1 && f->width <= 19 && f->decimals >= 0 && f->decimals <= 15 &&
+               (f->decimals == 0 || f->decimals <= f->width - 2);
+    case DbfType::Date:
+        *type = 'D';
+        f->width = 8;
+        f->decimals = 0;
+        return true;
+    case DbfType::Logical:
+        *type = 'L';
+        f->width = 1;
+        f->decimals = 0;
+        return true;
+    case DbfType::Memo:
+        *type = 'M';
+        f->width = 10;
+        f->decimals = 0;
+        return true;
+    case DbfType::Other:
+        return false;
+    }
+    return false;
+}
+
+QString memo_path_of(const QString& table_path) {
+    const QFileInfo info(table_path);
+    const bool upper = info.suffix() == info.suffix().toUpper() && !info.suffix().isEmpty();
+    const QString base = info.suffix().isEmpty()
+                             ? table_path
+                             : table_path.left(table_path.size() - info.suffix().size() - 1);
+    return base + (upper ? QStringLiteral(".DBT") : QStringLiteral(".dbt"));
+}
+
+// An empty dBASE III memo file: the next free block is 1.
+QByteArray empty_memo_file() {
+    QByteArray bytes(512, '\0');
+    bytes[0] = 1;
+    bytes[16] = 0x03;
+    return bytes;
+}
+
+void report(DbfError* error, DbfError::Code code, const QString& path, const QString& detail = {}) {
+    if (error) *error = DbfError{code, path, detail};
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+
+QString dbf_error_message(const DbfError& error, bool afrikaans) {
+    const QString path = QDir::toNativeSeparators(error.path);
+    const QString& detail = error.detail;
+    switch (error.code) {
+    case DbfError::None:
+        return {};
+    case DbfError::Missing:
+        return afrikaans ? QStringLiteral("Die tabel %1 bestaan nie.").arg(path)
+                         : QStringLiteral("The table %1 does not exist.").arg(path);
+    case DbfError::Unreadable:
+        return afrikaans ? QStringLiteral("Die tabel %1 kan nie gelees word nie.").arg(path)
+                         : QStringLiteral("The table %1 cannot be read.").arg(path);
+    case DbfError::Empty:
+        return afrikaans ? QStringLiteral("Die tabel %1 is leeg (0 grepe) en kan nie oopgemaak word nie.").arg(path)
+                         : QStringLiteral("The table %1 is empty (0 bytes) and cannot be opened.").arg(path);
+    case DbfError::NotATable:
+        return afrikaans ? QStringLiteral("Die lêer %1 is nie 'n dBASE-tabel nie.").arg(path)
+                         : QStringLiteral("The file %1 is not a dBASE table.").arg(path);
+    case DbfError::Damaged:
+        return afrikaans ? QStringLiteral("Die tabel %1 is beskadig: die velde pas nie in die rekords nie.").arg(path)
+                         : QStringLiteral("The table %1 is damaged: its fields do not fit its records.").arg(path);
+    case DbfError::Truncated:
+        return afrikaans ? QStringLiteral("Die tabel %1 is beskadig of onvolledig.").arg(path)
+                         : QStringLiteral("The table %1 is damaged or incomplete.").arg(path);
+    case DbfError::ReadOnly:
+        return afrikaans ? QStringLiteral("Die tabel %1 is 'READ ONLY' en kan nie verander word nie.").arg(path)
+                         : QStringLiteral("The table %1 is 'READ ONLY' and cannot be changed.").arg(path);
+    case DbfError::WriteFailed:
+        return afrikaans ? QStringLiteral("Kon nie na die tabel %1 skryf nie. Is die skyf vol?").arg(path)
+                         : QStringLiteral("Could not write to the table %1. Is the disk full?").arg(path);
+    case DbfError::NoSuchField:
+        return afrikaans ? QStringLiteral("Die tabel %1 het geen veld %2 nie.").arg(path, detail)
+                         : QStringLiteral("The table %1 has no field %2.").arg(path, detail);
+    case DbfError::NoCurrentRecord:
+        return afrikaans ? QStringLiteral("Daar is geen huidige rekord in die tabel %1 nie.").arg(path)
+                         : QStringLiteral("There is no current record in the table %1.").arg(path);
+    case DbfError::NotEditing:
+        return afrikaans ? QStringLiteral("Die tabel %1 word nie gewysig nie (Edit of AddNew ontbreek).").arg(path)
+                         : QStringLiteral("The table %1 is not being edited (Edit or AddNew is missing).").arg(path);
+    case DbfError::BadValue:
+        return afrikaans ? QStringLiteral("Die waarde vir veld %2 van die tabel %1 is ongeldig.").arg(path, detail)
+                         : QStringLiteral("The value for field %2 of the table %1 is not valid.").arg(path, detail);
+    case DbfError::TooWide:
+        return afrikaans ? QStringLiteral("Die getal vir veld %2 van die tabel %1 is te groot vir die veld.").arg(path, detail)
+                         : QStringLiteral("The number for field %2 of the table %1 is too wide for the field.").arg(path, detail);
+    case DbfError::BadField:
+        return afrikaans ? QStringLiteral("Die veld %2 van die nuwe tabel %1 is ongeldig.").arg(path, detail)
+                         : QStringLiteral("The field %2 of the new table %1 is not valid.").arg(path, detail);
+    }
+    return {};
+}
+
+// ---------------------------------------------------------------------------
+
+std::unique_ptr<DbfTable> DbfTable::open(const QString& path, DbfError* error, DbfAccess access) {
+    std::unique_ptr<DbfTable> table(new DbfTable);
+    table->path_ = path;
+    table->access_ = access;
+    if (!table->attach(access, error)) return nullptr;
+    if (error) *error = DbfError{};
+    return table;
+}
+
+DbfTable::~DbfTable() { detach(); }
+
+bool DbfTable::attach(DbfAccess access, DbfError* error) {
+    TableLayout layout;
+    const DbfError::Code code = read_layout(path_, &layout);
+    if (code != DbfError::None) {
+        report(error, code, path_);
+        return false;
+    }
+
+    const QByteArray native = QFile::encodeName(path_);
+    SAHooks hooks = table_hooks();
+    DBFHandle h = nullptr;
+    bool read_only = access == DbfAccess::ReadOnly;
+    {
+        const TargetScope scope(native);
+        if (!read_only) {
+            h = DBFOpenLL(native.constData(), "rb+", &hooks);
+            if (!h) read_only = true;
+        }
+        if (!h) h = DBFOpenLL(native.constData(), "rb", &hooks);
+    }
+    if (!h) {
+        report(error, DbfError::Unreadable, path_);
+        return false;
+    }
+    // The file may have changed between the check and the open.
+    if (DBFGetFieldCount(h) != layout.fields.size() || DBFGetRecordCount(h) != layout.records ||
+        h->nRecordLength != layout.record_length || h->nHeaderLength != layout.header_length) {
+        DBFClose(h);
+        report(error, DbfError::Damaged, path_);
+        return false;
+    }
+
+    std::vector<int> live;
+    live.reserve(std::size_t(layout.records));
+    for (int r = 0; r < int(layout.records); ++r) {
+        const char* tuple = DBFReadTuple(h, r);
+        if (!tuple) {
+            DBFClose(h);
+            report(error, DbfError::Truncated, path_);
+            return false;
+        }
+        if (tuple[0] != '*') live.push_back(r);
+    }
+
+    handle_ = h;
+    read_only_ = read_only;
+    fields_ = layout.fields;
+    offsets_ = std::move(layout.offsets);
+    header_length_ = layout.header_length;
+    record_length_ = layout.record_length;
+    live_ = std::move(live);
+    pos_ = 0;
+    on_deleted_ = false;
+    return true;
+}
+
+void DbfTable::detach() {
+    if (handle_) DBFClose(dbf(handle_));
+    handle_ = nullptr;
+    live_.clear();
+    pos_ = 0;
+    on_deleted_ = false;
+}
+
+void DbfTable::fail(DbfError::Code code, const QString& detail) const {
+    error_ = DbfError{code, path_, detail};
+}
+
+bool DbfTable::current_valid() const {
+    return handle_ && !on_deleted_ && pos_ >= 0 && pos_ < int(live_.size());
+}
+
+const char* DbfTable::current_bytes() const {
+    if (mode_ != Mode::None) return edit_buf_.constData();
+    if (!current_valid()) {
+        fail(DbfError::NoCurrentRecord);
+        return nullptr;
+    }
+    const char* tuple = DBFReadTuple(dbf(handle_), live_[std::size_t(pos_)]);
+    if (!tuple) fail(DbfError::Truncated);
+    return tuple;
+}
+
+// shapelib keeps the last record it read; another workstation may have
+// changed it since. Forget it so the next read goes to the disk.
+void DbfTable::drop_cached_record() {
+    DBFHandle h = dbf(handle_);
+    if (h && !h->bCurrentRecordModified) h->nCurrentRecord = -1;
+}
+
+// ---- walk
+
+void DbfTable::MoveFirst() {
+    leave_edit();
+    on_deleted_ = false;
+    pos_ = 0;
+}
+
+void DbfTable::MoveLast() {
+    leave_edit();
+    on_deleted_ = false;
+    pos_ = live_.empty() ? 0 : int(live_.size()) - 1;
+}
+
+void DbfTable::MoveNext() { Move(1); }
+
+void DbfTable::MovePrevious() { Move(-1); }
+
+void DbfTable::Move(int rows) {
+    leave_edit();
+    if (rows == 0) return;
+    const qint64 size = qint64(live_.size());
+    // A deleted current record sat just before the record now at pos_.
+    qint64 target = on_deleted_ && rows > 0 ? qint64(pos_) - 1 + rows : qint64(pos_) + rows;
+    on_deleted_ = false;
+    if (target < 0) target = -1;
+    if (target > size) target = size;
+    pos_ = int(target);
+}
+
+bool DbfTable::Eof() const {
+    if (on_deleted_) return false;
+    return live_.empty() || pos_ >= int(live_.size());
+}
+
+bool DbfTable::Bof() const {
+    if (on_deleted_) return false;
+    return live_.empty() || pos_ < 0;
+}
+
+int DbfTable::position() const { return current_valid() ? pos_ : -1; }
+
+// ---- fields
+
+const DbfField& DbfTable::field(int i) const {
+    static const DbfField none;
+    if (i < 0 || i >= fields_.size()) {
+        fail(DbfError::NoSuchField, QString::number(i));
+        return none;
+    }
+    return fields_[i];
+}
+
+int DbfTable::field_index(const QString& name) const {
+    const QString wanted = name.trimmed();
+    for (int i = 0; i < fields_.size(); ++i)
+        if (fields_[i].name.compare(wanted, Qt::CaseInsensitive) == 0) return i;
+    return -1;
+}
+
+QVariant DbfTable::value(int i) const {
+    if (i < 0 || i >= fields_.size()) {
+        fail(DbfError::NoSuchField, QString::number(i));
+        return {};
+    }
+    const char* record = current_bytes();
+    if (!record) return {};
+    return read_field(fields_[i], record + offsets_[std::size_t(i)]);
+}
+
+QVariant DbfTable::value(const QString& name) const {
+    const int i = field_index(name);
+    if (i < 0) {
+        fail(DbfError::NoSuchField, name);
+        return {};
+    }
+    return value(i);
+}
+
+// ---- changes
+
+bool DbfTable::Edit() {
+    if (!current_valid()) {
+        fail(DbfError::NoCurrentRecord);
+        return false;
+    }
+    if (read_only_) {
+        fail(DbfError::ReadOnly);
+        return false;
+    }
+    leave_edit();
+    drop_cached_record();
+    const int record = live_[std::size_t(pos_)];
+    const char* tuple = DBFReadTuple(dbf(handle_), record);
+    if (!tuple) {
+        fail(DbfError::Truncated);
+        return false;
+    }
+    edit_buf_ = QByteArray(tuple, record_length_);
+    edit_record_ = record;
+    mode_ = Mode::Edit;
+    return true;
+}
+
+bool DbfTable::AddNew() {
+    if (!handle_) {
+        fail(DbfError::NoCurrentRecord);
+        return false;
+    }
+    if (read_only_) {
+        fail(DbfError::ReadOnly);
+        return false;
+    }
+    leave_edit();
+    edit_buf_ = QByteArray(record_length_, ' ');
+    edit_record_ = -1;
+    mode_ = Mode::AddNew;
+    return true;
+}
+
+bool DbfTable::set_value(int i, const QVariant& value) {
+    if (mode_ == Mode::None) {
+        fail(DbfError::NotEditing);
+        return false;
+    }
+    DbfError::Code code = DbfError::None;
+    QString detail;
+    if (i < 0 || i >= fields_.size()) {
+        code = DbfError::NoSuchField;
+        detail = QString::number(i);
+    } else {
+        const DbfField& f = fields_[i];
+        QByteArray bytes(f.width, ' ');
+        code = write_field(f, bytes.data(), value);
+        detail = f.name;
+        if (code == DbfError::None)
+            std::memcpy(edit_buf_.data() + offsets_[std::size_t(i)], bytes.constData(),
+                        std::size_t(f.width));
+    }
+    if (code == DbfError::None) return true;
+    // The edit is spoilt: Update refuses it rather than store half of it.
+    if (pending_error_ == DbfError::None) {
+        pending_error_ = code;
+        pending_detail_ = detail;
+    }
+    fail(code, detail);
+    return false;
+}
+
+bool DbfTable::set_value(const QString& name, const QVariant& value) {
+    const int i = field_index(name);
+    if (i < 0 && mode_ != Mode::None) {
+        if (pending_error_ == DbfError::None) {
+            pending_error_ = DbfError::NoSuchField;
+            pending_detail_ = name;
+        }
+        fail(DbfError::NoSuchField, name);
+        return false;
+    }
+    return set_value(i, value);
+}
+
+bool DbfTable::commit_write() {
+    DBFHandle h = dbf(handle_);
+    DBFUpdateHeader(h);
+    return !hook_file(h->fp)->failed;
+}
+
+// Another workstation may have appended since the open; a new record goes
+// after theirs instead of over them.
+void DbfTable::adopt_foreign_appends() {
+    DBFHandle h = dbf(handle_);
+    QFile file(path_);
+    if (!file.open(QIODevice::ReadOnly)) return;
+    const QByteArray head = file.read(kFileHeader);
+    if (head.size() < kFileHeader) return;
+    const qint64 count = qint64(u16(head, 4)) | (qint64(u16(head, 6) & 0x7FFF) << 16);
+    if (count <= h->nRecords) return;
+    if (qint64(header_length_) + count * record_length_ > file.size()) return;
+    h->nRecords = int(count);
+}
+
+// After a refused write the handle's idea of the file can't be trusted:
+// take it again from the disk and stay near where the walk was.
+void DbfTable::resync_after_failure() {
+    const int keep = pos_;
+    const Mode mode = mode_;
+    const QByteArray buffer = edit_buf_;
+    const int record = edit_record_;
+    detach();
+    if (!attach(access_, nullptr)) return;
+    pos_ = std::clamp(keep, -1, int(live_.size()));
+    mode_ = mode;
+    edit_buf_ = buffer;
+    edit_record_ = record;
+}
+
+bool DbfTable::Update(DbfError* error) {
+    const auto refuse = [&](DbfError::Code code, const QString& detail = QString()) {
+        fail(code, detail);
+        if (error) *error = error_;
+        return false;
+    };
+    if (mode_ == Mode::None || !handle_) return refuse(DbfError::NotEditing);
+    if (pending_error_ != DbfError::None) return refuse(pending_error_, pending_detail_);
+    if (read_only_) return refuse(DbfError::ReadOnly);
+
+    DBFHandle h = dbf(handle_);
+    stamp_today(h);
+    int record = edit_record_;
+    if (mode_ == Mode::AddNew) {
+        adopt_foreign_appends();
+        record = DBFGetRecordCount(h);
+    }
+    edit_buf_[0] = ' ';
+    if (!DBFWriteTuple(h, record, edit_buf_.data()) || !commit_write()) {
+        resync_after_failure();
+        return refuse(DbfError::WriteFailed);
+    }
+    if (mode_ == Mode::AddNew) {
+        live_.push_back(record);
+        pos_ = int(live_.size()) - 1;
+        on_deleted_ = false;
+    }
+    leave_edit();
+    if (error) *error = DbfError{};
+    return true;
+}
+
+void DbfTable::CancelUpdate() { leave_edit(); }
+
+bool DbfTable::Delete() {
+    leave_edit();
+    if (!current_valid()) {
+        fail(DbfError::NoCurrentRecord);
+        return false;
+    }
+    if (read_only_) {
+        fail(DbfError::ReadOnly);
+        return false;
+    }
+    DBFHandle h = dbf(handle_);
+    drop_cached_record();
+    stamp_today(h);
+    if (!DBFMarkRecordDeleted(h, live_[std::size_t(pos_)], 1) || !commit_write()) {
+        resync_after_failure();
+        fail(DbfError::WriteFailed);
+        return false;
+    }
+    live_.erase(live_.begin() + pos_);
+    on_deleted_ = true;
+    return true;
+}
+
+bool DbfTable::Refresh() {
+    leave_edit();
+    detach();
+    DbfError error;
+    if (!attach(access_, &error)) {
+        error_ = error;
+        return false;
+    }
+    return true;
+}
+
+void DbfTable::Close() {
+    leave_edit();
+    detach();
+    fields_.clear();
+    offsets_.clear();
+}
+
+bool DbfTable::flush() {
+    if (!handle_) return false;
+    DBFHandle h = dbf(handle_);
+    if (h->bUpdated && !commit_write()) {
+        fail(DbfError::WriteFailed);
+        return false;
+    }
+    if (hook_flush(h->fp) != 0) {
+        fail(DbfError::WriteFailed);
+        return false;
+    }
+    return true;
+}
+
+// ---- creating
+
+bool DbfTable::create(const QString& path, const QList<DbfField>& fields, DbfError* error) {
+    if (fields.isEmpty() || fields.size() > kMaxFields) {
+        report(error, DbfError::BadField, path, QString::number(fields.size()));
+        return false;
+    }
+    QList<DbfField> wanted;
+    QList<char> types;
+    QSet<QString> names;
+    int record_length = 1;
+    bool has_memo = false;
+    for (DbfField f : fields) {
+        char type = 0;
+        const QString asked = f.name;
+        if (!normalise(&f, &type) || names.contains(f.name)) {
+            report(error, DbfError::BadField, path, asked);
+            return false;
+        }
+        names.insert(f.name);
+        record_length += f.width;
+        has_memo = has_memo || f.type == DbfType::Memo;
+        wanted.append(f);
+        types.append(type);
+    }
+    if (record_length > kMaxRecordLength) {
+        report(error, DbfError::BadField, path, QString::number(record_length));
+        return false;
+    }
+
+    // shapelib writes the table in a scratch folder; the bytes then replace
+    // the target in one rename.
+    QTemporaryDir scratch;
+    if (!scratch.isValid()) {
+        report(error, DbfError::WriteFailed, path);
+        return false;
+    }
+    const QString draft = scratch.filePath(QStringLiteral("table.dbf"));
+    const QByteArray native = QFile::encodeName(draft);
+    SAHooks hooks = table_hooks();
+    DBFHandle h = nullptr;
+    {
+        const TargetScope scope(native);
+        h = DBFCreateLL(native.constData(), "LDID/87", &hooks);  // 0x57: Windows ANSI
+    }
+    if (!h) {
+        report(error, DbfError::WriteFailed, path);
+        return false;
+    }
+    for (int i = 0; i < wanted.size(); ++i) {
+        const QByteArray name = wanted[i].name.toLatin1();
+        if (DBFAddNativeFieldType(h, name.constData(), types[i], wanted[i].width,
+                                  wanted[i].decimals) < 0) {
+            DBFClose(h);
+            report(error, DbfError::BadField, path, wanted[i].name);
+            return false;
+        }
+    }
+    stamp_today(h);
+    DBFClose(h);
+
+    QFile file(draft);
+    if (!file.open(QIODevice::ReadOnly)) {
+        report(error, DbfError::WriteFailed, path);
+        return false;
+    }
+    QByteArray bytes = file.readAll();
+    file.close();
+    const int header_length = kFileHeader + kFieldDescriptor * int(wanted.size()) + 1;
+    if (bytes.size() != header_length + 1 || bytes.at(header_length - 1) != kTerminator) {
+        report(error, DbfError::WriteFailed, path);
+        return false;
+    }
+    // shapelib marks every table 0x03; dBASE III looks for 0x83 before it
+    // opens the memo file.
+    if (has_memo) bytes[0] = char(0x83);
+
+    if (has_memo && !write_file_atomic(memo_path_of(path), empty_memo_file())) {
+        report(error, DbfError::WriteFailed, memo_path_of(path));
+        return false;
+    }
+    if (!write_file_atomic(path, bytes)) {
+        report(error, DbfError::WriteFailed, path);
+        return false;
+    }
+    if (error) *error = DbfError{};
+    return true;
+}
+
+// ---------------------------------------------------------------------------
+
+namespace {
+
+QString existing_spelling(const QString& path) {
+    const QFileInfo info(path);
+    return path_ignoring_case(info.absolutePath(), info.fileName());
+}
+
+}  // namespace
+
+bool copy_template_if_missing(const QString& template_path, const QString& target_path) {
+    const QFileInfo target(target_path);
+    if (file_exists_ignoring_case(target.absolutePath(), target.fileName())) return true;
+    if (!QFileInfo(template_path).isFile()) return false;
+    return copy_file_atomic(template_path, target_path);
+}
+
+bool copy_template_over(const QString& template_path, const QString& target_path) {
+    if (!QFileInfo(template_path).isFile()) return false;
+    return copy_file_atomic(template_path, existing_spelling(target_path));
+}
+
+void copy_table_templates(const QString& program_folder, const QString& folder,
+                          const QString& table) {
+    const auto copy_one = [&](const QString& template_ext, const QString& table_ext) {
+        if (file_exists_ignoring_case(folder, table + table_ext)) return;
+        const QString source = find_ignoring_case(program_folder, table + template_ext);
+        if (source.isEmpty()) return;
+        copy_file_atomic(source, QDir(folder).filePath(table + table_ext));
+    };
+    copy_one(QStringLiteral(".org"), QStringLiteral(".dbf"));
+    copy_one(QStringLiteral(".ort"), QStringLiteral(".dbt"));
+}
+
+}  // namespace veldo

@@ -1,0 +1,201 @@
+#pragma once
+// dBASE III tables (`marks<N>.dbf`, `punte<N>.dbf`, `pi2_dta.dbf`, ...) with
+// the recordset operations the screens use: walk, read by position or name,
+// Edit/AddNew/Update, Delete, Refresh.
+//
+// shapelib does the file access, but only whole records go through it
+// (DBFReadTuple/DBFWriteTuple): its field readers trim blanks, share one
+// buffer and convert numbers with the C locale functions, and a comma locale
+// must never change a stored byte. Fields are cut and converted here.
+//
+// Values are QVariants as in util/text_helpers.h: an invalid QVariant is Null.
+// A field whose bytes are all blank reads as Null. Character fields read as
+// the text on disk, blanks kept (callers trim); N and F fields as double;
+// D fields as OleDate; L fields as bool; M fields as their raw block text.
+
+#include <QList>
+#include <QString>
+#include <QVariant>
+
+#include <memory>
+#include <vector>
+
+namespace veldo {
+
+enum class DbfType { Character, Numeric, Date, Logical, Memo, Other };
+
+struct DbfField {
+    QString name;
+    DbfType type = DbfType::Character;
+    int width = 0;
+    int decimals = 0;
+};
+
+struct DbfError {
+    enum Code {
+        None,
+        Missing,          // no such file
+        Unreadable,       // there, but the system may not read it
+        Empty,            // 0 bytes
+        NotATable,        // not a dBASE file at all
+        Damaged,          // a dBASE header whose fields do not add up
+        Truncated,        // shorter than its header says: records are missing
+        ReadOnly,         // a change asked of a table opened read-only
+        WriteFailed,      // the disk refused a write
+        NoSuchField,      // unknown field name or position; `detail` names it
+        NoCurrentRecord,  // at BOF/EOF, or the current record was deleted
+        NotEditing,       // set_value/Update without Edit or AddNew
+        BadValue,         // a value the field's type cannot hold
+        TooWide,          // a number with more digits than the field
+        BadField,         // create: a field description dBASE III refuses
+    };
+    Code code = None;
+    QString path;
+    QString detail;  // the field concerned, where there is one
+};
+
+// The message a user gets, in Afrikaans or English.
+QString dbf_error_message(const DbfError& error, bool afrikaans);
+
+enum class DbfAccess { ReadWrite, ReadOnly };
+
+class DbfTable {
+public:
+    // Opens a table and puts the walk on its first live record. A table that
+    // may not be written opens read-only (see is_read_only). The header is
+    // checked before shapelib sees it: a foreign, empty, damaged or short
+    // file gives nullptr and `error`. A truncated table is refused rather than
+    // opened with the records that are left, so that nothing writes a smaller
+    // record count over it.
+    static std::unique_ptr<DbfTable> open(const QString& path, DbfError* error = nullptr,
+                                          DbfAccess access = DbfAccess::ReadWrite);
+
+    // Writes a new empty table over `path` (atomically): version 0x03, or 0x83
+    // with an empty `.dbt` beside it when a field is a memo; today's date;
+    // field names in upper case. Date, Logical and Memo fields take their
+    // fixed widths (8, 1, 10). The limits of dBASE III hold: 128 fields, names
+    // of 1 to 10 letters, digits and '_' starting with a letter, text up to
+    // 254, numbers up to 19 wide with at most 15 decimals, records up to 4000.
+    static bool create(const QString& path, const QList<DbfField>& fields,
+                       DbfError* error = nullptr);
+
+    ~DbfTable();
+    DbfTable(const DbfTable&) = delete;
+    DbfTable& operator=(const DbfTable&) = delete;
+
+    const QString& path() const { return path_; }
+    bool is_open() const { return handle_ != nullptr; }
+    bool is_read_only() const { return read_only_; }
+
+    // The walk. Deleted records are never seen; the list of live records is
+    // taken at open and at Refresh, and records added here join its end.
+    // A move abandons an Edit or AddNew that was not updated, as DAO does.
+    // Moves past either end stop at BOF or EOF and never fail.
+    // (EOF is a C macro, hence Eof/Bof.)
+    void MoveFirst();
+    void MoveNext();
+    void MovePrevious();
+    void MoveLast();
+    void Move(int rows);  // relative to the current record
+    bool Eof() const;
+    bool Bof() const;
+    int RecordCount() const { return int(live_.size()); }
+    // Index of the current record among the live ones; -1 when there is none
+    // (BOF, EOF, or the current record was just deleted).
+    int position() const;
+
+    int field_count() const { return int(fields_.size()); }
+    const DbfField& field(int i) const;
+    // Ignoring case; -1 when there is none.
+    int field_index(const QString& name) const;
+
+    // The current record's value, or the value set so far during an Edit or
+    // AddNew. Unknown fields and a missing current record give Null and
+    // last_error(); nothing throws.
+    QVariant value(int i) const;
+    QVariant value(const QString& name) const;
+
+    // Changes. Edit copies the current record afresh from disk; AddNew starts
+    // a blank one. set_value writes text left-justified, cut at the width;
+    // numbers right-justified with the field's decimals (half away from zero)
+    // and '.' as decimal sign; dates yyyymmdd; logicals T/F; Null as blanks.
+    // A number too wide for its field is refused (TooWide): set_value returns
+    // false and Update refuses until CancelUpdate, so no asterisks or cut
+    // digits ever reach the disk.
+    bool Edit();
+    bool AddNew();
+    bool set_value(int i, const QVariant& value);
+    bool set_value(const QString& name, const QVariant& value);
+    bool is_editing() const { return mode_ != Mode::None; }
+    // Writes the record and the header (count, today's date) at once, so other
+    // workstations see it. After AddNew the new record becomes the current
+    // one (DAO would stay where it was): a caller can read back what it
+    // wrote or Edit it again without a search.
+    bool Update(DbfError* error = nullptr);
+    void CancelUpdate();
+    // Marks the current record deleted ('*'). It leaves the walk; there is no
+    // current record until the next move, and MoveNext goes on to the record
+    // that followed it.
+    bool Delete();
+    // Reopens the file, takes the list of live records again and goes to
+    // the first. False (and the table closed) if the file can no longer be
+    // opened.
+    bool Refresh();
+    void Close();
+    bool flush();
+
+    const DbfError& last_error() const { return error_; }
+    void clear_error() { error_ = DbfError{}; }
+
+private:
+    enum class Mode { None, Edit, AddNew };
+
+    DbfTable() = default;
+    bool attach(DbfAccess access, DbfError* error);
+    void detach();
+    void fail(DbfError::Code code, const QString& detail = QString()) const;
+    const char* current_bytes() const;
+    bool current_valid() const;
+    void leave_edit() { mode_ = Mode::None; pending_error_ = DbfError::None; }
+    bool commit_write();
+    void resync_after_failure();
+    void adopt_foreign_appends();
+    void drop_cached_record();
+
+    QString path_;
+    void* handle_ = nullptr;  // DBFHandle
+    bool read_only_ = false;
+    DbfAccess access_ = DbfAccess::ReadWrite;
+    QList<DbfField> fields_;
+    std::vector<int> offsets_;
+    int header_length_ = 0;
+    int record_length_ = 0;
+
+    std::vector<int> live_;  // record numbers, from 0
+    int pos_ = 0;            // index into live_; -1 BOF, live_.size() EOF
+    bool on_deleted_ = false;
+
+    Mode mode_ = Mode::None;
+    QByteArray edit_buf_;
+    int edit_record_ = -1;
+    DbfError::Code pending_error_ = DbfError::None;
+    QString pending_detail_;
+
+    mutable DbfError error_;
+};
+
+// Template copies, both atomic. The target is looked up ignoring case, and an
+// existing spelling is the one replaced. if_missing: true when the target is
+// there afterwards. over: true when the copy was made.
+bool copy_template_if_missing(const QString& template_path, const QString& target_path);
+bool copy_template_over(const QString& template_path, const QString& target_path);
+
+// Gives `folder` a table from the templates beside the program: if
+// `<table>.dbf` is missing and `<table>.org` is in `program_folder`, copies it
+// to `<table>.dbf`; likewise `<table>.ort` to a missing `<table>.dbt`. Names
+// are looked up ignoring case. Failures are passed over: the opener that
+// follows reports a missing table.
+void copy_table_templates(const QString& program_folder, const QString& folder,
+                          const QString& table);
+
+}  // namespace veldo

@@ -1,0 +1,71 @@
+// Clearing other users' locks, and the network switch file.
+#include <gtest/gtest.h>
+
+#include "store/locks.h"
+#include "tests/support/temp_drive.h"
+#include "util/text_helpers.h"
+
+namespace veldo {
+namespace {
+
+using testing::TempDrive;
+using testing::read_bytes;
+using testing::write_bytes;
+
+QByteArray lock_slot(const QString& user, const QString& type, const QString& folder, qint16 number = 7) {
+    RecordBuffer rec(&lock_record_layout());
+    rec.set_text("lock_user", user);
+    rec.set_date("lock_date", 46000.5);
+    rec.set_text("lock_table", "PPL");
+    rec.set_text("lock_type", type);
+    rec.set_int16("lock_number", number);
+    rec.set_text("lock_folder", folder);
+    return rec.bytes();
+}
+
+TEST(UserLocks, OtherUsersEntriesOfTheFolderAreBlankedAndOwnEntriesStay) {
+    TempDrive t;
+    const QString me = get_login_name();
+    const QString folder = t.run.data_folder;
+    const QByteArray mine = lock_slot(me, "L", folder);
+    const QByteArray theirs = lock_slot(me + "x", "L", folder);
+    const QByteArray elsewhere = lock_slot(me + "x", "L", folder + "2");
+    const QByteArray untyped = lock_slot(me + "x", "", folder);
+    write_bytes(t.path("user_lock_record.txt"), mine + theirs + elsewhere + untyped);
+
+    EXPECT_TRUE(clear_user_locks(*t.store, folder));
+    const QByteArray after = read_bytes(t.path("user_lock_record.txt"));
+    ASSERT_EQ(after.size(), 4 * 140);
+    EXPECT_EQ(after.mid(0, 140), mine);
+    RecordBuffer blank(&lock_record_layout());
+    EXPECT_EQ(after.mid(140, 140), blank.bytes());
+    EXPECT_EQ(after.mid(280, 140), elsewhere);
+    EXPECT_EQ(after.mid(420, 140), untyped);
+    EXPECT_EQ(t.store->open_file_count(), 0);
+}
+
+TEST(UserLocks, AMissingFolderReturnsFalseAndAMissingFileIsMadeEmpty) {
+    TempDrive t;
+    EXPECT_FALSE(clear_user_locks(*t.store, t.path("gone")));
+    EXPECT_FALSE(QFileInfo::exists(t.path("user_lock_record.txt")));
+    EXPECT_TRUE(clear_user_locks(*t.store, t.run.data_folder));
+    EXPECT_TRUE(QFileInfo::exists(t.path("user_lock_record.txt")));
+    EXPECT_EQ(QFileInfo(t.path("user_lock_record.txt")).size(), 0);
+}
+
+TEST(UserLocks, LieAtTheDriveRootWhileTheSharedFolderIsEmpty) {
+    TempDrive t;
+    EXPECT_EQ(t.run.in_folder(t.run.shared_settings_folder, "user_lock_record.txt"),
+              t.path("user_lock_record.txt"));
+}
+
+TEST(NetworkSwitch, IsCreatedFalseOnceAndReadAfterwards) {
+    TempDrive t;
+    EXPECT_FALSE(read_network_switch(t.run));
+    EXPECT_EQ(read_bytes(t.path("ProgramData/KESTRALIN/networklock.txt")), QByteArray("#FALSE#\r\n"));
+    write_bytes(t.path("ProgramData/KESTRALIN/networklock.txt"), "#TRUE#\r\n");
+    EXPECT_TRUE(read_network_switch(t.run));
+}
+
+}  // namespace
+}  // namespace veldo

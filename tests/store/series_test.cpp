@@ -1,0 +1,118 @@
+// The mark series table: its grid rows, keys and lists.
+#include <gtest/gtest.h>
+
+#include "store/series.h"
+#include "tests/support/series_file.h"
+#include "tests/support/temp_drive.h"
+#include "util/text_grid.h"
+
+namespace veldo {
+namespace {
+
+using testing::SeriesSpec;
+using testing::TempDrive;
+using testing::series_record;
+using testing::write_bytes;
+
+TEST(SeriesLayout, IsFortyFourBytesWithFieldsAtTheirOffsets) {
+    const RecordLayout& l = series_record_layout();
+    EXPECT_EQ(l.length(), 44);
+    const int offsets[] = {0, 3, 8, 12, 15, 18, 21, 23, 28, 36};
+    for (int i = 0; i < 10; ++i) EXPECT_EQ(l.fields()[i].offset, offsets[i]) << i;
+    const QByteArray raw = series_record({"12 ", "EN HL", 75.5f, "12A", "   ", "   ", 258, "K1", QDate(2026, 1, 14)});
+    ASSERT_EQ(raw.size(), 44);
+    EXPECT_EQ(raw.left(8), QByteArray("12 EN HL"));
+    EXPECT_EQ(raw.mid(8, 4), QByteArray::fromHex("0000 9742"));  // 75.5f little-endian
+    EXPECT_EQ(raw.mid(21, 2), QByteArray::fromHex("0201"));      // 258
+    EXPECT_EQ(raw.mid(28, 8), QByteArray::fromHex("00000000807ae640"));  // 46036 days
+}
+
+TEST(SeriesRows, HoldTheNineColumnsUntrimmedWithTotal100AboveGrade9) {
+    TempDrive t;
+    write_bytes(t.data("exp_mrk_control.txt"),
+                series_record({"12 ", "GES  ", 400, "12A", "   ", "   ", 7, "K7", QDate(2026, 1, 14)}) +
+                    series_record({"9  ", "NW   ", 80, "   ", "   ", "N1 ", 4, "K4", QDate(2026, 1, 14)}) +
+                    series_record({"R  ", "AFR  ", 62.5f, "RA ", "   ", "   ", 0, "", QDate()}));
+    const auto rows = series_rows(*t.store);
+    ASSERT_EQ(rows.size(), 3);
+    EXPECT_EQ(rows[0], (QStringList{"12 ", "GES  ", "100", "12A", "   ", "   ", "7", "K7   ", "2026/01/14"}));
+    EXPECT_EQ(rows[1], (QStringList{"9  ", "NW   ", "80", "   ", "   ", "N1 ", "4", "K4   ", "2026/01/14"}));
+    EXPECT_EQ(rows[2][2], "62.5");
+    EXPECT_EQ(rows[2][8], "00:00:00");
+    EXPECT_EQ(t.store->series_count(), 3);
+}
+
+TEST(SeriesRows, FillTheGridWithoutAHeadingRow) {
+    TempDrive t;
+    write_bytes(t.data("exp_mrk_control.txt"), series_record({"8  ", "AFR  ", 100, "8A ", "", "", 1, "", {}}));
+    TextGrid grid;
+    fill_series_grid(*t.store, grid);
+    EXPECT_EQ(grid.rows(), 1);
+    EXPECT_EQ(grid.cols(), 9);
+    EXPECT_EQ(grid.fixed_rows(), 0);
+    EXPECT_EQ(grid.text(0, 1), "AFR  ");
+}
+
+TEST(SeriesRows, AnEmptyOrMissingTableGivesNoRows) {
+    TempDrive t;
+    write_bytes(t.data("exp_mrk_control.txt"), {});
+    EXPECT_TRUE(series_rows(*t.store).isEmpty());
+    QFile::remove(t.data("exp_mrk_control.txt"));
+    EXPECT_TRUE(series_rows(*t.store).isEmpty());
+}
+
+TEST(SeriesRows, AShortLastRecordIsCountedAndReadWithBlanksMissing) {
+    TempDrive t;
+    const QByteArray one = series_record({"10 ", "WISK ", 300, "10A", "", "", 5, "", {}});
+    write_bytes(t.data("exp_mrk_control.txt"), one + one.left(22));  // 66 bytes: 1.5 records
+    const auto rows = series_rows(*t.store);
+    ASSERT_EQ(rows.size(), 2);
+    EXPECT_EQ(rows[1][0], "10 ");
+    EXPECT_EQ(rows[1][2], "100");
+}
+
+TEST(SeriesKey, TakesClassElseGroupAndKeepsTheGradePadding) {
+    EXPECT_EQ(series_key({"10 ", "WISK ", "", "10A", "", ""}), "10 WISK_10A");
+    EXPECT_EQ(series_key({"9  ", "NW   ", "", "   ", "", "B1 "}), "9  NW___B1");
+    EXPECT_EQ(series_key({"11 ", "EN HL", "", "11B", "", ""}), "11 EN_HL11B");
+    EXPECT_EQ(series_key({"9  ", "AFR  ", "", "9/A", "", ""}), "9  AFR__9_A");
+    EXPECT_EQ(series_key({"   ", "     ", "", "   ", "", "   "}), "_____");
+}
+
+TEST(MarkList, PutsTheGroupBeforeTheClassAndCutsTheClassPart) {
+    TempDrive t;
+    write_bytes(t.data("exp_mrk_control.txt"),
+                series_record({"10 ", "WISK ", 300, "10 ", "A  ", "   ", 1, "", {}}) +
+                    series_record({"9", "NW", 80, "9A ", "   ", "B1 ", 2, "", {}}) +
+                    series_record({"12 ", "GES  ", 400, "12A", "   ", "   ", 3, "", {}}));
+    const auto items = mark_list_items(*t.store);
+    ASSERT_EQ(items.size(), 3);
+    EXPECT_EQ(items[0].text, "  10 WISK  10 ");
+    EXPECT_EQ(items[1].text, "   9 NW    B1 ");
+    EXPECT_EQ(items[2].text, "  12 GES   12A");
+    EXPECT_EQ(items[2].total, "400");  // the stored figure, not 100
+}
+
+TEST(ClassList, ListsClassesOrGroupsJoinedByCommas) {
+    TempDrive t;
+    write_bytes(t.data("exp_mrk_control.txt"),
+                series_record({"8  ", "AFR  ", 100, "8A ", "", "", 1, "", {}}) +
+                    series_record({"9  ", "NW   ", 80, "   ", "", "N1 ", 2, "", {}}) +
+                    series_record({"9  ", "NW   ", 80, "   ", "", "   ", 3, "", {}}));
+    const ClassList list = class_list(*t.store);
+    EXPECT_EQ(list.items, (QStringList{"8A", "N1"}));
+    EXPECT_EQ(list.joined, "8A, N1");
+}
+
+TEST(MarksFiles, EitherControlFileKeepsTheEntryOpen) {
+    TempDrive t;
+    EXPECT_FALSE(has_marks_files(t.run.data_folder));
+    write_bytes(t.data("EXP_CONTROL.DBF"), "x");
+    EXPECT_TRUE(has_marks_files(t.run.data_folder));
+    QFile::remove(t.data("EXP_CONTROL.DBF"));
+    write_bytes(t.data("exp_mrk_control.txt"), {});
+    EXPECT_TRUE(has_marks_files(t.run.data_folder));
+}
+
+}  // namespace
+}  // namespace veldo

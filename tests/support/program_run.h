@@ -1,0 +1,31 @@
+#pragma once
+// Runs the built program with a temporary drive root, as a user would from a
+// shell.
+
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace veldo::testing {
+
+struct ProgramResult {
+    int exit_code = -1;
+    QString out;
+    QString err;
+};
+
+inline ProgramResult run_program(const QString& drive_root, const QStringList& arguments) {
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("KESTRALIN_DRIVE", drive_root);
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    p.setProcessEnvironment(env);
+    p.start(VELDO_PROGRAM, arguments);
+    p.waitForFinished(60000);
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromLocal8Bit(p.readAllStandardOutput()),
+            QString::fromLocal8Bit(p.readAllStandardError())};
+}
+
+}  // namespace veldo::testing

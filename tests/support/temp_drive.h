@@ -1,0 +1,51 @@
+#pragma once
+// A drive root and data folder in a temporary directory, with a run state
+// and record store wired to a scripted dialog service.
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <memory>
+
+#include "store/record_store.h"
+#include "store/run_state.h"
+#include "tests/support/scripted_dialogs.h"
+
+namespace veldo::testing {
+
+struct TempDrive {
+    QTemporaryDir dir;
+    ScriptedDialogs dialogs;
+    RunState run;
+    std::unique_ptr<RecordStore> store;
+
+    TempDrive() {
+        run.dialogs = &dialogs;
+        run.drive_root = dir.path();
+        run.data_folder = dir.filePath("data");
+        run.family_folder = dir.filePath("ProgramData/KESTRALIN");
+        run.current_year = "2026";
+        run.today = QDate(2026, 11, 23);
+        QDir().mkpath(run.data_folder);
+        QDir().mkpath(run.family_folder);
+        store = std::make_unique<RecordStore>(run);
+    }
+    QString path(const QString& relative) const { return dir.filePath(relative); }
+    QString data(const QString& name) const { return QDir(run.data_folder).filePath(name); }
+};
+
+inline void write_bytes(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile f(path);
+    f.open(QIODevice::WriteOnly | QIODevice::Truncate);
+    f.write(bytes);
+}
+
+inline QByteArray read_bytes(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+}  // namespace veldo::testing

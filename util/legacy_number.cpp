@@ -1,0 +1,381 @@
+#include "util/legacy_number.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <string>
+
+namespace veldo {
+namespace {
+
+bool is_digit(QChar c) { return c.unicode() >= '0' && c.unicode() <= '9'; }
+bool is_val_blank(QChar c) {
+    const char16_t u = c.unicode();
+    return u == ' ' || u == '\t' || u == '\r' || u == '\n';
+}
+
+// Parses an unsigned decimal text made of ASCII digits, one optional point
+// and an optional exponent ("12.5", ".5", "3e2"). The result saturates to
+// infinity instead of failing, and a vanishing value is 0.
+double parse_unsigned(const std::string& text) {
+    double value = 0.0;
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value,
+                                           std::chars_format::general);
+    (void)end;
+    if (ec == std::errc::result_out_of_range) {
+        // Tell overflow from underflow by the magnitude of the leading part.
+        std::size_t i = 0;
+        while (i < text.size() && (text[i] == '0' || text[i] == '.')) ++i;
+        const std::size_t e = text.find_first_of("eE");
+        long exponent = 0;
+        if (e != std::string::npos) {
+            std::size_t k = e + 1;
+            bool minus = false;
+            if (k < text.size() && (text[k] == '+' || text[k] == '-')) minus = text[k++] == '-';
+            for (; k < text.size() && text[k] >= '0' && text[k] <= '9'; ++k)
+                if (exponent < 100000) exponent = exponent * 10 + (text[k] - '0');
+            if (minus) exponent = -exponent;
+        }
+        const std::size_t point = text.find('.');
+        const std::size_t mantissa_end = e == std::string::npos ? text.size() : e;
+        const std::size_t int_end = point == std::string::npos ? mantissa_end : point;
+        const long whole_digits = i < int_end ? long(int_end - i) : -long(i - int_end);
+        return whole_digits + exponent > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+    }
+    if (ec != std::errc()) return 0.0;
+    return value;
+}
+
+// The decimal digits of a non-negative finite value, taken to `significant`
+// digits: value = 0.D1D2...Dn * 10^point.
+struct Digits {
+    std::string d;
+    int point = 0;
+};
+
+Digits digits_of(double value, int significant) {
+    char buf[64];
+    const auto res = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::scientific,
+                                   significant - 1);
+    Digits out;
+    const char* p = buf;
+    for (; p < res.ptr && *p != 'e'; ++p)
+        if (*p >= '0' && *p <= '9') out.d.push_back(*p);
+    int exponent = 0;
+    if (p < res.ptr) {
+        ++p;
+        if (*p == '+') ++p;
+        std::from_chars(p, res.ptr, exponent);
+    }
+    out.point = exponent + 1;
+    return out;
+}
+
+// Rounds a digit string half away from zero to `decimals` places after the
+// point and returns the whole and the decimal digits ("" for a zero whole part).
+void fixed_digits(double abs_value, int decimals, std::string& whole, std::string& fraction) {
+    Digits dg = digits_of(abs_value, 15);
+    const long keep = long(dg.point) + decimals;  // digits of d that survive
+    if (keep < 0) {
+        dg.d.clear();
+    } else if (keep < long(dg.d.size())) {
+        const bool up = dg.d[std::size_t(keep)] >= '5';
+        dg.d.resize(std::size_t(keep));
+        if (up) {
+            long i = keep - 1;
+            for (; i >= 0; --i) {
+                if (dg.d[std::size_t(i)] == '9') {
+                    dg.d[std::size_t(i)] = '0';
+                } else {
+                    ++dg.d[std::size_t(i)];
+                    break;
+                }
+            }
+            if (i < 0) {
+                dg.d.insert(dg.d.begin(), '1');
+                ++dg.point;
+            }
+        }
+    }
+    auto digit_at = [&](long index) -> char {
+        return index >= 0 && index < long(dg.d.size()) ? dg.d[std::size_t(index)] : '0';
+    };
+    whole.clear();
+    fraction.clear();
+    for (long i = 0; i < dg.point; ++i) whole.push_back(digit_at(i));
+    const std::size_t lead = whole.find_first_not_of('0');
+    whole.erase(0, lead == std::string::npos ? whole.size() : lead);
+    for (long i = 0; i < decimals; ++i) fraction.push_back(digit_at(dg.point + i));
+}
+
+bool is_placeholder(QChar c) { return c == QLatin1Char('0') || c == QLatin1Char('#'); }
+
+QString non_finite_text(double value) {
+    if (std::isnan(value)) return QStringLiteral("1.#QNAN");
+    return value < 0 ? QStringLiteral("-1.#INF") : QStringLiteral("1.#INF");
+}
+
+}  // namespace
+
+double Val(const QString& text) {
+    const qsizetype n = text.size();
+    qsizetype i = 0;
+    while (i < n && is_val_blank(text.at(i))) ++i;
+    bool negative = false;
+    if (i < n && (text.at(i) == QLatin1Char('-') || text.at(i) == QLatin1Char('+'))) {
+        negative = text.at(i) == QLatin1Char('-');
+        ++i;
+    }
+    std::string number = "0";
+    bool any_digit = false;
+    while (i < n && is_digit(text.at(i))) {
+        number.push_back(char(text.at(i).unicode()));
+        any_digit = true;
+        ++i;
+    }
+    if (i < n && text.at(i) == QLatin1Char('.')) {
+        number.push_back('.');
+        ++i;
+        while (i < n && is_digit(text.at(i))) {
+            number.push_back(char(text.at(i).unicode()));
+            any_digit = true;
+            ++i;
+        }
+    }
+    if (!any_digit) return 0.0;
+    const double value = parse_unsigned(number);
+    if (value == 0.0) return 0.0;  // no "-0" from "-0.0"
+    return negative ? -value : value;
+}
+
+bool parse_numeric(const QString& text, double* value) {
+    const qsizetype n = text.size();
+    qsizetype i = 0;
+    auto blank = [&](qsizetype k) { return text.at(k) == QLatin1Char(' ') || text.at(k) == QLatin1Char('\t'); };
+    while (i < n && blank(i)) ++i;
+    qsizetype end = n;
+    while (end > i && blank(end - 1)) --end;
+    bool negative = false;
+    if (i < end && (text.at(i) == QLatin1Char('-') || text.at(i) == QLatin1Char('+'))) {
+        negative = text.at(i) == QLatin1Char('-');
+        ++i;
+    }
+    std::string number = "0";
+    bool any_digit = false;
+    while (i < end && is_digit(text.at(i))) {
+        number.push_back(char(text.at(i).unicode()));
+        any_digit = true;
+        ++i;
+    }
+    if (i < end && text.at(i) == QLatin1Char('.')) {
+        number.push_back('.');
+        ++i;
+        while (i < end && is_digit(text.at(i))) {
+            number.push_back(char(text.at(i).unicode()));
+            any_digit = true;
+            ++i;
+        }
+    }
+    if (!any_digit) return false;
+    if (i < end) {
+        const char16_t e = text.at(i).unicode();
+        if (e != 'e' && e != 'E' && e != 'd' && e != 'D') return false;
+        ++i;
+        number.push_back('e');
+        if (i < end && (text.at(i) == QLatin1Char('-') || text.at(i) == QLatin1Char('+'))) {
+            number.push_back(char(text.at(i).unicode()));
+            ++i;
+        }
+        bool exponent_digit = false;
+        while (i < end && is_digit(text.at(i))) {
+            number.push_back(char(text.at(i).unicode()));
+            exponent_digit = true;
+            ++i;
+        }
+        if (!exponent_digit || i < end) return false;
+    }
+    if (value) {
+        const double v = parse_unsigned(number);
+        *value = v == 0.0 ? 0.0 : (negative ? -v : v);
+    }
+    return true;
+}
+
+bool IsNumeric(const QString& text) { return parse_numeric(text, nullptr); }
+
+QString format_mask(double value, const QString& mask) {
+    if (!std::isfinite(value)) return non_finite_text(value);
+    const qsizetype point = mask.indexOf(QLatin1Char('.'));
+    const QStringView int_mask = point < 0 ? QStringView(mask) : QStringView(mask).left(point);
+    const QStringView dec_mask = point < 0 ? QStringView() : QStringView(mask).mid(point + 1);
+
+    int decimals = 0;
+    for (QChar c : dec_mask)
+        if (is_placeholder(c)) ++decimals;
+    std::string whole, fraction;
+    fixed_digits(std::fabs(value), decimals, whole, fraction);
+
+    // Whole part: '0' from the first one on forces digits; more digits than
+    // placeholders all go where the leftmost placeholder stands.
+    int placeholders = 0, forced = 0;
+    bool seen_zero = false;
+    for (QChar c : int_mask) {
+        if (!is_placeholder(c)) continue;
+        ++placeholders;
+        if (c == QLatin1Char('0')) seen_zero = true;
+        if (seen_zero) ++forced;
+    }
+    if (int(whole.size()) < forced) whole.insert(0, std::size_t(forced) - whole.size(), '0');
+
+    QString int_out;  // built right to left
+    long next = long(whole.size()) - 1;
+    int seen = 0;
+    if (placeholders == 0) {
+        for (long k = next; k >= 0; --k) int_out.append(QLatin1Char(whole[std::size_t(k)]));
+        next = -1;
+    }
+    for (qsizetype k = int_mask.size() - 1; k >= 0; --k) {
+        const QChar c = int_mask.at(k);
+        if (!is_placeholder(c)) {
+            int_out.append(c);
+            continue;
+        }
+        ++seen;
+        if (seen == placeholders) {
+            for (; next >= 0; --next) int_out.append(QLatin1Char(whole[std::size_t(next)]));
+        } else if (next >= 0) {
+            int_out.append(QLatin1Char(whole[std::size_t(next--)]));
+        }
+    }
+    std::reverse(int_out.begin(), int_out.end());
+
+    // Decimal part: a trailing '#' drops a zero digit.
+    qsizetype last_shown = -1;
+    {
+        int index = 0;
+        for (qsizetype k = 0; k < dec_mask.size(); ++k) {
+            if (!is_placeholder(dec_mask.at(k))) continue;
+            if (dec_mask.at(k) == QLatin1Char('0') || fraction[std::size_t(index)] != '0') last_shown = index;
+            ++index;
+        }
+    }
+    QString dec_out;
+    int index = 0;
+    for (QChar c : dec_mask) {
+        if (!is_placeholder(c)) {
+            dec_out.append(c);
+            continue;
+        }
+        if (index <= last_shown) dec_out.append(QLatin1Char(fraction[std::size_t(index)]));
+        ++index;
+    }
+
+    QString out;
+    if (value < 0) out.append(QLatin1Char('-'));
+    out.append(int_out);
+    if (point >= 0) {
+        out.append(QLatin1Char('.'));
+        out.append(dec_out);
+    }
+    return out;
+}
+
+QString format_one_decimal(double value) { return format_mask(value, QStringLiteral("##0.0")); }
+
+double Round(double value, int decimals) {
+    if (!std::isfinite(value) || decimals < 0 || decimals > 22) return value;
+    double scale = 1.0;
+    for (int i = 0; i < decimals; ++i) scale *= 10.0;
+    const double scaled = value * scale;
+    // Beyond 2^52 every double is whole already.
+    if (std::fabs(scaled) >= 4503599627370496.0) return value;
+    const double r = std::nearbyint(scaled) / scale;
+    return r == 0.0 ? 0.0 : r;
+}
+
+QString plain_number_text(double value, int significant) {
+    if (!std::isfinite(value)) return non_finite_text(value);
+    if (value == 0.0) return QStringLiteral("0");
+    if (significant < 1) significant = 1;
+    if (significant > 17) significant = 17;
+    Digits dg = digits_of(std::fabs(value), significant);
+    while (dg.d.size() > 1 && dg.d.back() == '0') dg.d.pop_back();
+    const int exponent = dg.point - 1;
+    std::string out;
+    if (value < 0) out.push_back('-');
+    if (exponent >= -4 && exponent < significant) {
+        if (dg.point <= 0) {
+            out += "0.";
+            out.append(std::size_t(-dg.point), '0');
+            out += dg.d;
+        } else if (std::size_t(dg.point) >= dg.d.size()) {
+            out += dg.d;
+            out.append(std::size_t(dg.point) - dg.d.size(), '0');
+        } else {
+            out += dg.d.substr(0, std::size_t(dg.point));
+            out.push_back('.');
+            out += dg.d.substr(std::size_t(dg.point));
+        }
+    } else {
+        // The exponent form of the family: "1E+15", "1.5E-07".
+        out.push_back(dg.d[0]);
+        if (dg.d.size() > 1) {
+            out.push_back('.');
+            out += dg.d.substr(1);
+        }
+        out.push_back('E');
+        out.push_back(exponent < 0 ? '-' : '+');
+        const int e = exponent < 0 ? -exponent : exponent;
+        if (e < 10) out.push_back('0');
+        out += std::to_string(e);
+    }
+    return QString::fromLatin1(out.data(), qsizetype(out.size()));
+}
+
+QString number_text(double value, int significant) {
+    const QString text = plain_number_text(value, significant);
+    return text.startsWith(QLatin1Char('-')) ? text : QLatin1Char(' ') + text;
+}
+
+Currency Currency::from_double(double value) {
+    Currency c;
+    if (std::isnan(value)) return c;
+    const double scaled = value * 10000.0;
+    // Saturate rather than hand llrint a value it cannot hold.
+    constexpr double limit = 9.2e18;
+    if (scaled >= limit) {
+        c.ten_thousandths = std::numeric_limits<std::int64_t>::max();
+    } else if (scaled <= -limit) {
+        c.ten_thousandths = std::numeric_limits<std::int64_t>::min() + 1;
+    } else {
+        c.ten_thousandths = std::llrint(scaled);
+    }
+    return c;
+}
+
+namespace {
+QString currency_text(std::int64_t v, bool keep_zeros) {
+    const bool negative = v < 0;
+    // Work in unsigned so the smallest value has a magnitude too.
+    const std::uint64_t mag = negative ? std::uint64_t(0) - std::uint64_t(v) : std::uint64_t(v);
+    std::string frac = std::to_string(mag % 10000);
+    frac.insert(0, 4 - frac.size(), '0');
+    if (!keep_zeros) {
+        while (!frac.empty() && frac.back() == '0') frac.pop_back();
+    }
+    std::string out;
+    if (negative) out.push_back('-');
+    out += std::to_string(mag / 10000);
+    if (!frac.empty()) {
+        out.push_back('.');
+        out += frac;
+    }
+    return QString::fromLatin1(out.data(), qsizetype(out.size()));
+}
+}  // namespace
+
+QString Currency::text() const { return currency_text(ten_thousandths, false); }
+QString Currency::fixed4() const { return currency_text(ten_thousandths, true); }
+
+}  // namespace veldo

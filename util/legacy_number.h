@@ -1,0 +1,56 @@
+#pragma once
+// The one number reader and the number formats of the marks. None of this
+// depends on the C library's locale: a comma locale must not change a byte.
+
+#include <QString>
+#include <cstdint>
+
+namespace veldo {
+
+// The leading number of a text: optional blanks (space, tab, CR, LF), an
+// optional sign, digits with a point as decimal sign; stops at the first
+// character that does not fit. 0 when there is none.
+double Val(const QString& text);
+
+// The numeric test of mixed comparisons and of the grids' generic sort: the
+// whole text, blanks on either side aside, is a sign, digits with at most one
+// point, and an optional exponent (e, E, d or D). Neither thousands
+// separators nor currency signs count. "" is not numeric.
+bool IsNumeric(const QString& text);
+// As IsNumeric, and stores the number in *value (when not null).
+bool parse_numeric(const QString& text, double* value);
+
+// Format masks of the marks: "##0.0", "###.0", "####0.0", "######.0",
+// " ###0.0". '0' always shows a digit, '#' only where there is one, other
+// characters stand as they are. The value is taken to 15 significant digits
+// first and then rounded half away from zero to the mask's decimals. A
+// negative value gets a leading "-", even when it rounds to zero ("-0.0"),
+// as the original number format did. There is never a thousands separator.
+QString format_mask(double value, const QString& mask);
+// format_mask(value, "##0.0"): a number with exactly one decimal.
+QString format_one_decimal(double value);
+
+// Rounding to a number of decimals with ties to the even digit.
+double Round(double value, int decimals = 0);
+
+// The text of a number with a leading blank unless negative, shortest form,
+// at most `significant` digits (15 for a double, 7 for a single). Decimal
+// exponents from -4 to significant-1 print in full, others as "1E+15" or
+// "1.5E-07".
+QString number_text(double value, int significant = 15);
+// The plain text of a number: as number_text without the leading blank.
+QString plain_number_text(double value, int significant = 15);
+
+// A 4-decimal fixed-point value, as the averages are kept: the double
+// rounded to 4 decimals, ties to even.
+struct Currency {
+    std::int64_t ten_thousandths = 0;
+    static Currency from_double(double value);
+    double to_double() const { return double(ten_thousandths) / 10000.0; }
+    // "12.3456", "-0.5", "0"; no trailing zeros.
+    QString text() const;
+    // Always four decimals: "12.3400".
+    QString fixed4() const;
+};
+
+}  // namespace veldo
