@@ -38,6 +38,12 @@ DBFHandle dbf(void* handle) { return static_cast<DBFHandle>(handle); }
 struct HookFile {
     FILE* fp = nullptr;
     bool failed = false;
+    // shapelib seeks before every record, which costs a system call each
+    // time; a seek to where the stream already is gets put off. C wants a
+    // real seek between a read and a write, so a change of direction makes
+    // up the one put off.
+    enum class Last { None, Read, Write } last = Last::None;
+    bool seek_owed = false;
 };
 
 thread_local const char* t_target = nullptr;
@@ -59,13 +65,43 @@ SAFile hook_open(const char* name, const char* access) {
     return reinterpret_cast<SAFile>(new HookFile{fp, false});
 }
 
+long long tell(FILE* fp) {
+#ifdef _WIN32
+    return _ftelli64(fp);
+#else
+    return ftello(fp);
+#endif
+}
+
+int seek(HookFile* f, long long offset, int whence) {
+#ifdef _WIN32
+    const int rc = _fseeki64(f->fp, offset, whence);
+#else
+    const int rc = fseeko(f->fp, static_cast<off_t>(offset), whence);
+#endif
+    // A seek flushes pending writes: its failure is a write failure.
+    if (rc != 0) f->failed = true;
+    f->seek_owed = false;
+    return rc;
+}
+
+void turn(HookFile* f, HookFile::Last now) {
+    if (f->seek_owed && f->last != now && f->last != HookFile::Last::None)
+        seek(f, tell(f->fp), SEEK_SET);
+    f->seek_owed = false;
+    f->last = now;
+}
+
 SAOffset hook_read(void* p, SAOffset size, SAOffset count, SAFile file) {
-    return std::fread(p, size, count, hook_file(file)->fp);
+    HookFile* f = hook_file(file);
+    turn(f, HookFile::Last::Read);
+    return std::fread(p, size, count, f->fp);
 }
 
 SAOffset hook_write(void* p, SAOffset size, SAOffset count, SAFile file) {
     HookFile* f = hook_file(file);
     if (f->failed) return 0;
+    turn(f, HookFile::Last::Write);
     const std::size_t done = std::fwrite(p, size, count, f->fp);
     if (done != count) f->failed = true;
     return done;
@@ -73,28 +109,26 @@ SAOffset hook_write(void* p, SAOffset size, SAOffset count, SAFile file) {
 
 SAOffset hook_seek(SAFile file, SAOffset offset, int whence) {
     HookFile* f = hook_file(file);
-    // A seek flushes pending writes: its failure is a write failure.
-#ifdef _WIN32
-    const int rc = _fseeki64(f->fp, static_cast<long long>(offset), whence);
-#else
-    const int rc = fseeko(f->fp, static_cast<off_t>(offset), whence);
-#endif
-    if (rc != 0) f->failed = true;
-    return rc == 0 ? 0 : 1;
+    // A real seek also clears the end-of-file mark; keep it where one is set.
+    if (whence == SEEK_SET && !f->failed && !std::feof(f->fp) && !std::ferror(f->fp) &&
+        tell(f->fp) == static_cast<long long>(offset)) {
+        f->seek_owed = true;
+        return 0;
+    }
+    return seek(f, static_cast<long long>(offset), whence) == 0 ? 0 : 1;
 }
 
-SAOffset hook_tell(SAFile file) {
-#ifdef _WIN32
-    return static_cast<SAOffset>(_ftelli64(hook_file(file)->fp));
-#else
-    return static_cast<SAOffset>(ftello(hook_file(file)->fp));
-#endif
-}
+SAOffset hook_tell(SAFile file) { return static_cast<SAOffset>(tell(hook_file(file)->fp)); }
 
 int hook_flush(SAFile file) {
     HookFile* f = hook_file(file);
     const int rc = std::fflush(f->fp);
     if (rc != 0) f->failed = true;
+    // After a flushed write, a read needs no seek.
+    if (f->last == HookFile::Last::Write) {
+        f->seek_owed = false;
+        f->last = HookFile::Last::None;
+    }
     return rc;
 }
 
@@ -957,13 +991,20 @@ bool DbfTable::set_value(const QString& name, const QVariant& value) {
     return set_value(i, value);
 }
 
+// Every change goes to the disk at once, header included. The header count
+// is never lowered below what another workstation has written meanwhile,
+// and once written shapelib need not write it again at close (where it
+// could undo a later append of someone else).
 bool DbfTable::commit_write() {
     DBFHandle h = dbf(handle_);
+    adopt_foreign_appends();
     DBFUpdateHeader(h);
-    return !hook_file(h->fp)->failed;
+    if (hook_file(h->fp)->failed) return false;
+    h->bUpdated = 0;
+    return true;
 }
 
-// Another workstation may have appended since the open; a new record goes
+// Another workstation may have appended since the open: a new record goes
 // after theirs instead of over them.
 void DbfTable::adopt_foreign_appends() {
     DBFHandle h = dbf(handle_);

@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QSet>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -269,7 +270,7 @@ TEST_F(DbfWrite, TextIsCutAtTheWidthAndNullWritesBlanks) {
     t->set_value(3, QVariant());
     ASSERT_TRUE(t->Update());
     EXPECT_EQ(read_bytes(p).mid(kMarksHeader, kMarksRecord),
-              QByteArray(" ABCDEFGHIJ") + QByteArray(15, ' '));
+              QByteArray(" ABCDEFGHIJ") + QByteArray(14, ' '));
 }
 
 TEST_F(DbfWrite, NumbersTakeTheFieldsDecimalsRoundedHalfAwayFromZero) {
@@ -480,7 +481,9 @@ TEST_F(DbfRead, NumbersDatesAndLogicalsAreTyped) {
         }
         const QVariant d = t->value("D");
         EXPECT_EQ(d.isValid(), dates[i].isValid()) << i;
-        if (d.isValid()) EXPECT_EQ(d.value<OleDate>().days, dates[i].toDouble()) << i;
+        if (d.isValid()) {
+            EXPECT_EQ(d.value<OleDate>().days, dates[i].toDouble()) << i;
+        }
         const QVariant l = t->value("L");
         EXPECT_EQ(l.isValid(), logicals[i].isValid()) << i;
         if (l.isValid()) {
@@ -986,9 +989,13 @@ TEST(DbfSafeFile, ReplacesWholeFilesAndFailsWithoutHarm) {
     EXPECT_EQ(read_bytes(dir.filePath("copy.txt")), "two");
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), (QStringList{"copy.txt", "setup.txt"}));
 
+    // A file set read-only on purpose is not replaced behind its back.
     QFile::setPermissions(p, QFile::ReadOwner);
-    EXPECT_FALSE(write_file_atomic(p, "three", &error));
-    EXPECT_EQ(read_bytes(p), "two");
+    if (!QFileInfo(p).isWritable()) {
+        EXPECT_FALSE(write_file_atomic(p, "three", &error));
+        EXPECT_FALSE(copy_file_atomic(dir.filePath("copy.txt"), p, &error));
+        EXPECT_EQ(read_bytes(p), "two");
+    }
 }
 
 // ---- size ---------------------------------------------------------------------
@@ -1000,7 +1007,7 @@ TEST(DbfWalkCost, TwoThousandRecordsOfFortyTwoFieldsWalkQuickly) {
     QList<RawField> fields;
     for (int i = 0; i < 42; ++i) fields.append({QByteArray("V") + QByteArray::number(i), 'C', 5});
     QList<QByteArray> records;
-    for (int r = 0; r < 2000; ++r) records << " " + QByteArray::number(r % 100).rightJustified(5) .repeated(42);
+    for (int r = 0; r < 2000; ++r) records << " " + QByteArray::number(r % 100).rightJustified(5).repeated(42);
     write_bytes(p, raw_table(fields, records, {.end_marker = true}));
     auto t = DbfTable::open(p);
     ASSERT_TRUE(t);
@@ -1012,6 +1019,7 @@ TEST(DbfWalkCost, TwoThousandRecordsOfFortyTwoFieldsWalkQuickly) {
     const qint64 ms = clock.elapsed();
     EXPECT_GT(blanks, 0);
     EXPECT_LT(ms, 200) << ms << " ms";
+    std::printf("walk %lld us\n", (long long)clock.nsecsElapsed() / 1000);
 }
 
 }  // namespace

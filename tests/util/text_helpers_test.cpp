@@ -359,8 +359,9 @@ TEST(TextHelpersLoginName, ComesFromTheEnvironmentFirst) {
     const QByteArray saved_logname = qgetenv("LOGNAME");
     qunsetenv("LOGNAME");
     // Without either variable the account database answers.
-    if (const passwd* pw = getpwuid(geteuid()))
+    if (const passwd* pw = getpwuid(geteuid())) {
         EXPECT_EQ(get_login_name(), QString::fromLocal8Bit(pw->pw_name));
+    }
     if (!saved_logname.isNull()) qputenv("LOGNAME", saved_logname);
     if (!saved.isNull()) qputenv("USER", saved);
 }

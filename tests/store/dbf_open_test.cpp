@@ -1,0 +1,77 @@
+// Opening a dBASE table the family's way: templates and renewal.
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+
+#include "store/dbf_open.h"
+#include "store/record_store.h"
+#include "tests/support/temp_drive.h"
+
+namespace veldo {
+namespace {
+
+using testing::TempDrive;
+using testing::read_bytes;
+using testing::write_bytes;
+
+struct FamilyDbfOpener : ::testing::Test {
+    TempDrive t;
+    QString program = t.path("program");
+    const QList<DbfField> fields{{"LPS_KODE", DbfType::Character, 2, 0}, {"LPS_BESK", DbfType::Character, 30, 0}};
+    void SetUp() override {
+        QDir().mkpath(program);
+        t.run.start_folder = program;
+    }
+};
+
+TEST_F(FamilyDbfOpener, AMissingTableIsMadeFromItsTemplateInAFolderMadeForIt) {
+    ASSERT_TRUE(DbfTable::create(program + "/LWISK_P_S.org", fields));
+    write_bytes(program + "/LWISK_P_S.ort", "memo template");
+    const QString folder = t.path("data/new");
+    auto table = open_dbf_table(*t.store, folder, "LWISK_P_S");
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table->field_count(), 2);
+    EXPECT_EQ(read_bytes(folder + "/LWISK_P_S.dbt"), "memo template");
+    EXPECT_TRUE(QFileInfo::exists(t.path("ProgramData/KESTRALIN/networklock.txt")));
+}
+
+TEST_F(FamilyDbfOpener, ATableWithRowsIsOpenedAsItIs) {
+    const QString path = t.data("LNW_P_S.dbf");
+    ASSERT_TRUE(DbfTable::create(path, fields));
+    {
+        auto w = DbfTable::open(path);
+        w->AddNew();
+        w->set_value(0, "1");
+        w->set_value(1, "Uitstekend");
+        ASSERT_TRUE(w->Update());
+    }
+    ASSERT_TRUE(DbfTable::create(program + "/LNW_P_S.org", fields));
+    auto table = open_dbf_table(*t.store, t.run.data_folder, "LNW_P_S");
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table->RecordCount(), 1);
+    EXPECT_EQ(table->value(1).toString().trimmed(), "Uitstekend");
+}
+
+TEST_F(FamilyDbfOpener, AnEmptyTableIsMadeAfreshAndWithoutATemplateItGoes) {
+    const QList<DbfField> old_fields{{"OLD", DbfType::Character, 5, 0}};
+    ASSERT_TRUE(DbfTable::create(t.data("LAFR_P_S.dbf"), old_fields));
+    ASSERT_TRUE(DbfTable::create(program + "/LAFR_P_S.org", fields));
+    auto table = open_dbf_table(*t.store, t.run.data_folder, "LAFR_P_S");
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table->field(0).name, "LPS_KODE");
+
+    ASSERT_TRUE(DbfTable::create(t.data("LGES_P_S.dbf"), old_fields));
+    DbfError error;
+    EXPECT_FALSE(open_dbf_table(*t.store, t.run.data_folder, "LGES_P_S", &error));
+    EXPECT_EQ(error.code, DbfError::Missing);
+    EXPECT_FALSE(QFileInfo::exists(t.data("LGES_P_S.dbf")));
+}
+
+TEST_F(FamilyDbfOpener, NoTableAndNoTemplateGivesMissing) {
+    DbfError error;
+    EXPECT_FALSE(open_dbf_table(*t.store, t.run.data_folder, "LXX_P_S", &error));
+    EXPECT_EQ(error.code, DbfError::Missing);
+}
+
+}  // namespace
+}  // namespace veldo
