@@ -8,12 +8,18 @@
 #include <functional>
 
 #include "app/cli_dialogs.h"
+#include "exchange/export_marks.h"
+#include "exchange/symbol_distribution.h"
+#include "markbook/marks_table.h"
+#include "markbook/totals_engine.h"
 #include "shell/demo_school.h"
 #include "shell/startup.h"
 #include "store/dbf_table.h"
 #include "store/record_store.h"
 #include "store/series.h"
 #include "util/file_lookup.h"
+#include "util/legacy_number.h"
+#include "util/text_grid.h"
 #include "util/text_helpers.h"
 
 namespace veldo {
@@ -25,6 +31,7 @@ struct Context {
     RecordStore store{run};
     QMap<QString, QString> options;
     QStringList positional;
+    QString invocation_folder = QDir::currentPath();
     QTextStream out{stdout};
 };
 
@@ -59,15 +66,100 @@ int cmd_demo(Context& c) {
     return 0;
 }
 
+// The data folder must exist and hold the mark series, as the menus test
+// before they show a mark book screen.
+bool check_marks_folder(Context& c) {
+    if (!check_data_folder(c)) return false;
+    if (has_marks_files(c.run.data_folder)) return true;
+    print_error(c.run.tr("Bestaande gids (" + c.run.data_folder + ") bevat nie punteleêrs nie ...",
+                         "Current folder (" + c.run.data_folder + ") does not contain marks files ..."));
+    return false;
+}
+
 int cmd_series(Context& c) {
-    if (!check_data_folder(c)) return 1;
-    if (!has_marks_files(c.run.data_folder)) {
-        print_error(c.run.tr("Bestaande gids (" + c.run.data_folder + ") bevat nie punteleêrs nie ...",
-                             "Current folder (" + c.run.data_folder + ") does not contain marks files ..."));
-        return 1;
-    }
+    if (!check_marks_folder(c)) return 1;
     for (const QStringList& row : series_rows(c.store)) c.out << row.join('\t') << "\n";
     return c.dialogs.refused ? 1 : 0;
+}
+
+// The vak_grid row of --series N; N counts from 1.
+bool chosen_series(Context& c, int* series, QStringList* row) {
+    if (!check_marks_folder(c)) return false;
+    const auto rows = series_rows(c.store);
+    *series = int(Val(c.options.value("series")));
+    if (*series < 1 || *series > rows.size()) {
+        print_error(c.run.tr("Daar is geen puntereeks " + c.options.value("series") + " in " + c.run.data_folder + " nie.",
+                             "There is no mark series " + c.options.value("series") + " in " + c.run.data_folder + "."));
+        return false;
+    }
+    *row = rows[*series - 1];
+    return true;
+}
+
+std::unique_ptr<OpenMarkBook> open_chosen_book(Context& c) {
+    int series = 0;
+    QStringList row;
+    if (!chosen_series(c, &series, &row)) return nullptr;
+    return open_mark_book(c.store, row, series);
+}
+
+int cmd_open(Context& c) {
+    auto book = open_chosen_book(c);
+    if (!book) return 1;
+    c.out << c.run.tr("Punteboek ", "Mark book ") << book->series << " (setup_" << book->key << ".txt): "
+          << book->table->RecordCount() << c.run.tr(" leerders, ", " learners, ") << book->lists.kopieer_reeks.size()
+          << c.run.tr(" kolomme", " columns") << "\n";
+    return 0;
+}
+
+int cmd_sync(Context& c) {
+    int series = 0;
+    QStringList row;
+    if (!chosen_series(c, &series, &row)) return 1;
+    if (!update_marks_table(c.store, series)) return 1;
+    c.out << marks_table_name(series) << c.run.tr(" is bygewerk.", " is up to date.") << "\n";
+    return 0;
+}
+
+int cmd_recalc(Context& c) {
+    auto book = open_chosen_book(c);
+    if (!book) return 1;
+    recalculate_totals(*book->table, book->lists);
+    c.out << c.run.tr("Totale herbereken vir ", "Totals recalculated for ") << book->table->RecordCount()
+          << c.run.tr(" leerders.", " learners.") << "\n";
+    return 0;
+}
+
+int cmd_averages(Context& c) {
+    auto book = open_chosen_book(c);
+    if (!book) return 1;
+    const auto averages = class_averages(*book->table, book->lists);
+    for (const auto& [name, field] : book->lists.kopieer_reeks)
+        c.out << field << "\t" << name << "\t" << averages[field].fixed4() << "\n";
+    return 0;
+}
+
+int cmd_export(Context& c) {
+    int series = 0;
+    QStringList row;
+    if (!chosen_series(c, &series, &row)) return 1;
+    ExportRequest request;
+    request.series = series;
+    request.series_row = row;
+    request.task = int(Val(c.options.value("task")));
+    request.folder = c.options.contains("to") ? QDir::cleanPath(QDir(c.invocation_folder).absoluteFilePath(c.options["to"]))
+                                              : c.run.data_folder;
+    return export_task(c.store, request) ? 0 : 1;
+}
+
+int cmd_symbols(Context& c) {
+    int series = 0;
+    QStringList row;
+    if (!chosen_series(c, &series, &row)) return 1;
+    TextGrid grid;
+    if (!build_symbol_distribution(c.store, row, series, grid)) return 1;
+    for (int r = 0; r < grid.rows(); ++r) c.out << grid.row_texts(r).join('\t') << "\n";
+    return 0;
 }
 
 int cmd_dump(Context& c) {
@@ -99,6 +191,19 @@ const QList<Command>& commands() {
         {"series", "series --data DIR", "list the mark series of a data folder, one line each", {"data"}, 0,
          cmd_series},
         {"dump", "dump FILE.dbf", "print a dBASE table: field names, then one line per record", {}, 1, cmd_dump},
+        {"open", "open --data DIR --series N", "open mark book N for input: checks, first filling, rebuild in name order",
+         {"data", "series"}, 0, cmd_open},
+        {"sync", "sync --data DIR --series N", "bring marks<N>.dbf in step with its class list, as saving a setup does",
+         {"data", "series"}, 0, cmd_sync},
+        {"recalc", "recalc --data DIR --series N", "open mark book N and recalculate all its totals",
+         {"data", "series"}, 0, cmd_recalc},
+        {"averages", "averages --data DIR --series N", "open mark book N and print each column's class average",
+         {"data", "series"}, 0, cmd_averages},
+        {"export", "export --data DIR --series N --task T [--to DIR2]",
+         "send task T of book N to punte<N>.dbf and obe_p<N>.dbf in DIR2 (default DIR)", {"data", "series", "task", "to"},
+         0, cmd_export},
+        {"symbols", "symbols --data DIR --series N", "print the symbol distribution of mark book N",
+         {"data", "series"}, 0, cmd_symbols},
     };
     return list;
 }
@@ -146,7 +251,8 @@ int run_command_line(const QStringList& arguments, const QString& application_fo
     }
     if (c.positional.size() != command->positional) return usage_error("wrong arguments for " + command->word);
     for (const QString& required : command->options)
-        if (required == "data" && !c.options.contains("data")) return usage_error(command->word + " needs --data DIR");
+        if (required != "to" && !c.options.contains(required))
+            return usage_error(command->word + " needs --" + required);
     if (c.options.contains("lang") && c.options["lang"] != "af" && c.options["lang"] != "en")
         return usage_error("--lang takes af or en");
     // Folders given on the command line are taken from where the user stands,

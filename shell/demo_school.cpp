@@ -175,10 +175,10 @@ DemoResult write_demo_school(RunState& run, const QString& data_folder) {
         result.written << punte << obe;
         if (s.book == DemoSeries::None) continue;
 
-        // Saved as the setup screen saves a new book: under the key without
-        // underscores.
+        // Saved under the key as built, as books set up before the key lost
+        // its underscores still are; every screen finds them so.
         const QStringList grid_row{s.grade, s.subject, QString(), s.klass, s.klass2, s.group};
-        const QString key = series_key(grid_row).remove('_');
+        const QString key = series_key(grid_row);
         const QString setup_path = dir.filePath("setup_" + key + ".txt");
         const QString marks = dir.filePath(QString("marks%1.dbf").arg(n));
         if (!write_file_atomic(setup_path, setup.to_file_bytes(), &error_text))

@@ -649,13 +649,16 @@ bool normalise(DbfField* f, char* type) {
     return false;
 }
 
+// `.dbf` has its memo in `.dbt`; a template `.org` has it in `.ort`.
 QString memo_path_of(const QString& table_path) {
     const QFileInfo info(table_path);
-    const bool upper = info.suffix() == info.suffix().toUpper() && !info.suffix().isEmpty();
-    const QString base = info.suffix().isEmpty()
-                             ? table_path
-                             : table_path.left(table_path.size() - info.suffix().size() - 1);
-    return base + (upper ? QStringLiteral(".DBT") : QStringLiteral(".dbt"));
+    const QString suffix = info.suffix();
+    const bool upper = !suffix.isEmpty() && suffix == suffix.toUpper();
+    const bool template_file = suffix.compare(QStringLiteral("org"), Qt::CaseInsensitive) == 0;
+    const QString base =
+        suffix.isEmpty() ? table_path : table_path.left(table_path.size() - suffix.size() - 1);
+    const QString ext = template_file ? QStringLiteral(".ort") : QStringLiteral(".dbt");
+    return base + (upper ? ext.toUpper() : ext);
 }
 
 // An empty dBASE III memo file: the next free block is 1.
@@ -927,6 +930,12 @@ bool DbfTable::Edit() {
         fail(DbfError::Truncated);
         return false;
     }
+    // Deleted by another workstation since the walk began: writing it back
+    // would bring it back to life.
+    if (tuple[0] == '*') {
+        fail(DbfError::NoCurrentRecord);
+        return false;
+    }
     edit_buf_ = QByteArray(tuple, record_length_);
     edit_record_ = record;
     mode_ = Mode::Edit;
@@ -1068,6 +1077,12 @@ bool DbfTable::Update(DbfError* error) {
 void DbfTable::CancelUpdate() { leave_edit(); }
 
 bool DbfTable::Delete() {
+    // The record being added is not stored yet: there is nothing to delete,
+    // and the current record is not what the caller has in mind.
+    if (mode_ == Mode::AddNew) {
+        fail(DbfError::NoCurrentRecord);
+        return false;
+    }
     leave_edit();
     if (!current_valid()) {
         fail(DbfError::NoCurrentRecord);
@@ -1149,6 +1164,11 @@ bool DbfTable::create(const QString& path, const QList<DbfField>& fields, DbfErr
     }
     if (record_length > kMaxRecordLength) {
         report(error, DbfError::BadField, path, QString::number(record_length));
+        return false;
+    }
+    const QFileInfo existing(path);
+    if (existing.exists() && !existing.isWritable()) {
+        report(error, DbfError::ReadOnly, path);
         return false;
     }
 

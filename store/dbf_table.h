@@ -40,7 +40,7 @@ struct DbfError {
         NotATable,        // not a dBASE file at all
         Damaged,          // a dBASE header whose fields do not add up
         Truncated,        // shorter than its header says: records are missing
-        ReadOnly,         // a change asked of a table opened read-only
+        ReadOnly,         // a change asked of a read-only table or file
         WriteFailed,      // the disk refused a write
         NoSuchField,      // unknown field name or position; `detail` names it
         NoCurrentRecord,  // at BOF/EOF, or the current record was deleted
@@ -71,9 +71,10 @@ public:
                                           DbfAccess access = DbfAccess::ReadWrite);
 
     // Writes a new empty table over `path` (atomically): version 0x03, or 0x83
-    // with an empty `.dbt` beside it when a field is a memo; today's date;
-    // field names in upper case. Date, Logical and Memo fields take their
-    // fixed widths (8, 1, 10). The limits of dBASE III hold: 128 fields, names
+    // with an empty `.dbt` (`.ort` beside a template `.org`) when a field is a
+    // memo; today's date; field names in upper case; a table set read-only is
+    // left alone (ReadOnly). Date, Logical and Memo fields take their fixed
+    // widths (8, 1, 10). The limits of dBASE III hold: 128 fields, names
     // of 1 to 10 letters, digits and '_' starting with a letter, text up to
     // 254, numbers up to 19 wide with at most 15 decimals, records up to 4000.
     static bool create(const QString& path, const QList<DbfField>& fields,
@@ -115,9 +116,10 @@ public:
     QVariant value(int i) const;
     QVariant value(const QString& name) const;
 
-    // Changes. Edit copies the current record afresh from disk; AddNew starts
-    // a blank one. set_value writes text left-justified, cut at the width;
-    // numbers right-justified with the field's decimals (half away from zero)
+    // Changes. Edit copies the current record afresh from disk (and fails if
+    // another workstation deleted it meanwhile); AddNew starts a blank one.
+    // set_value writes text left-justified, cut at the width; numbers
+    // right-justified with the field's decimals (half away from zero)
     // and '.' as decimal sign; dates yyyymmdd; logicals T/F; Null as blanks.
     // A number too wide for its field is refused (TooWide): set_value returns
     // false and Update refuses until CancelUpdate, so no asterisks or cut
@@ -135,7 +137,8 @@ public:
     void CancelUpdate();
     // Marks the current record deleted ('*'). It leaves the walk; there is no
     // current record until the next move, and MoveNext goes on to the record
-    // that followed it.
+    // that followed it. A pending Edit is abandoned; during AddNew it is
+    // refused.
     bool Delete();
     // Reopens the file, takes the list of live records again and goes to
     // the first. False (and the table closed) if the file can no longer be

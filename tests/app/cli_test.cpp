@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <unistd.h>
 
 #include "tests/support/program_run.h"
@@ -62,7 +63,7 @@ TEST_F(Cli, TheDemoSchoolHasClassListsMarkBooksAndASchoolRecord) {
     }
     EXPECT_TRUE(d.exists("pi2_dta.dbf"));
     EXPECT_TRUE(d.exists("marks1.dbf"));
-    EXPECT_TRUE(d.exists("setup_8  AFR8A.txt"));
+    EXPECT_TRUE(d.exists("setup_8  AFR__8A.txt"));
     EXPECT_TRUE(QFileInfo::exists(drive.filePath("Skl_Dta_random.txt")));
 
     const auto list = run({"dump", d.filePath("punte1.dbf")});
@@ -119,6 +120,87 @@ TEST_F(Cli, ADemoIntoAnUnwritableFolderIsRefused) {
     const auto r = run({"demo", "--data", data() + "/school"});
     EXPECT_EQ(r.exit_code, 1);
     QFile::setPermissions(data(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+}
+
+}  // namespace
+}  // namespace veldo
+
+namespace veldo {
+namespace {
+
+// The mark book words, on the demo school.
+struct CliBook : ::testing::Test {
+    QTemporaryDir drive;
+    QString data() const { return drive.filePath("data"); }
+    testing::ProgramResult run(const QStringList& args) { return testing::run_program(drive.path(), args); }
+    void SetUp() override { ASSERT_EQ(run({"demo", "--data", data()}).exit_code, 0); }
+    QStringList lines(const testing::ProgramResult& r) { return r.out.split('\n', Qt::SkipEmptyParts); }
+};
+
+TEST_F(CliBook, OpenRebuildsTheBookInNameOrder) {
+    const auto r = run({"open", "--data", data(), "--series", "1"});
+    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out.trimmed(), "Mark book 1 (setup_8  AFR__8A.txt): 32 learners, 21 columns");
+    const QStringList rows = lines(run({"dump", data() + "/marks1.dbf"}));
+    QStringList names;
+    for (int i = 1; i < rows.size(); ++i) names << rows[i].section('\t', 1, 1);
+    QStringList sorted = names;
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) < 0; });
+    EXPECT_EQ(names, sorted);
+}
+
+TEST_F(CliBook, RecalcFillsTheTotalsAndAveragesShowThem) {
+    auto before = lines(run({"averages", "--data", data(), "--series", "1"}));
+    ASSERT_EQ(before.size(), 21);
+    EXPECT_TRUE(before[4].startsWith("6\tKLASWERK\t0.0000"));
+    ASSERT_EQ(run({"recalc", "--data", data(), "--series", "1"}).exit_code, 0);
+    auto after = lines(run({"averages", "--data", data(), "--series", "1", "--lang", "af"}));
+    ASSERT_EQ(after.size(), 21);
+    EXPECT_EQ(after[0], before[0]);  // a task column is not touched
+    EXPECT_TRUE(after[4].startsWith("6\tKLASWERK\t"));
+    EXPECT_NE(after[4], before[4]);
+    EXPECT_TRUE(QRegularExpression("^22\tTOTAAL\t\\d+\\.\\d{4}$").match(after[20]).hasMatch()) << after[20].toStdString();
+}
+
+TEST_F(CliBook, ExportAppendsToTheChosenFolder) {
+    const auto r = run({"export", "--data", data(), "--series", "5", "--task", "14"});
+    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains("WIL U DEFNITIEF") || r.err.contains("DO YOU WISH TO EXPORT \"HOOFTOETS 1\" ?"));
+    EXPECT_TRUE(r.err.contains("Marks for 10 WISK_10A exported sucessfully ..."));
+    EXPECT_EQ(lines(run({"dump", data() + "/punte5.dbf"})).size(), 1 + 38 + 38);
+    EXPECT_TRUE(QFileInfo::exists(drive.filePath("marks5.dbf")));
+    const auto none = run({"export", "--data", data(), "--series", "5", "--task", "0"});
+    EXPECT_EQ(none.exit_code, 1);
+    EXPECT_TRUE(none.err.contains("NO MARK SERIES SELECTED"));
+}
+
+TEST_F(CliBook, SymbolsPrintsTheDistributionGrid) {
+    const auto r = run({"symbols", "--data", data(), "--series", "1"});
+    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
+    const QStringList rows = lines(r);
+    ASSERT_EQ(rows.size(), 1 + 1 + 7 + 1);
+    EXPECT_TRUE(rows[0].startsWith("SYMBOL\tM1\tM2\t"));
+    EXPECT_TRUE(rows[1].startsWith("\t10\t10\t10\t10\t40\t"));
+    EXPECT_TRUE(rows[2].startsWith("1 (0-29.9)\t"));
+    EXPECT_TRUE(rows[9].startsWith("AVERAGE\t"));
+}
+
+TEST_F(CliBook, SyncAddsTheClassListToANewBook) {
+    const auto r = run({"sync", "--data", data(), "--series", "2"});
+    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
+    EXPECT_EQ(lines(run({"dump", data() + "/marks2.dbf"})).size(), 1 + 28);
+}
+
+TEST_F(CliBook, RefusalsUseTheSystemsMessages) {
+    auto r = run({"open", "--data", data(), "--series", "2"});
+    EXPECT_EQ(r.exit_code, 1);
+    EXPECT_EQ(r.err.trimmed(), "3 See 'MARK BOOK SETUP' to create mark book");
+    r = run({"open", "--data", data(), "--series", "99", "--lang", "af"});
+    EXPECT_EQ(r.exit_code, 1);
+    EXPECT_EQ(r.err.trimmed(), "Daar is geen puntereeks 99 in " + data() + " nie.");
+    r = run({"recalc", "--data", data()});
+    EXPECT_EQ(r.exit_code, 2);
 }
 
 }  // namespace

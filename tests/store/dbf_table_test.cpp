@@ -201,6 +201,15 @@ TEST_F(DbfCreate, MemoFieldMakesVersion83AndAnEmptyMemoFile) {
     EXPECT_EQ(u32_at(memo, 0), 1u);
 }
 
+TEST_F(DbfCreate, AMemoTemplateGetsItsMemoTemplateBeside) {
+    ASSERT_TRUE(DbfTable::create(path("LWISK_P_S.org"), {{"NOTA", DbfType::Memo, 10, 0}}));
+    EXPECT_TRUE(QFileInfo::exists(path("LWISK_P_S.ort")));
+    EXPECT_FALSE(QFileInfo::exists(path("LWISK_P_S.dbt")));
+    auto t = DbfTable::open(path("LWISK_P_S.org"));
+    ASSERT_TRUE(t);
+    EXPECT_EQ(t->field(0).type, DbfType::Memo);
+}
+
 TEST_F(DbfCreate, RefusesWhatDbaseThreeCannotHold) {
     const QList<QList<DbfField>> bad = {
         {},
@@ -224,6 +233,17 @@ TEST_F(DbfCreate, RefusesWhatDbaseThreeCannotHold) {
     QList<DbfField> too_many;
     for (int i = 0; i < 129; ++i) too_many.append({QStringLiteral("F%1").arg(i), DbfType::Character, 1, 0});
     EXPECT_FALSE(DbfTable::create(path("many.dbf"), too_many));
+}
+
+TEST_F(DbfCreate, LeavesATableSetReadOnlyAlone) {
+    const QString p = marks_table({"Anna"});
+    const QByteArray before = read_bytes(p);
+    QFile::setPermissions(p, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+    if (QFileInfo(p).isWritable()) GTEST_SKIP() << "the superuser may write any file";
+    DbfError error;
+    EXPECT_FALSE(DbfTable::create(p, marks_fields(), &error));
+    EXPECT_EQ(error.code, DbfError::ReadOnly);
+    EXPECT_EQ(read_bytes(p), before);
 }
 
 TEST_F(DbfCreate, ReplacesAnOldTableAndLeavesNoScratchFiles) {
@@ -728,6 +748,27 @@ TEST_F(DbfWalk, RefreshTakesInWhatAnotherWorkstationDid) {
     EXPECT_EQ(walk_names(*mine), (QStringList{"B", "C"}));
 }
 
+TEST_F(DbfWalk, ARecordAnotherWorkstationDeletedIsNotBroughtBack) {
+    const QString p = marks_table({"A", "B"});
+    auto mine = DbfTable::open(p);
+    auto theirs = DbfTable::open(p);
+    ASSERT_TRUE(theirs->Delete());
+    const QByteArray after_delete = read_bytes(p);
+    EXPECT_FALSE(mine->Edit());
+    EXPECT_EQ(mine->last_error().code, DbfError::NoCurrentRecord);
+    EXPECT_EQ(read_bytes(p), after_delete);
+}
+
+TEST_F(DbfWalk, DeleteDuringAddNewIsRefused) {
+    const QString p = marks_table({"A"});
+    const QByteArray before = read_bytes(p);
+    auto t = DbfTable::open(p);
+    ASSERT_TRUE(t->AddNew());
+    EXPECT_FALSE(t->Delete());
+    EXPECT_EQ(t->last_error().code, DbfError::NoCurrentRecord);
+    EXPECT_EQ(read_bytes(p), before);
+}
+
 TEST_F(DbfWalk, AnAppendGoesAfterAnotherWorkstationsAppend) {
     const QString p = marks_table({"A"});
     auto mine = DbfTable::open(p);
@@ -1019,7 +1060,6 @@ TEST(DbfWalkCost, TwoThousandRecordsOfFortyTwoFieldsWalkQuickly) {
     const qint64 ms = clock.elapsed();
     EXPECT_GT(blanks, 0);
     EXPECT_LT(ms, 200) << ms << " ms";
-    std::printf("walk %lld us\n", (long long)clock.nsecsElapsed() / 1000);
 }
 
 }  // namespace

@@ -1,0 +1,119 @@
+#include "exchange/symbol_distribution.h"
+
+#include <QDir>
+#include <array>
+
+#include "markbook/marks_table.h"
+#include "markbook/setup_file.h"
+#include "store/dbf_table.h"
+#include "store/record_store.h"
+#include "store/series.h"
+#include "store/table_layouts.h"
+#include "util/file_lookup.h"
+#include "util/legacy_number.h"
+#include "util/text_helpers.h"
+
+namespace veldo {
+
+QString distribution_title(const QStringList& row) {
+    QString class_part = row.value(3).trimmed();
+    if (class_part.isEmpty()) class_part = row.value(5).trimmed();
+    QString title = row.value(0).trimmed() + " " + row.value(1).trimmed() + " " + class_part;
+    const QString second = row.value(4).trimmed();
+    if (!second.isEmpty()) title += " " + second;
+    return title;
+}
+
+bool build_symbol_distribution(RecordStore& store, const QStringList& row, int series, TextGrid& grid) {
+    RunState& run = store.run();
+    const QString folder = run.data_folder;
+    auto say = [&](const QString& text, MsgIcon icon = MsgIcon::Exclamation) {
+        if (run.dialogs) run.dialogs->message(text, icon);
+        return false;
+    };
+    const QString marks_path = find_ignoring_case(folder, marks_table_name(series));
+    if (marks_path.isEmpty()) return say(no_mark_book_message(run));
+    DbfError error;
+    auto marks = DbfTable::open(marks_path, &error);
+    if (!marks) return say(dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
+    if (marks->field_count() < kMarkBookFieldCount) return say(old_export_message(run));
+
+    // This screen looks for the key as built, and only for that.
+    const QString key = series_key(row);
+    const QString setup_path = QDir(folder).filePath(setup_file_name(key));
+    if (!folder_holds_exactly(folder, setup_file_name(key))) return say(no_setup_message(run, 1));
+    const MarkBookSetup setup = read_setup_file(setup_path).value_or(MarkBookSetup());
+    int used_tasks = 0;
+    for (const SetupRow& r : setup.rows)
+        if (r.is_used()) ++used_tasks;
+
+    // Headings and the totals row; the columns skip unnamed rows.
+    grid.clear();
+    grid.set_fixed_rows(1);
+    grid.set_fixed_cols(1);
+    grid.set_rows(2);
+    grid.set_cols(marks->field_count());
+    QString format = run.tr("^SIMBOOL", "SYMBOL");
+    int column = 0;
+    for (int r = 0; r < kSetupRows; ++r) {
+        if (!setup.rows[r].is_used()) continue;
+        ++column;
+        format += "|<" + run.tr("P", "M") + QString::number(column);
+    }
+    grid.set_format_string(format);
+    column = 0;
+    for (int r = 0; r < kSetupRows; ++r) {
+        if (!setup.rows[r].is_used()) continue;
+        grid.set_text(1, ++column, setup.rows[r].total.trimmed());
+    }
+
+    // Symbols in their order; a blank symbol gives no row.
+    struct Range {
+        double lower, upper;
+    };
+    QList<Range> ranges;
+    if (auto symbols = DbfTable::open(path_ignoring_case(folder, "pi2_dta.dbf"))) {
+        for (symbols->MoveFirst(); !symbols->Eof(); symbols->MoveNext()) {
+            const QString symbol = toets_null_text(symbols->value("PI2_SIMBL")).trimmed();
+            if (symbol.isEmpty()) continue;
+            const QString lower = toets_null_text(symbols->value("PI2_GRNS_O")).trimmed();
+            const QString upper = toets_null_text(symbols->value("PI2_GRNS_B")).trimmed();
+            grid.add_item(symbol + " (" + lower + "-" + upper + ")");
+            ranges.append({Val(lower), Val(upper)});
+        }
+    }
+
+    // The walk goes by position: column t is the t-th field after the name,
+    // whatever rows the setup left blank.
+    std::array<double, 41> symbol_sum{};
+    std::array<int, 41> symbol_count{};
+    const int first_symbol_row = 2;
+    for (marks->MoveFirst(); !marks->Eof(); marks->MoveNext()) {
+        for (int i = 2; i <= used_tasks + 1 && i < marks->field_count(); ++i) {
+            const int t = i - 1;
+            const QVariant value = marks->value(i);
+            if (!value.isValid()) continue;
+            const QString text = toets_null_text(value).trimmed();
+            if (text.isEmpty() || text.toUpper() == "A") continue;
+            const double total = Val(setup.rows[t - 1].total);
+            const double percent = total <= 0 ? Val(text) : Val(text) / total * 100;
+            symbol_sum[t] += percent;
+            symbol_count[t] += 1;
+            for (int s = 0; s < ranges.size(); ++s) {
+                if (ranges[s].lower <= percent && percent <= ranges[s].upper) {
+                    const int r = first_symbol_row + s;
+                    grid.set_text(r, t, QString::number(int(Val(grid.text(r, t))) + 1));
+                    break;
+                }
+            }
+        }
+    }
+
+    grid.add_item(run.tr("GEMIDDELD", "AVERAGE"));
+    const int last = grid.rows() - 1;
+    for (int t = 1; t <= used_tasks && t < grid.cols(); ++t)
+        if (symbol_count[t] > 0) grid.set_text(last, t, format_one_decimal(symbol_sum[t] / symbol_count[t]));
+    return true;
+}
+
+}  // namespace veldo

@@ -1,0 +1,24 @@
+#pragma once
+// How many learners of a mark book fall in each symbol's percentage range,
+// per task, with the average per task: the grid the distribution screen shows
+// and prints.
+
+#include <QStringList>
+
+#include "util/text_grid.h"
+
+namespace veldo {
+
+class RecordStore;
+
+// The series' title: trimmed grade, subject and class part (class or
+// group, with the second class part behind it), with blanks between.
+QString distribution_title(const QStringList& series_row);
+
+// Builds the grid for series N: heading row, totals row, one row per symbol
+// of `pi2_dta.dbf`, the average row. False, with the system's message shown,
+// when the marks table or the setup file is missing or the table is an old
+// export.
+bool build_symbol_distribution(RecordStore& store, const QStringList& series_row, int series, TextGrid& grid);
+
+}  // namespace veldo

@@ -1,0 +1,254 @@
+#include "markbook/marks_table.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <cstdio>
+#include <map>
+
+#include "markbook/setup_file.h"
+#include "markbook/workbook_reader.h"
+#include "store/record_store.h"
+#include "store/series.h"
+#include "store/table_layouts.h"
+#include "util/file_lookup.h"
+#include "util/legacy_number.h"
+#include "util/text_grid.h"
+#include "util/text_helpers.h"
+
+namespace veldo {
+
+QString marks_table_name(int series) { return QString("marks%1.dbf").arg(series); }
+QString class_list_table_name(int series) { return QString("punte%1.dbf").arg(series); }
+QString assessment_table_name(int series) { return QString("obe_p%1.dbf").arg(series); }
+
+QString no_mark_book_message(const RunState& run) {
+    return run.tr("3 Sien 'PUNTEBOEK OPSTEL' om punteboek te skep", "3 See 'MARK BOOK SETUP' to create mark book");
+}
+
+QString old_export_message(const RunState& run) {
+    return run.tr("Laai die nuutste kopie van VELDO-CLERK en herskep die \r\nuitvoerskyf om vir 40 reekse voorsiening te maak ...",
+                  "Load the latest copy of VELDO-CLERK and recreate the \r\nexport disk to allow for 40 mark sets ...");
+}
+
+QString no_setup_message(const RunState& run, int digit) {
+    return run.tr(QString::number(digit) + " Geen reekse opgestel nie ... sien 'PUNTEBOEK OPSTEL'",
+                  QString::number(digit) + " No ranges available ... see 'MARK BOOK SETUP'");
+}
+
+namespace {
+
+void show(RunState& run, const QString& text, MsgIcon icon = MsgIcon::Exclamation) {
+    if (run.dialogs) run.dialogs->message(text, icon);
+}
+
+// A field's value as the list boxes hold it: its text.
+QString field_text(const DbfTable& t, int f) { return plain_text(t.value(f)).trimmed(); }
+
+std::unique_ptr<DbfTable> open_or_say(RunState& run, const QString& path) {
+    DbfError error;
+    auto table = DbfTable::open(path, &error);
+    if (!table) show(run, dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
+    return table;
+}
+
+// The sorted list box of the update: learner numbers as text, each with its
+// item data.
+struct NumberList {
+    std::map<QString, int> items;  // ordered as the sorted list shows them
+    static QString key(const QString& text) { return text.trimmed().toUpper(); }
+    bool contains(const QString& text) const { return items.count(key(text)) != 0; }
+    void add(const QString& text, int data) { items.emplace(key(text), data); }
+};
+
+}  // namespace
+
+bool update_marks_table(RecordStore& store, int series) {
+    RunState& run = store.run();
+    const QString folder = run.data_folder;
+    const QString marks_path = path_ignoring_case(folder, marks_table_name(series));
+    const QString tmpl = find_ignoring_case(run.start_folder, "mrk_book.org");
+    if (!tmpl.isEmpty() && !QFileInfo::exists(marks_path)) copy_template_over(tmpl, marks_path);
+
+    auto pnt = open_or_say(run, path_ignoring_case(folder, class_list_table_name(series)));
+    if (!pnt) return false;
+    auto marks = open_or_say(run, marks_path);
+    if (!marks) return false;
+
+    // Later records of a learner number are neutralised in the class list.
+    NumberList t_nr_data;
+    for (pnt->MoveFirst(); !pnt->Eof(); pnt->MoveNext()) {
+        const QString number = field_text(*pnt, 0);
+        if (!t_nr_data.contains(number)) {
+            t_nr_data.add(number, 0);
+        } else {
+            pnt->Edit();
+            pnt->set_value(0, "0");
+            pnt->Update();
+        }
+    }
+
+    // A learner's second row in the mark book is emptied.
+    t_nr_data = NumberList();
+    int position = 0;
+    for (marks->MoveFirst(); !marks->Eof(); marks->MoveNext(), ++position) {
+        const QVariant number = marks->value(0);
+        if (Val(plain_text(number)) <= 0) continue;
+        const QString text = field_text(*marks, 0);
+        if (!t_nr_data.contains(text)) {
+            t_nr_data.add(text, position);
+        } else {
+            marks->Edit();
+            marks->set_value(0, 0);
+            marks->set_value(1, QString());
+            marks->Update();
+        }
+    }
+
+    // New learners are added; the ones still there are marked.
+    for (pnt->MoveFirst(); !pnt->Eof(); pnt->MoveNext()) {
+        const QString number = field_text(*pnt, 0);
+        auto it = t_nr_data.items.find(NumberList::key(number));
+        if (it == t_nr_data.items.end()) {
+            marks->AddNew();
+            marks->set_value(0, Val(number));
+            marks->set_value(1, toets_null(pnt->value(1)));
+            marks->Update();
+        } else {
+            it->second = 99999;
+        }
+    }
+
+    // Departed learners, by the positions noted above. The positions are
+    // not corrected for rows already deleted in this pass.
+    for (const auto& [number, stored] : t_nr_data.items) {
+        if (stored >= 99999) continue;
+        marks->MoveFirst();
+        marks->Move(stored);
+        if (!marks->Eof()) marks->Delete();
+        marks->MoveFirst();
+    }
+    pnt->Close();
+    marks->Close();
+    return true;
+}
+
+bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
+    const QString tmpl = find_ignoring_case(run.start_folder, "mrk_book.org");
+    if (tmpl.isEmpty()) {
+        if (error) *error = "template missing";
+        return false;
+    }
+    TextGrid grid(0, 0);
+    {
+        auto old = DbfTable::open(path);
+        if (!old) return false;
+        grid.set_fixed_rows(0);
+        grid.set_fixed_cols(0);
+        grid.set_cols(old->field_count());
+        for (old->MoveFirst(); !old->Eof(); old->MoveNext()) {
+            if (Val(plain_text(old->value(0))) <= 0) continue;
+            const int row = grid.rows();
+            grid.set_rows(row + 1);
+            for (int f = 0; f < old->field_count(); ++f) grid.set_text(row, f, plain_text(old->value(f)));
+        }
+    }
+    grid.sort(1, GridSort::GenericAscending);
+
+    // The new table is filled beside the old one and then takes its place.
+    const QString fresh = QFileInfo(path).dir().filePath("." + QFileInfo(path).fileName() + ".rebuild");
+    QFile::remove(fresh);
+    if (!QFile::copy(tmpl, fresh)) {
+        if (error) *error = "copy failed";
+        return false;
+    }
+    {
+        auto table = DbfTable::open(fresh);
+        if (!table) {
+            QFile::remove(fresh);
+            return false;
+        }
+        const int fields = std::min(table->field_count(), grid.cols());
+        for (int r = 0; r < grid.rows(); ++r) {
+            table->AddNew();
+            for (int f = 0; f < fields; ++f) {
+                QString text = grid.text(r, f);
+                while (text.endsWith(' ')) text.chop(1);
+                table->set_value(f, text.isEmpty() ? QVariant() : QVariant(text));
+            }
+            if (!table->Update()) {
+                table->Close();
+                QFile::remove(fresh);
+                return false;
+            }
+        }
+        table->Close();
+    }
+    if (std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()) != 0) {
+        QFile::remove(fresh);
+        return false;
+    }
+    return true;
+}
+
+std::unique_ptr<OpenMarkBook> open_mark_book(RecordStore& store, const QStringList& row, int series) {
+    RunState& run = store.run();
+    const QString folder = run.data_folder;
+    const QString path = find_ignoring_case(folder, marks_table_name(series));
+    if (path.isEmpty()) {
+        show(run, no_mark_book_message(run));
+        return nullptr;
+    }
+    {
+        auto table = open_or_say(run, path);
+        if (!table) return nullptr;
+        if (table->field_count() < kMarkBookFieldCount) {
+            show(run, old_export_message(run));
+            return nullptr;
+        }
+        if (table->RecordCount() == 0) {
+            // A new book takes its learners from a workbook the teacher left
+            // in the data folder: <subject>_<group>.
+            QString group = row.value(3).trimmed();
+            if (group.isEmpty()) group = row.value(5).trimmed();
+            const QString workbook = find_first_fill_workbook(folder, row.value(1).trimmed() + "_" + group);
+            if (!workbook.isEmpty()) {
+                SheetReadError read_error;
+                const auto sheet = read_first_sheet(workbook, &read_error);
+                if (!sheet) {
+                    show(run, sheet_error_message(read_error, run.language_afrikaans), MsgIcon::Critical);
+                    return nullptr;
+                }
+                for (const ClassListEntry& learner : class_list_from_sheet(*sheet)) {
+                    table->AddNew();
+                    table->set_value(0, learner.number);
+                    table->set_value(1, learner.name);
+                    table->Update();
+                }
+                table->Refresh();
+            }
+            if (table->RecordCount() == 0) return nullptr;
+        }
+    }
+    rebuild_marks_table(run, path);
+
+    auto book = std::make_unique<OpenMarkBook>();
+    book->series = series;
+    book->table = open_or_say(run, path);
+    if (!book->table) return nullptr;
+    const auto key = find_setup_key(folder, series_key(row), SetupSearch::Readers);
+    if (!key) {
+        show(run, no_setup_message(run, 1));
+        return nullptr;
+    }
+    book->key = *key;
+    book->setup = read_setup_file(QDir(folder).filePath(setup_file_name(*key))).value_or(MarkBookSetup());
+    if (book->setup.is_empty()) {
+        show(run, no_setup_message(run, 2));
+        return nullptr;
+    }
+    book->lists = ColumnLists::from_setup(book->setup);
+    return book;
+}
+
+}  // namespace veldo

@@ -1,0 +1,111 @@
+// Sending a task column back to the administration program.
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+
+#include "exchange/export_marks.h"
+#include "markbook/marks_table.h"
+#include "markbook/setup_file.h"
+#include "tests/support/mark_book_fixture.h"
+#include "tests/support/temp_drive.h"
+
+namespace veldo {
+namespace {
+
+using testing::TempDrive;
+using testing::fill_marks_table;
+using testing::marks_row;
+using testing::read_bytes;
+using testing::stored_row;
+
+TEST(ExportConversion, ScalesToTheSeriesTotalWithTiesToEven) {
+    EXPECT_EQ(convert_export_mark("47", 50, 100), "94");
+    EXPECT_EQ(convert_export_mark("33", 70, 100), "47.1");
+    EXPECT_EQ(convert_export_mark("12.25", 2, 2), "12.2");
+    EXPECT_EQ(convert_export_mark("12.35", 2, 2), "12.4");
+    EXPECT_EQ(convert_export_mark("7.5", 10, 150), "112.5");
+}
+
+TEST(ExportConversion, LeavesAbsencesBlanksAndASeriesTotalOfZero) {
+    EXPECT_EQ(convert_export_mark("A", 50, 100), "A");
+    EXPECT_EQ(convert_export_mark("a", 50, 100), "a");
+    EXPECT_EQ(convert_export_mark("", 50, 100), "");
+    EXPECT_EQ(convert_export_mark("  ", 50, 100), "  ");
+    EXPECT_EQ(convert_export_mark("47", 50, 0), "47");
+}
+
+struct Export : ::testing::Test {
+    TempDrive t;
+    const QStringList row{"10 ", "WISK ", "100", "10A", "   ", "   ", "5", "", ""};
+    void SetUp() override {
+        MarkBookSetup s;
+        s.rows[0] = {"TOETS 1", "50", "", "", ""};
+        s.rows[1] = {"NUL", "0", "", "", ""};
+        ASSERT_TRUE(write_setup_file(t.data("setup_10 WISK_10A.txt"), s));
+        fill_marks_table(t.data("marks1.dbf"), {marks_row(101, "Botha, Anri", {"47", "3"}),
+                                                marks_row(102, "Nel, Jan", {"A", ""}),
+                                                marks_row(103, "Smith, Emily", {"", ""})});
+        DbfTable::create(t.data("punte1.dbf"), class_list_fields());
+        DbfTable::create(t.data("obe_p1.dbf"), assessment_fields());
+    }
+    ExportRequest request(int task) {
+        return ExportRequest{1, row, task, t.run.data_folder};
+    }
+};
+
+TEST_F(Export, AppendsConvertedMarksToBothTablesAndCopiesTheBookToTheDriveRoot) {
+    ASSERT_TRUE(export_task(*t.store, request(1)));
+    auto punte = DbfTable::open(t.data("punte1.dbf"));
+    ASSERT_EQ(punte->RecordCount(), 3);
+    EXPECT_EQ(stored_row(*punte, 0), (QStringList{"101", "Botha, Anri", "94", ""}));
+    EXPECT_EQ(stored_row(*punte, 1), (QStringList{"102", "Nel, Jan", "A", ""}));
+    EXPECT_EQ(stored_row(*punte, 2), (QStringList{"103", "Smith, Emily", "", ""}));
+    auto obe = DbfTable::open(t.data("obe_p1.dbf"));
+    EXPECT_EQ(stored_row(*obe, 0).mid(0, 3), (QStringList{"101", "Botha, Anri", "94"}));
+    EXPECT_EQ(read_bytes(t.path("marks1.dbf")), read_bytes(t.data("marks1.dbf")));
+    EXPECT_EQ(t.dialogs.texts(), (QStringList{"DO YOU WISH TO EXPORT \"TOETS 1\" ?",
+                                             "Marks for 10 WISK_10A exported sucessfully ..."}));
+    // A second export appends a second set.
+    ASSERT_TRUE(export_task(*t.store, request(1)));
+    EXPECT_EQ(DbfTable::open(t.data("punte1.dbf"))->RecordCount(), 6);
+}
+
+TEST_F(Export, NoAnswerOrNoTaskWritesNothing) {
+    t.dialogs.answers.enqueue(MsgAnswer::No);
+    EXPECT_FALSE(export_task(*t.store, request(1)));
+    EXPECT_FALSE(export_task(*t.store, request(0)));
+    t.run.language_afrikaans = true;
+    EXPECT_FALSE(export_task(*t.store, request(0)));
+    EXPECT_EQ(t.dialogs.texts().mid(1), (QStringList{"NO MARK SERIES SELECTED ... DOUBLE CLICK ON SERIES TO EXPORT  !",
+                                                     "GEEN PUNTEREEKS GESKIES NIE ... DUBBELKLIK OP REEKS OM UIT TE VOER !"}));
+    EXPECT_EQ(DbfTable::open(t.data("punte1.dbf"))->RecordCount(), 0);
+    EXPECT_FALSE(QFileInfo::exists(t.path("marks1.dbf")));
+}
+
+TEST_F(Export, ATaskOutOfZeroIsRefusedBeforeAnythingIsWritten) {
+    EXPECT_FALSE(export_task(*t.store, request(2)));
+    EXPECT_EQ(t.dialogs.texts().last(), "The total of \"NUL\" is 0: its marks can't be converted.");
+    EXPECT_EQ(DbfTable::open(t.data("punte1.dbf"))->RecordCount(), 0);
+}
+
+TEST_F(Export, AnotherFolderBecomesTheDataFolder) {
+    const QString other = t.path("other");
+    QDir().mkpath(other);
+    for (const char* f : {"marks1.dbf", "punte1.dbf", "obe_p1.dbf"}) QFile::copy(t.data(f), other + "/" + f);
+    ExportRequest r = request(1);
+    r.folder = other;
+    ASSERT_TRUE(export_task(*t.store, r));
+    EXPECT_EQ(t.run.data_folder, other);
+    EXPECT_EQ(DbfTable::open(other + "/punte1.dbf")->RecordCount(), 3);
+    EXPECT_EQ(DbfTable::open(t.path("data/punte1.dbf"))->RecordCount(), 0);
+}
+
+TEST_F(Export, AMissingExportTableIsReportedAndNothingIsAppended) {
+    QFile::remove(t.data("obe_p1.dbf"));
+    EXPECT_FALSE(export_task(*t.store, request(1)));
+    EXPECT_TRUE(t.dialogs.texts().last().contains("obe_p1.dbf"));
+    EXPECT_EQ(DbfTable::open(t.data("punte1.dbf"))->RecordCount(), 0);
+}
+
+}  // namespace
+}  // namespace veldo

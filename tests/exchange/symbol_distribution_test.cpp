@@ -1,0 +1,88 @@
+// Learners per symbol and the average per task.
+#include <gtest/gtest.h>
+
+#include "exchange/symbol_distribution.h"
+#include "markbook/setup_file.h"
+#include "store/record_store.h"
+#include "tests/support/mark_book_fixture.h"
+#include "tests/support/temp_drive.h"
+
+namespace veldo {
+namespace {
+
+using testing::TempDrive;
+using testing::fill_marks_table;
+using testing::marks_row;
+
+struct Symbols : ::testing::Test {
+    TempDrive t;
+    const QStringList row{"9  ", "NW   ", "80", "9A ", "B  ", "   ", "4", "", ""};
+    TextGrid grid;
+
+    void symbols(const QList<QList<QVariant>>& rows) {
+        DbfTable::create(t.data("pi2_dta.dbf"), symbol_table_fields());
+        auto s = DbfTable::open(t.data("pi2_dta.dbf"));
+        for (const auto& r : rows) {
+            s->AddNew();
+            for (int i = 0; i < r.size(); ++i) s->set_value(i, r[i]);
+            s->Update();
+        }
+    }
+    void setup(const QList<SetupRow>& rows) {
+        MarkBookSetup s;
+        for (int i = 0; i < rows.size(); ++i) s.rows[i] = rows[i];
+        ASSERT_TRUE(write_setup_file(t.data("setup_9  NW___9A.txt"), s));
+    }
+};
+
+TEST_F(Symbols, CountsLearnersPerRangeAndAveragesPerTask) {
+    symbols({{"7", 100.0, 80.0}, {"", 79.9, 70.0}, {"4", 79.9, 50.0}, {"1", 49.9, 0.0}});
+    setup({{"TOETS", "50", "", "", ""}, {"PROJEK", "0", "", "", ""}});
+    fill_marks_table(t.data("marks1.dbf"), {marks_row(1, "A", {"40", "100.5"}), marks_row(2, "B", {"40", "45"}),
+                                            marks_row(3, "C", {"A", "a"}), marks_row(4, "D", {"", "85"})});
+    ASSERT_TRUE(build_symbol_distribution(*t.store, row, 1, grid));
+    EXPECT_EQ(grid.rows(), 6);
+    EXPECT_EQ(grid.row_texts(0).mid(0, 3), (QStringList{"SYMBOL", "M1", "M2"}));
+    EXPECT_EQ(grid.row_texts(1).mid(0, 3), (QStringList{"", "50", "0"}));
+    EXPECT_EQ(grid.row_texts(2).mid(0, 3), (QStringList{"7 (80-100)", "2", "1"}));
+    EXPECT_EQ(grid.row_texts(3).mid(0, 3), (QStringList{"4 (50-79.9)", "", ""}));
+    EXPECT_EQ(grid.row_texts(4).mid(0, 3), (QStringList{"1 (0-49.9)", "", "1"}));
+    // 100.5 lies in no range: it counts only for the average.
+    EXPECT_EQ(grid.row_texts(5).mid(0, 3), (QStringList{"AVERAGE", "80.0", "76.8"}));
+    EXPECT_EQ(grid.cols(), 42);
+    EXPECT_EQ(distribution_title(row), "9 NW 9A B");
+}
+
+TEST_F(Symbols, OverlappingRangesGoToTheFirstAndAnEmptyTaskHasNoAverage) {
+    t.run.language_afrikaans = true;
+    symbols({{"B", 100.0, 50.0}, {"A", 100.0, 0.0}});
+    setup({{"T1", "10", "", "", ""}, {"", "", "", "", ""}, {"T3", "10", "", "", ""}});
+    fill_marks_table(t.data("marks1.dbf"), {marks_row(1, "A", {"6", "9", ""})});
+    ASSERT_TRUE(build_symbol_distribution(*t.store, row, 1, grid));
+    EXPECT_EQ(grid.row_texts(0).mid(0, 3), (QStringList{"SIMBOOL", "P1", "P2"}));
+    EXPECT_EQ(grid.row_texts(1).mid(0, 3), (QStringList{"", "10", "10"}));
+    EXPECT_EQ(grid.row_texts(2).mid(0, 3), (QStringList{"B (50-100)", "1", ""}));
+    // The walk goes by position: the second column counts field 3, the
+    // unnamed row's stray 9, on the total of setup row 2 (blank: as it is).
+    EXPECT_EQ(grid.row_texts(3).mid(0, 3), (QStringList{"A (0-100)", "", "1"}));
+    EXPECT_EQ(grid.row_texts(4).mid(0, 3), (QStringList{"GEMIDDELD", "60.0", "9.0"}));
+}
+
+TEST_F(Symbols, MissingBookOldExportOrSetupEndTheScreen) {
+    EXPECT_FALSE(build_symbol_distribution(*t.store, row, 1, grid));
+    EXPECT_EQ(t.dialogs.texts().last(), "3 See 'MARK BOOK SETUP' to create mark book");
+    DbfTable::create(t.data("marks1.dbf"), mark_book_fields().mid(0, 41));
+    EXPECT_FALSE(build_symbol_distribution(*t.store, row, 1, grid));
+    EXPECT_TRUE(t.dialogs.texts().last().startsWith("Load the latest copy of VELDO-CLERK"));
+    fill_marks_table(t.data("marks1.dbf"), {});
+    EXPECT_FALSE(build_symbol_distribution(*t.store, row, 1, grid));
+    EXPECT_EQ(t.dialogs.texts().last(), "1 No ranges available ... see 'MARK BOOK SETUP'");
+    // Only the key as built counts here; an older key form does not.
+    MarkBookSetup s;
+    s.rows[0] = {"T", "10", "", "", ""};
+    ASSERT_TRUE(write_setup_file(t.data("setup_9NW9A.txt"), s));
+    EXPECT_FALSE(build_symbol_distribution(*t.store, row, 1, grid));
+}
+
+}  // namespace
+}  // namespace veldo

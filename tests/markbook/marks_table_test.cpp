@@ -1,0 +1,175 @@
+// Keeping a marks table in step with its class list, and opening it.
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+
+#include "markbook/marks_table.h"
+#include "markbook/setup_file.h"
+#include "store/record_store.h"
+#include "store/series.h"
+#include "tests/support/mark_book_fixture.h"
+#include "tests/support/temp_drive.h"
+
+namespace veldo {
+namespace {
+
+using testing::TempDrive;
+using testing::fill_marks_table;
+using testing::marks_row;
+using testing::stored_row;
+using testing::write_bytes;
+
+struct MarksTable : ::testing::Test {
+    TempDrive t;
+    QString program = t.path("program");
+    const QStringList row{"10 ", "WISK ", "100", "10A", "   ", "   ", "5", "", ""};
+
+    void SetUp() override {
+        QDir().mkpath(program);
+        t.run.start_folder = program;
+        ASSERT_TRUE(DbfTable::create(program + "/mrk_book.org", mark_book_fields()));
+    }
+    void class_list(const QList<QStringList>& learners) {
+        const QString path = t.data("punte1.dbf");
+        DbfTable::create(path, class_list_fields());
+        auto p = DbfTable::open(path);
+        for (const auto& l : learners) {
+            p->AddNew();
+            p->set_value(0, l[0]);
+            p->set_value(1, l[1]);
+            p->Update();
+        }
+    }
+    QList<QStringList> rows_of(const QString& file) {
+        auto table = DbfTable::open(t.data(file));
+        QList<QStringList> out;
+        for (int i = 0; i < table->RecordCount(); ++i) out << stored_row(*table, i).mid(0, 4);
+        return out;
+    }
+    void save_setup(const QString& key) {
+        MarkBookSetup s;
+        apply_example_book(s, true);
+        ASSERT_TRUE(write_setup_file(t.data(setup_file_name(key)), s));
+    }
+};
+
+TEST_F(MarksTable, ANewBookIsMadeFromTheTemplateWithTheClassList) {
+    class_list({{"102", "Nel, Jan"}, {"101", "Botha, Anri"}});
+    ASSERT_TRUE(update_marks_table(*t.store, 1));
+    EXPECT_EQ(rows_of("marks1.dbf"),
+              (QList<QStringList>{{"102", "Nel, Jan", "", ""}, {"101", "Botha, Anri", "", ""}}));
+}
+
+TEST_F(MarksTable, KnownLearnersKeepTheirMarksAndTheirOldName) {
+    class_list({{"101", "Botha, Anri-Mari"}, {"103", "Smith, Emily"}});
+    fill_marks_table(t.data("marks1.dbf"), {marks_row(101, "Botha, Anri", {"8", "A"})});
+    ASSERT_TRUE(update_marks_table(*t.store, 1));
+    EXPECT_EQ(rows_of("marks1.dbf"),
+              (QList<QStringList>{{"101", "Botha, Anri", "8", "A"}, {"103", "Smith, Emily", "", ""}}));
+}
+
+TEST_F(MarksTable, ADuplicateInTheClassListIsZeroedAndAddsARowOfZero) {
+    class_list({{"101", "Botha, Anri"}, {"101", "Botha, Anri (2)"}});
+    ASSERT_TRUE(update_marks_table(*t.store, 1));
+    EXPECT_EQ(rows_of("punte1.dbf")[1][0], "0");
+    EXPECT_EQ(rows_of("marks1.dbf"),
+              (QList<QStringList>{{"101", "Botha, Anri", "", ""}, {"0", "Botha, Anri (2)", "", ""}}));
+}
+
+TEST_F(MarksTable, ASecondRowOfALearnerIsEmptied) {
+    class_list({{"101", "Botha, Anri"}});
+    fill_marks_table(t.data("marks1.dbf"),
+                     {marks_row(101, "Botha, Anri", {"8"}), marks_row(101, "Botha, Anri", {"9"})});
+    ASSERT_TRUE(update_marks_table(*t.store, 1));
+    const auto rows = rows_of("marks1.dbf");
+    ASSERT_EQ(rows.size(), 2);
+    EXPECT_EQ(rows[0], (QStringList{"101", "Botha, Anri", "8", ""}));
+    EXPECT_EQ(rows[1], (QStringList{"0", "", "9", ""}));
+}
+
+TEST_F(MarksTable, DepartedLearnersAreDeletedByTheirUncorrectedPositions) {
+    // 201 and 202 have left: their positions 0 and 1 are noted, 201 is
+    // deleted first, and position 1 then names the row that was at 2.
+    class_list({{"203", "C"}, {"204", "D"}});
+    fill_marks_table(t.data("marks1.dbf"), {marks_row(201, "A", {"1"}), marks_row(202, "B", {"2"}),
+                                            marks_row(203, "C", {"3"}), marks_row(204, "D", {"4"})});
+    ASSERT_TRUE(update_marks_table(*t.store, 1));
+    EXPECT_EQ(rows_of("marks1.dbf"),
+              (QList<QStringList>{{"202", "B", "2", ""}, {"204", "D", "4", ""}}));
+}
+
+TEST_F(MarksTable, OpeningRefusesAMissingBookAndAnOldExport) {
+    EXPECT_FALSE(open_mark_book(*t.store, row, 1));
+    EXPECT_EQ(t.dialogs.texts().last(), "3 See 'MARK BOOK SETUP' to create mark book");
+    QList<DbfField> old = mark_book_fields().mid(0, 41);
+    DbfTable::create(t.data("marks1.dbf"), old);
+    t.run.language_afrikaans = true;
+    EXPECT_FALSE(open_mark_book(*t.store, row, 1));
+    EXPECT_EQ(t.dialogs.texts().last(),
+              "Laai die nuutste kopie van VELDO-CLERK en herskep die \r\nuitvoerskyf om vir 40 reekse voorsiening te maak ...");
+}
+
+TEST_F(MarksTable, OpeningRebuildsInNameOrderWithoutEmptyRows) {
+    save_setup("10 WISK_10A");
+    fill_marks_table(t.data("marks1.dbf"), {marks_row(3, "nel, Jan", {"7"}), marks_row(0, "Ghost", {"1"}),
+                                            marks_row(1, "Botha, Anri", {"8", "A"}), marks_row(-2, "Neg", {}),
+                                            marks_row(2, "du Plessis, Ruan", {"", "5"})});
+    auto book = open_mark_book(*t.store, row, 1);
+    ASSERT_TRUE(book);
+    EXPECT_EQ(book->key, "10 WISK_10A");
+    EXPECT_EQ(rows_of("marks1.dbf"), (QList<QStringList>{{"1", "Botha, Anri", "8", "A"},
+                                                         {"2", "du Plessis, Ruan", "", "5"},
+                                                         {"3", "nel, Jan", "7", ""}}));
+    EXPECT_EQ(book->lists.kopieer_reeks.size(), 21);
+    EXPECT_FALSE(QFileInfo::exists(t.data(".marks1.dbf.rebuild")));
+}
+
+TEST_F(MarksTable, TheSetupIsFoundUnderItsOlderKeyForms) {
+    save_setup("10WISK10A");
+    fill_marks_table(t.data("marks1.dbf"), {marks_row(1, "A", {})});
+    auto book = open_mark_book(*t.store, row, 1);
+    ASSERT_TRUE(book);
+    EXPECT_EQ(book->key, "10WISK10A");
+}
+
+TEST_F(MarksTable, NoSetupOrAnEmptyOneClosesWithItsMessage) {
+    fill_marks_table(t.data("marks1.dbf"), {marks_row(1, "A", {})});
+    EXPECT_FALSE(open_mark_book(*t.store, row, 1));
+    EXPECT_EQ(t.dialogs.texts().last(), "1 No ranges available ... see 'MARK BOOK SETUP'");
+    ASSERT_TRUE(write_setup_file(t.data("setup_10 WISK_10A.txt"), MarkBookSetup()));
+    EXPECT_FALSE(open_mark_book(*t.store, row, 1));
+    EXPECT_EQ(t.dialogs.texts().last(), "2 No ranges available ... see 'MARK BOOK SETUP'");
+    // A short file: the rows it lacks stay blank, the book opens.
+    write_bytes(t.data("setup_10 WISK_10A.txt"), "\"TOETS\"\r\n\"50\"\r\n");
+    auto book = open_mark_book(*t.store, row, 1);
+    ASSERT_TRUE(book);
+    EXPECT_EQ(book->lists.kopieer_reeks.size(), 1);
+}
+
+TEST_F(MarksTable, AnEmptyBookIsFilledFromTheTeachersWorkbook) {
+    save_setup("10 WISK_10A");
+    DbfTable::create(t.data("marks1.dbf"), mark_book_fields());
+    write_bytes(t.data("WISK_10A.csv"), "NR;NAAM\r\n3;  Nel, Jan  \r\n1;Botha, Anri\r\n \r\n9;after the blank\r\n");
+    auto book = open_mark_book(*t.store, row, 1);
+    ASSERT_TRUE(book);
+    EXPECT_EQ(rows_of("marks1.dbf"), (QList<QStringList>{{"1", "Botha, Anri", "", ""}, {"3", "Nel, Jan", "", ""}}));
+}
+
+TEST_F(MarksTable, AnEmptyBookWithoutAWorkbookClosesQuietly) {
+    save_setup("10 WISK_10A");
+    DbfTable::create(t.data("marks1.dbf"), mark_book_fields());
+    EXPECT_FALSE(open_mark_book(*t.store, row, 1));
+    EXPECT_TRUE(t.dialogs.messages.isEmpty());
+}
+
+TEST_F(MarksTable, WithoutTheTemplateTheBookIsLeftAsItWas) {
+    QFile::remove(program + "/mrk_book.org");
+    fill_marks_table(t.data("marks1.dbf"), {marks_row(2, "B", {"5"}), marks_row(1, "A", {"6"})});
+    const QByteArray before = testing::read_bytes(t.data("marks1.dbf"));
+    QString error;
+    EXPECT_FALSE(rebuild_marks_table(t.run, t.data("marks1.dbf"), &error));
+    EXPECT_EQ(testing::read_bytes(t.data("marks1.dbf")), before);
+}
+
+}  // namespace
+}  // namespace veldo

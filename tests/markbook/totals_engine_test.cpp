@@ -1,0 +1,168 @@
+// The arithmetic of totals and class averages, to the last decimal.
+#include <gtest/gtest.h>
+
+#include "markbook/totals_engine.h"
+#include "tests/support/mark_book_fixture.h"
+
+namespace veldo {
+namespace {
+
+using testing::fill_marks_table;
+using testing::marks_row;
+using testing::stored_row;
+
+struct Totals : ::testing::Test {
+    QTemporaryDir dir;
+    QString path = dir.filePath("marks1.dbf");
+    MarkBookSetup setup;
+
+    // Recalculates a one-learner book and returns the stored fields.
+    QStringList recalc_one(const QStringList& marks) {
+        fill_marks_table(path, {marks_row(10001, "Botha, Anri", marks)});
+        auto t = DbfTable::open(path);
+        recalculate_totals(*t, ColumnLists::from_setup(setup));
+        return stored_row(*t, 0);
+    }
+};
+
+TEST_F(Totals, TheWorkedExampleOfTheExampleBook) {
+    apply_example_book(setup, true);
+    const QStringList f = recalc_one({"8", "6", "A", "7"});
+    EXPECT_EQ(f[2], "8");  // feeders stay as typed
+    EXPECT_EQ(f[4], "A");
+    EXPECT_EQ(f[6], "28.0");   // KLASWERK: 21 of 30 on a scale of 40
+    EXPECT_EQ(f[12], "42.0");  // SUBTOTAAL 1: 21 + 7 passed up = 28 of 40, on 60
+    EXPECT_EQ(f[22], "58.3");  // TOTAAL: 21 + 14 passed up = 35 of 60, on 100
+    EXPECT_EQ(f[11], "");      // PRAKTIESE WERK: nothing fed
+    EXPECT_EQ(f[17], "");
+    EXPECT_EQ(f[21], "");
+}
+
+TEST_F(Totals, AllAbsentLeavesTheTotalBlankWithoutZero) {
+    apply_example_book(setup, false);
+    const QStringList f = recalc_one({"A", "a", "", "A"});
+    EXPECT_EQ(f[6], "");
+    EXPECT_EQ(f[12], "");
+    EXPECT_EQ(f[22], "");
+}
+
+TEST_F(Totals, AFeederWithTotalZeroCountsInFull) {
+    setup.rows[0] = {"TASK", "0", "2", "", ""};
+    setup.rows[1] = {"TOTAL", "10", "", "", ""};
+    const QStringList f = recalc_one({"7", "99"});
+    // X = 1, Y = 1: the mark 7 goes over as 7; then 7 of 1 on a scale of 10.
+    EXPECT_EQ(f[3], "70.0");
+}
+
+TEST_F(Totals, ARowNamingItselfIsBlankedAndStaysBlank) {
+    setup.rows[0] = {"SELF", "10", "1", "", ""};
+    setup.rows[1] = {"OTHER", "10", "", "", ""};
+    const QStringList f = recalc_one({"5", "6"});
+    EXPECT_EQ(f[2], "");
+    EXPECT_EQ(f[3], "6");
+}
+
+TEST_F(Totals, ATypedMarkInATotalIsBlankedAway) {
+    setup.rows[0] = {"T1", "10", "2", "", ""};
+    setup.rows[1] = {"TOT", "20", "", "", ""};
+    EXPECT_EQ(recalc_one({"", "a"})[3], "");
+    EXPECT_EQ(recalc_one({"5", "a"})[3], "10.0");  // 5 of 10 on a scale of 20
+}
+
+TEST_F(Totals, OutOfWeightsAFeederInsideItsTotal) {
+    // Two tests of 50 counted 30 and 70 in a total of 100.
+    setup.rows[0] = {"TOETS A", "50", "3", "30", ""};
+    setup.rows[1] = {"TOETS B", "50", "3", "70", ""};
+    setup.rows[2] = {"TOTAAL", "100", "", "", ""};
+    EXPECT_EQ(recalc_one({"40", "25"})[4], "59.0");  // 24.0 + 35.0
+    // An absent test leaves the other on its own scale: 35 of 70 on 100.
+    EXPECT_EQ(recalc_one({"A", "25"})[4], "50.0");
+}
+
+TEST_F(Totals, RoundingHappensBetweenTheSteps) {
+    // 1 of 3 weighted 10 is 3.3 (not 3.333...); two of them sum to 6.6,
+    // which on a scale of 20 of 20 stays 6.6.
+    setup.rows[0] = {"A", "3", "3", "10", ""};
+    setup.rows[1] = {"B", "3", "3", "10", ""};
+    setup.rows[2] = {"SUM", "20", "", "", ""};
+    EXPECT_EQ(recalc_one({"1", "1"})[4], "6.6");
+    // Half away from zero: 0.25 of 1 weighted 1 is 0.3, and 0.05 stays 0.1.
+    setup.rows[0] = {"A", "1", "3", "1", ""};
+    setup.rows[1] = {"B", "10", "3", "1", ""};
+    setup.rows[2] = {"SUM", "2", "", "", ""};
+    EXPECT_EQ(recalc_one({"0.25", "0.5"})[4], "0.4");  // 0.3 + 0.1 of 2 on 2
+}
+
+TEST_F(Totals, ATargetAboveItsSourceGetsNoCorrectionInTime) {
+    // Row 1 is the final total; row 3 feeds it and is fed by row 2.
+    setup.rows[0] = {"FINAL", "100", "", "", ""};
+    setup.rows[1] = {"TEST", "10", "3", "", ""};
+    setup.rows[2] = {"SUB", "20", "1", "100", ""};
+    const QStringList f = recalc_one({"", "5"});
+    // Feeding: SUB gets 5.0 from TEST, then FINAL gets SUB's unconverted
+    // 5.0 weighted 100 of 20: 25.0.
+    EXPECT_EQ(f[4], "10.0");  // SUB: 5 of 10 on 20
+    // FINAL (field 2) is converted before SUB (field 4): 25 of 100 stays
+    // 25.0. SUB's correction of 5 then arrives as 25 more, and the sum of 50
+    // is capped at SUB's own total of 20, written as a plain number.
+    EXPECT_EQ(f[2], "20");
+}
+
+TEST_F(Totals, AGapAmongTheRowsWipesTheLastNamedRows) {
+    setup.rows[0] = {"T1", "10", "", "", ""};
+    setup.rows[2] = {"T3", "10", "", "", ""};  // row 2 left blank
+    const QStringList f = recalc_one({"4", "9", "6"});
+    EXPECT_EQ(f[2], "4");
+    // Two named rows: fields from 2 + 2 on are emptied, T3's mark with them,
+    // while the stray mark under the unnamed row 2 stays.
+    EXPECT_EQ(f[3], "9");
+    EXPECT_EQ(f[4], "");
+}
+
+TEST_F(Totals, EmptyRowsOfTheTableAreLeftAndOthersWorkedInTableOrder) {
+    setup.rows[0] = {"T1", "10", "2", "", ""};
+    setup.rows[1] = {"TOT", "100", "", "", ""};
+    fill_marks_table(path, {marks_row(2, "B", {"5"}), marks_row(1, "A", {"A"}), marks_row(3, "C", {"10"})});
+    auto t = DbfTable::open(path);
+    int calls = 0;
+    recalculate_totals(*t, ColumnLists::from_setup(setup), [&](int done, int count) {
+        ++calls;
+        EXPECT_EQ(count, 3);
+        EXPECT_EQ(done, calls);
+    });
+    EXPECT_EQ(calls, 3);
+    EXPECT_EQ(stored_row(*t, 0)[3], "50.0");
+    EXPECT_EQ(stored_row(*t, 1)[3], "");
+    EXPECT_EQ(stored_row(*t, 2)[3], "100.0");
+}
+
+TEST_F(Totals, ATargetOutsideTheMarkFieldsNeverTouchesTheName) {
+    setup.rows[0] = {"ODD", "10", "0", "", ""};   // target 0: would be the name
+    setup.rows[1] = {"FAR", "10", "41", "", ""};  // target 41: past the last field
+    const QStringList f = recalc_one({"5", "6"});
+    EXPECT_EQ(f[1], "Botha, Anri");
+    EXPECT_EQ(f[0], "10001");
+}
+
+TEST(ClassAverages, ArePercentagesOfTheColumnTotalToFourDecimals) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("marks1.dbf");
+    MarkBookSetup setup;
+    setup.rows[0] = {"T1", "10", "", "", ""};
+    setup.rows[1] = {"T2", "30", "", "", ""};
+    setup.rows[2] = {"T3", "0", "", "", ""};
+    setup.rows[3] = {"T4", "10", "", "", ""};
+    fill_marks_table(path, {marks_row(1, "A", {"8", "1", "5", "A"}), marks_row(2, "B", {"6", "1", "5", "a"}),
+                            marks_row(3, "C", {"A", "2", "", ""}), marks_row(4, "D", {"", "", "", ""})});
+    auto t = DbfTable::open(path);
+    const auto avg = class_averages(*t, ColumnLists::from_setup(setup));
+    EXPECT_EQ(avg[2].fixed4(), "70.0000");   // (8 + 6) / 2 of 10
+    EXPECT_EQ(avg[3].fixed4(), "4.4444");    // (1 + 1 + 2) / 3 of 30
+    EXPECT_EQ(avg[4].fixed4(), "0.0000");    // a total of 0
+    EXPECT_EQ(avg[5].fixed4(), "0.0000");    // only absences
+    EXPECT_EQ(avg[0].fixed4(), "0.0000");
+    EXPECT_EQ(avg[42].fixed4(), "0.0000");
+}
+
+}  // namespace
+}  // namespace veldo

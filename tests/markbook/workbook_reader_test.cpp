@@ -1,0 +1,496 @@
+// Reading the first worksheet of the workbook that fills a new mark book.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <array>
+#include <utility>
+#include <vector>
+
+#include <zip.h>
+
+#if defined(Q_OS_UNIX)
+#include <sys/stat.h>
+#endif
+
+#include "markbook/workbook_reader.h"
+
+namespace veldo {
+namespace {
+
+using Rows = QList<QStringList>;
+using Part = std::pair<QString, QByteArray>;
+
+void write_bytes(const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    ASSERT_EQ(f.write(bytes), bytes.size());
+}
+
+QByteArray file_bytes(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// A zip archive of the given parts, compressed as Excel does.
+void write_zip(const QString& path, const std::vector<Part>& parts) {
+    int code = 0;
+    zip_t* z = zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &code);
+    ASSERT_NE(z, nullptr) << code;
+    for (const Part& p : parts) {
+        zip_source_t* src = zip_source_buffer(z, p.second.constData(), zip_uint64_t(p.second.size()), 0);
+        ASSERT_NE(src, nullptr);
+        ASSERT_GE(zip_file_add(z, p.first.toUtf8().constData(), src, ZIP_FL_ENC_UTF_8), 0)
+            << zip_strerror(z);
+    }
+    ASSERT_EQ(zip_close(z), 0);
+}
+
+const char* const kMain = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
+const char* const kRelNs = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
+
+QByteArray content_types() {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
+           "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
+           "<Default Extension=\"rels\" ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
+           "<Default Extension=\"xml\" ContentType=\"application/xml\"/>"
+           "<Override PartName=\"/xl/workbook.xml\" ContentType=\"application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml\"/>"
+           "</Types>";
+}
+
+QByteArray package_rels(const char* workbook_target = "xl/workbook.xml") {
+    return QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                      "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
+                      "<Relationship Id=\"rId1\" Type=\"") +
+           kRelNs + "/officeDocument\" Target=\"" + workbook_target + "\"/></Relationships>";
+}
+
+// <sheet> entries: name and relationship id, in workbook order.
+QByteArray workbook(const std::vector<std::pair<QByteArray, QByteArray>>& sheets) {
+    QByteArray xml = QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<workbook xmlns=\"") + kMain +
+                     "\" xmlns:r=\"" + kRelNs + "\"><bookViews><workbookView/></bookViews><sheets>";
+    int n = 1;
+    for (const auto& s : sheets)
+        xml += "<sheet name=\"" + s.first + "\" sheetId=\"" + QByteArray::number(n++) + "\" r:id=\"" +
+               s.second + "\"/>";
+    return xml + "</sheets></workbook>";
+}
+
+// Relationships: id, last word of the type, target.
+QByteArray workbook_rels(const std::vector<std::array<QByteArray, 3>>& rels) {
+    QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                     "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">";
+    for (const auto& r : rels)
+        xml += "<Relationship Id=\"" + r[0] + "\" Type=\"" + kRelNs + "/" + r[1] + "\" Target=\"" + r[2] +
+               "\"/>";
+    return xml + "</Relationships>";
+}
+
+QByteArray worksheet(const QByteArray& sheet_data) {
+    return QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<worksheet xmlns=\"") + kMain +
+           "\"><dimension ref=\"A1:D5\"/><sheetData>" + sheet_data +
+           "</sheetData><pageMargins left=\"0.7\"/></worksheet>";
+}
+
+QByteArray shared_strings(const QByteArray& items) {
+    return QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<sst xmlns=\"") + kMain +
+           "\" count=\"9\" uniqueCount=\"9\">" + items + "</sst>";
+}
+
+// One sheet and its shared strings, laid out as Excel saves them.
+std::vector<Part> simple_book(const QByteArray& sheet_data, const QByteArray& strings = QByteArray()) {
+    std::vector<Part> parts = {
+        {"[Content_Types].xml", content_types()},
+        {"_rels/.rels", package_rels()},
+        {"xl/workbook.xml", workbook({{"Blad1", "rId1"}})},
+        {"xl/_rels/workbook.xml.rels",
+         workbook_rels({{"rId1", "worksheet", "worksheets/sheet1.xml"},
+                        {"rId2", "sharedStrings", "sharedStrings.xml"}})},
+        {"xl/worksheets/sheet1.xml", worksheet(sheet_data)},
+    };
+    if (!strings.isNull()) parts.push_back({"xl/sharedStrings.xml", shared_strings(strings)});
+    return parts;
+}
+
+class WorkbookTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QString path(const QString& name) const { return dir.filePath(name); }
+
+    Rows read_ok(const QString& name) {
+        SheetReadError error;
+        const auto rows = read_first_sheet(path(name), &error);
+        EXPECT_TRUE(rows.has_value()) << error.code << " " << error.detail.toStdString();
+        EXPECT_EQ(error.code, SheetReadError::None);
+        return rows.value_or(Rows());
+    }
+    SheetReadError read_fails(const QString& name) {
+        SheetReadError error;
+        const auto rows = read_first_sheet(path(name), &error);
+        EXPECT_FALSE(rows.has_value());
+        EXPECT_EQ(error.path, path(name));
+        return error;
+    }
+};
+
+// ---------------------------------------------------------------- .xlsx
+
+TEST_F(WorkbookTest, WorkbookXlsxReadsSharedRichInlineNumbersAndGaps) {
+    const QByteArray strings =
+        "<si><t>Nommer</t></si>"
+        "<si><t>Naam</t></si>"
+        "<si><r><rPr><b/></rPr><t xml:space=\"preserve\">An\xC3\xA9l </t></r>"
+        "<r><t>Botha</t></r><rPh sb=\"0\" eb=\"1\"><t>phonetic</t></rPh></si>"
+        "<si><t xml:space=\"preserve\">  Jan  </t></si>";
+    const QByteArray cells =
+        "<row r=\"1\" spans=\"1:2\"><c r=\"A1\" t=\"s\"><v>0</v></c><c r=\"B1\" t=\"s\"><v>1</v></c></row>"
+        "<row r=\"2\"><c r=\"A2\" t=\"n\"><v>1.0001E4</v></c><c r=\"B2\" t=\"s\"><v>2</v></c>"
+        "<c r=\"D2\" t=\"inlineStr\"><is><t>inline</t></is></c></row>"
+        "<row r=\"3\"><c r=\"A3\"><v>12.5</v></c><c r=\"B3\" t=\"b\"><v>1</v></c>"
+        "<c r=\"C3\" t=\"e\"><f>1/0</f><v>#DIV/0!</v></c><c r=\"D3\" t=\"str\"><f>\"a\"&amp;\"b\"</f><v>ab</v></c>"
+        "<c r=\"E3\" t=\"b\"><v>0</v></c></row>"
+        "<row r=\"5\"><c r=\"A5\" s=\"3\"><v>10002</v></c><c r=\"B5\" t=\"s\"><v>3</v></c>"
+        "<c r=\"C5\" s=\"1\"/><c r=\"D5\"><v>0.30000000000000004</v></c></row>"
+        "<row r=\"6\"><c r=\"A6\" t=\"inlineStr\"><is><r><t>Twee</t></r><r><t>_x000D_lyne</t></r></is></c>"
+        "<c r=\"B6\"><v>1E-3</v></c><c r=\"C6\"><v>-7</v></c></row>";
+    write_zip(path("klas.xlsx"), simple_book(cells, strings));
+
+    const Rows rows = read_ok("klas.xlsx");
+    ASSERT_EQ(rows.size(), 6);
+    EXPECT_EQ(rows[0], QStringList({"Nommer", "Naam"}));
+    EXPECT_EQ(rows[1], QStringList({"10001", QString::fromUtf8("An\xC3\xA9l Botha"), "", "inline"}));
+    EXPECT_EQ(rows[2], QStringList({"12.5", "TRUE", "#DIV/0!", "ab", "FALSE"}));
+    EXPECT_EQ(rows[3], QStringList());  // the missing row 4
+    EXPECT_EQ(rows[4], QStringList({"10002", "  Jan  ", "", "0.3"}));
+    EXPECT_EQ(rows[5], QStringList({"Twee\rlyne", "0.001", "-7"}));
+}
+
+TEST_F(WorkbookTest, WorkbookXlsxReadsTheFirstWorksheetInWorkbookOrder) {
+    // Sheet order lives in workbook.xml, not in the part names; a chart sheet
+    // ahead of the worksheets is passed over.
+    const std::vector<Part> parts = {
+        {"[Content_Types].xml", content_types()},
+        {"_rels/.rels", package_rels()},
+        {"xl/workbook.xml", workbook({{"Grafiek", "rId9"}, {"Klas", "rId2"}, {"Ander", "rId1"}})},
+        {"xl/_rels/workbook.xml.rels",
+         workbook_rels({{"rId1", "worksheet", "worksheets/sheet1.xml"},
+                        {"rId2", "worksheet", "worksheets/sheet2.xml"},
+                        {"rId9", "chartsheet", "chartsheets/sheet1.xml"}})},
+        {"xl/worksheets/sheet1.xml", worksheet("<row r=\"1\"><c r=\"A1\" t=\"inlineStr\"><is><t>wrong</t></is></c></row>")},
+        {"xl/worksheets/sheet2.xml", worksheet("<row r=\"1\"><c r=\"B1\" t=\"inlineStr\"><is><t>right</t></is></c></row>")},
+        {"xl/chartsheets/sheet1.xml", "<chartsheet/>"},
+    };
+    write_zip(path("order.xlsx"), parts);
+    EXPECT_EQ(read_ok("order.xlsx"), Rows({QStringList({"", "right"})}));
+}
+
+TEST_F(WorkbookTest, WorkbookXlsxFollowsRelationshipsWhereverTheyPoint) {
+    // A workbook part outside xl/, an absolute target, names in another case.
+    const std::vector<Part> parts = {
+        {"[Content_Types].xml", content_types()},
+        {"_rels/.rels", package_rels("/book/Main.xml")},
+        {"book/main.xml", workbook({{"Klas", "rId7"}})},
+        {"book/_rels/main.xml.rels",
+         workbook_rels({{"rId7", "worksheet", "/Book/Sheets/First%20Sheet.xml"},
+                        {"rId8", "sharedStrings", "../book/strings.xml"}})},
+        {"book/sheets/first sheet.xml", worksheet("<row><c t=\"s\"><v>0</v></c><c><v>3</v></c></row>"
+                                                  "<row><c t=\"s\"><v>1</v></c><c t=\"s\"><v>99</v></c></row>")},
+        {"book/strings.xml", shared_strings("<si><t>een</t></si><si><t>twee</t></si>")},
+    };
+    write_zip(path("elders.xlsx"), parts);
+    // Rows and cells without a reference follow the one before; a shared
+    // string index past the table reads as empty.
+    EXPECT_EQ(read_ok("elders.xlsx"), Rows({QStringList({"een", "3"}), QStringList({"twee"})}));
+}
+
+TEST_F(WorkbookTest, WorkbookXlsxCellsOutsideTheLimitsAreLeftOut) {
+    write_zip(path("wyd.xlsx"),
+              simple_book("<row r=\"1\"><c r=\"A1\"><v>1</v></c><c r=\"AMJ1\"><v>1024</v></c>"
+                          "<c r=\"AMK1\"><v>1025</v></c><c r=\"XFD1\"><v>2</v></c></row>"
+                          "<row r=\"65537\"><c r=\"A65537\"><v>3</v></c></row>"
+                          "<row r=\"1048576\"><c r=\"A1048576\"><v>4</v></c></row>"));
+    const Rows rows = read_ok("wyd.xlsx");
+    ASSERT_EQ(rows.size(), 1);
+    ASSERT_EQ(rows[0].size(), kSheetMaxColumns);
+    EXPECT_EQ(rows[0].first(), "1");
+    EXPECT_EQ(rows[0].last(), "1024");
+}
+
+TEST_F(WorkbookTest, WorkbookXlsxAHugeSparseSheetIsUnreadableNotAMemoryHog) {
+    QByteArray cells;
+    for (int r = 1; r <= 5000; ++r)
+        cells += "<row r=\"" + QByteArray::number(r) + "\"><c r=\"AMJ" + QByteArray::number(r) +
+                 "\"><v>1</v></c></row>";
+    write_zip(path("yl.xlsx"), simple_book(cells));
+    EXPECT_EQ(read_fails("yl.xlsx").code, SheetReadError::Unreadable);
+}
+
+TEST_F(WorkbookTest, WorkbookXlsxAnEmptySheetGivesNoRows) {
+    write_zip(path("leeg.xlsx"), simple_book("<row r=\"1\"><c r=\"A1\" s=\"2\"/></row><row r=\"7\"/>"));
+    EXPECT_TRUE(read_ok("leeg.xlsx").isEmpty());
+}
+
+TEST_F(WorkbookTest, WorkbookXlsxBrokenPackagesSayWhatIsWrong) {
+    write_zip(path("geen_boek.xlsx"), {{"readme.txt", "hello"}});
+    EXPECT_EQ(read_fails("geen_boek.xlsx").code, SheetReadError::NotAWorkbook);
+
+    std::vector<Part> no_sheets = simple_book("");
+    no_sheets[2].second = workbook({});
+    write_zip(path("geen_blad.xlsx"), no_sheets);
+    EXPECT_EQ(read_fails("geen_blad.xlsx").code, SheetReadError::NoSheet);
+
+    std::vector<Part> broken = simple_book("<row r=\"1\"><c r=\"A1\"><v>1</v></row>");
+    write_zip(path("stukkend.xlsx"), broken);
+    EXPECT_EQ(read_fails("stukkend.xlsx").code, SheetReadError::Unreadable);
+
+    std::vector<Part> lost_sheet = simple_book("");
+    lost_sheet.erase(lost_sheet.begin() + 4);
+    write_zip(path("weg.xlsx"), lost_sheet);
+    EXPECT_EQ(read_fails("weg.xlsx").code, SheetReadError::Unreadable);
+
+    write_bytes(path("kop.xlsx"), QByteArray("PK\x03\x04", 4) + QByteArray(200, '\x7F'));
+    const SheetReadError torn = read_fails("kop.xlsx");
+    EXPECT_TRUE(torn.code == SheetReadError::NotAWorkbook || torn.code == SheetReadError::Unreadable)
+        << torn.code;
+
+    // A damaged entry: flip bytes in the middle of the compressed sheet.
+    write_zip(path("crc.xlsx"), simple_book(QByteArray(4000, ' ') + "<row r=\"1\"><c r=\"A1\"><v>1</v></c></row>"));
+    QByteArray bytes = file_bytes(path("crc.xlsx"));
+    const qsizetype at = bytes.indexOf("xl/worksheets/sheet1.xml") + 40;
+    for (qsizetype i = at; i < at + 8 && i < bytes.size(); ++i) bytes[i] = char(bytes[i] ^ 0x55);
+    write_bytes(path("crc.xlsx"), bytes);
+    EXPECT_EQ(read_fails("crc.xlsx").code, SheetReadError::Unreadable);
+}
+
+// ---------------------------------------------------------------- kind of file
+
+TEST_F(WorkbookTest, WorkbookMissingEmptyAndGarbageFiles) {
+    EXPECT_EQ(read_fails("nêrens.xlsx").code, SheetReadError::Missing);
+    EXPECT_EQ(read_fails("nêrens").code, SheetReadError::Missing);
+
+    write_bytes(path("leeg.csv"), {});
+    EXPECT_TRUE(read_ok("leeg.csv").isEmpty());
+    write_bytes(path("leeg.xlsx"), {});
+    EXPECT_EQ(read_fails("leeg.xlsx").code, SheetReadError::NotAWorkbook);
+    write_bytes(path("leeg.xls"), {});
+    EXPECT_EQ(read_fails("leeg.xls").code, SheetReadError::NotAWorkbook);
+
+    QByteArray garbage;
+    for (int i = 0; i < 3000; ++i) garbage.append(char((i * 7919 + 13) & 0xFF));
+    write_bytes(path("rommel.xlsx"), garbage);
+    EXPECT_EQ(read_fails("rommel.xlsx").code, SheetReadError::NotAWorkbook);
+    write_bytes(path("rommel.xls"), garbage);
+    EXPECT_EQ(read_fails("rommel.xls").code, SheetReadError::NotAWorkbook);
+    // Under any other name garbage is text; it must merely not crash.
+    write_bytes(path("rommel.csv"), garbage);
+    EXPECT_TRUE(read_first_sheet(path("rommel.csv")).has_value());
+
+    QDir(dir.path()).mkdir("gids.xlsx");
+    EXPECT_EQ(read_fails("gids.xlsx").code, SheetReadError::Unreadable);
+#if defined(Q_OS_UNIX)
+    // A pipe would never end; it is refused before it is opened.
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path("pyp.csv")).constData(), 0600), 0);
+    EXPECT_EQ(read_fails("pyp.csv").code, SheetReadError::Unreadable);
+#endif
+}
+
+TEST_F(WorkbookTest, WorkbookContentDecidesOverTheName) {
+    const QByteArray cells = "<row r=\"1\"><c r=\"A1\"><v>7</v></c></row>";
+    write_zip(path("sonder_agtervoegsel"), simple_book(cells));
+    EXPECT_EQ(read_ok("sonder_agtervoegsel"), Rows({QStringList({"7"})}));
+    write_zip(path("verkeerd.xls"), simple_book(cells));
+    EXPECT_EQ(read_ok("verkeerd.xls"), Rows({QStringList({"7"})}));
+    write_bytes(path("teks"), "1;Jan\r\n");
+    EXPECT_EQ(read_ok("teks"), Rows({QStringList({"1", "Jan"})}));
+}
+
+TEST_F(WorkbookTest, WorkbookErrorMessagesInBothLanguages) {
+    SheetReadError e{SheetReadError::Unreadable, "/data/wisk_10A.xlsx", "crc"};
+    EXPECT_EQ(sheet_error_message(e, true), "Die werkboek /data/wisk_10A.xlsx kan nie gelees word nie.");
+    EXPECT_EQ(sheet_error_message(e, false), "The workbook /data/wisk_10A.xlsx can't be read.");
+    e.code = SheetReadError::Missing;
+    EXPECT_EQ(sheet_error_message(e, true), "Die werkboek /data/wisk_10A.xlsx bestaan nie.");
+    EXPECT_EQ(sheet_error_message(e, false), "The workbook /data/wisk_10A.xlsx doesn't exist.");
+    e.code = SheetReadError::NotAWorkbook;
+    EXPECT_TRUE(sheet_error_message(e, true).contains("nie 'n werkboek"));
+    EXPECT_TRUE(sheet_error_message(e, false).contains("isn't a workbook"));
+    e.code = SheetReadError::NoSheet;
+    EXPECT_EQ(sheet_error_message(e, true), "Die werkboek /data/wisk_10A.xlsx het geen werkblad nie.");
+    EXPECT_EQ(sheet_error_message(e, false), "The workbook /data/wisk_10A.xlsx has no worksheet.");
+    e.code = SheetReadError::None;
+    EXPECT_TRUE(sheet_error_message(e, false).isEmpty());
+}
+
+// ---------------------------------------------------------------- .xls
+
+TEST_F(WorkbookTest, WorkbookXlsReadsTheFirstSheetThroughFreeXL) {
+    // Written by xlwt: RK and NUMBER cells, shared strings, a gap, two sheets.
+    const QString fixture = QStringLiteral(VELDO_SOURCE_DIR "/tests/data/workbook/class_list.xls");
+    ASSERT_TRUE(QFile::copy(fixture, path("klas.xls")));
+    const Rows rows = read_ok("klas.xls");
+    ASSERT_EQ(rows.size(), 7);
+    EXPECT_EQ(rows[0], QStringList({"Nommer", "Naam"}));
+    EXPECT_EQ(rows[1], QStringList({"10001", QString::fromUtf8("  An\xC3\xA9l Botha  ")}));
+    EXPECT_EQ(rows[2], QStringList({"10002", "Jan"}));
+    EXPECT_EQ(rows[3], QStringList({"12.5", "Sipho", "", "D4"}));
+    EXPECT_EQ(rows[4], QStringList({"10001", QString::fromUtf8("\xC3\x8Blize")}));
+    EXPECT_EQ(rows[5], QStringList());
+    EXPECT_EQ(rows[6], QStringList({"", "after a blank row"}));
+
+    // Found without its extension, and read by its first bytes.
+    ASSERT_TRUE(QFile::copy(fixture, path("wisk_10A")));
+    EXPECT_EQ(read_ok("wisk_10A"), rows);
+}
+
+TEST_F(WorkbookTest, WorkbookXlsDamagedCompoundFileIsUnreadable) {
+    QByteArray bytes = file_bytes(QStringLiteral(VELDO_SOURCE_DIR "/tests/data/workbook/class_list.xls"));
+    ASSERT_GT(bytes.size(), 1024);
+    bytes.truncate(600);  // the header survives, the sectors do not
+    write_bytes(path("kort.xls"), bytes);
+    EXPECT_EQ(read_fails("kort.xls").code, SheetReadError::Unreadable);
+
+    write_bytes(path("kop.xls"), QByteArray("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + QByteArray(504, '\0'));
+    EXPECT_EQ(read_fails("kop.xls").code, SheetReadError::Unreadable);
+}
+
+// ---------------------------------------------------------------- .csv
+
+TEST_F(WorkbookTest, WorkbookCsvWithCommasAndQuotes) {
+    write_bytes(path("komma.csv"),
+                "Nommer,Naam\r\n"
+                "10001,\"Botha, Anel\"\r\n"
+                "\"10002\",\"Sê \"\"Jan\"\"\",,\r\n"
+                "10003,\"twee\nlyne\",x\n"
+                "\n"
+                "10004\r\n"
+                "\r\n\r\n");
+    const Rows rows = read_ok("komma.csv");
+    ASSERT_EQ(rows.size(), 6);
+    EXPECT_EQ(rows[0], QStringList({"Nommer", "Naam"}));
+    EXPECT_EQ(rows[1], QStringList({"10001", "Botha, Anel"}));
+    EXPECT_EQ(rows[2], QStringList({"10002", QString::fromUtf8("S\xC3\xAA \"Jan\"")}));
+    EXPECT_EQ(rows[3], QStringList({"10003", "twee\nlyne", "x"}));
+    EXPECT_EQ(rows[4], QStringList());
+    EXPECT_EQ(rows[5], QStringList({"10004"}));
+}
+
+TEST_F(WorkbookTest, WorkbookCsvSemicolonWinsWhenBothOccur) {
+    write_bytes(path("kommapunt.csv"), "Nr;Naam, Van;Punt\r\n1;Botha, Anel;12,5\r\n2;\"a;b\";3");
+    EXPECT_EQ(read_ok("kommapunt.csv"),
+              Rows({QStringList({"Nr", "Naam, Van", "Punt"}), QStringList({"1", "Botha, Anel", "12,5"}),
+                    QStringList({"2", "a;b", "3"})}));
+
+    // A separator only inside quotes on the first line does not count.
+    write_bytes(path("aanhalings.csv"), "\"Nr;Naam\",Van\r\n1,Jan\r\n");
+    EXPECT_EQ(read_ok("aanhalings.csv"), Rows({QStringList({"Nr;Naam", "Van"}), QStringList({"1", "Jan"})}));
+
+    // A heading of one cell: the first line that has one decides.
+    write_bytes(path("een_kolom.csv"), "Klaslys\n1;Jan, Piet\n");
+    EXPECT_EQ(read_ok("een_kolom.csv"), Rows({QStringList({"Klaslys"}), QStringList({"1", "Jan, Piet"})}));
+    write_bytes(path("een_kolom_komma.csv"), "Klaslys\n1,Jan\n");
+    EXPECT_EQ(read_ok("een_kolom_komma.csv"), Rows({QStringList({"Klaslys"}), QStringList({"1", "Jan"})}));
+}
+
+TEST_F(WorkbookTest, WorkbookCsvTextEncodings) {
+    const QString e_trema = QString::fromUtf8("Mari\xC3\xAB");
+    write_bytes(path("utf8.csv"), "Nr;Naam\n1;Mari\xC3\xAB\n");
+    EXPECT_EQ(read_ok("utf8.csv").value(1), QStringList({"1", e_trema}));
+    write_bytes(path("bom.csv"), "\xEF\xBB\xBFNr;Naam\n1;Mari\xC3\xAB\n");
+    EXPECT_EQ(read_ok("bom.csv"), Rows({QStringList({"Nr", "Naam"}), QStringList({"1", e_trema})}));
+    write_bytes(path("ansi.csv"), "Nr;Naam\n1;Mari\xEB\n2;\x93Oupa\x94\n");
+    const Rows ansi = read_ok("ansi.csv");
+    EXPECT_EQ(ansi.value(1), QStringList({"1", e_trema}));
+    EXPECT_EQ(ansi.value(2), QStringList({"2", QString::fromUtf8("\xE2\x80\x9COupa\xE2\x80\x9D")}));
+}
+
+TEST_F(WorkbookTest, WorkbookCsvHostileShapes) {
+    // An unclosed quote runs to the end; a quote inside a field stands as is.
+    write_bytes(path("oop.csv"), "1,ab\"c,\"nooit\r\ntoe");
+    EXPECT_EQ(read_ok("oop.csv"), Rows({QStringList({"1", "ab\"c", "nooit\r\ntoe"})}));
+
+    QByteArray wide = "x";
+    for (int i = 0; i < 1100; ++i) wide += ",y";
+    write_bytes(path("wyd.csv"), wide + "\n");
+    const Rows rows = read_ok("wyd.csv");
+    ASSERT_EQ(rows.size(), 1);
+    EXPECT_EQ(rows[0].size(), kSheetMaxColumns);
+
+    write_bytes(path("lank.csv"), QByteArray("1\n").repeated(kSheetMaxRows + 100));
+    EXPECT_EQ(read_ok("lank.csv").size(), kSheetMaxRows);
+}
+
+// ---------------------------------------------------------------- finding the workbook
+
+TEST_F(WorkbookTest, WorkbookFoundByNameThenByExtensionIgnoringCase) {
+    EXPECT_EQ(find_first_fill_workbook(dir.path(), "wisk_10A"), "");
+    write_bytes(path("WISK_10a.CSV"), "x");
+    EXPECT_EQ(find_first_fill_workbook(dir.path(), "wisk_10A"), path("WISK_10a.CSV"));
+    write_bytes(path("wisk_10A.xls"), "x");
+    EXPECT_EQ(find_first_fill_workbook(dir.path(), "wisk_10A"), path("wisk_10A.xls"));
+    write_bytes(path("Wisk_10A.xlsx"), "x");
+    EXPECT_EQ(find_first_fill_workbook(dir.path(), "wisk_10A"), path("Wisk_10A.xlsx"));
+    // A folder of that name is no workbook.
+    QDir(dir.path()).mkdir("wisk_10a");
+    EXPECT_EQ(find_first_fill_workbook(dir.path(), "wisk_10A"), path("Wisk_10A.xlsx"));
+    write_bytes(path("wisk_10A.xlsx.bak"), "x");
+    EXPECT_EQ(find_first_fill_workbook(dir.path(), "wisk_10A.xlsx.bak"), path("wisk_10A.xlsx.bak"));
+    EXPECT_EQ(find_first_fill_workbook(dir.path(), ""), "");
+}
+
+// ---------------------------------------------------------------- class list
+
+TEST(WorkbookClassList, HeadingSkippedStopsAtTheFirstBlankFirstCell) {
+    const Rows rows = {
+        {"Nommer", "Naam"},
+        {"10001", "  Anel Botha  "},
+        {"12345abc", "Jan"},
+        {" 7 ", "\tSipho\t", "ignored"},
+        {"geen"},
+        {"   ", "after the blank"},
+        {"10009", "never read"},
+    };
+    const QList<ClassListEntry> list = class_list_from_sheet(rows);
+    ASSERT_EQ(list.size(), 4);
+    EXPECT_EQ(list[0].number, 10001.0);
+    EXPECT_EQ(list[0].name, "Anel Botha");
+    EXPECT_EQ(list[1].number, 12345.0);
+    EXPECT_EQ(list[1].name, "Jan");
+    EXPECT_EQ(list[2].number, 7.0);
+    EXPECT_EQ(list[2].name, "Sipho");
+    EXPECT_EQ(list[3].number, 0.0);
+    EXPECT_EQ(list[3].name, "");
+}
+
+TEST(WorkbookClassList, EmptyAndShortSheets) {
+    EXPECT_TRUE(class_list_from_sheet({}).isEmpty());
+    EXPECT_TRUE(class_list_from_sheet({{"Nommer", "Naam"}}).isEmpty());
+    EXPECT_TRUE(class_list_from_sheet({{"Nommer"}, {}}).isEmpty());
+    const QList<ClassListEntry> list = class_list_from_sheet({{}, {"12.5"}});
+    ASSERT_EQ(list.size(), 1);
+    EXPECT_EQ(list[0].number, 12.5);
+}
+
+TEST_F(WorkbookTest, WorkbookClassListFromAWholeXlsx) {
+    write_zip(path("Wisk_10A.xlsx"),
+              simple_book("<row r=\"1\"><c r=\"A1\" t=\"s\"><v>0</v></c><c r=\"B1\" t=\"s\"><v>1</v></c></row>"
+                          "<row r=\"2\"><c r=\"A2\"><v>1.0001E4</v></c><c r=\"B2\" t=\"s\"><v>2</v></c></row>"
+                          "<row r=\"3\"><c r=\"A3\"><v>10002</v></c><c r=\"B3\" t=\"s\"><v>3</v></c></row>"
+                          "<row r=\"5\"><c r=\"A5\"><v>10003</v></c><c r=\"B5\" t=\"s\"><v>3</v></c></row>",
+                          "<si><t>Nr</t></si><si><t>Naam</t></si><si><t xml:space=\"preserve\"> Botha, Anel </t></si>"
+                          "<si><t>Jan</t></si>"));
+    const QString found = find_first_fill_workbook(dir.path(), "wisk_10a");
+    ASSERT_EQ(found, path("Wisk_10A.xlsx"));
+    const auto rows = read_first_sheet(found);
+    ASSERT_TRUE(rows.has_value());
+    const QList<ClassListEntry> list = class_list_from_sheet(*rows);
+    ASSERT_EQ(list.size(), 2);
+    EXPECT_EQ(list[0].number, 10001.0);
+    EXPECT_EQ(list[0].name, "Botha, Anel");
+    EXPECT_EQ(list[1].number, 10002.0);
+    EXPECT_EQ(list[1].name, "Jan");
+}
+
+}  // namespace
+}  // namespace veldo

@@ -1,0 +1,49 @@
+#pragma once
+// A marks table with the template's 42 fields in a temporary folder, filled
+// from rows of texts: number, name, then the marks of setup rows 1 on.
+
+#include <QDir>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <memory>
+
+#include "markbook/column_lists.h"
+#include "markbook/setup_model.h"
+#include "store/dbf_table.h"
+#include "store/table_layouts.h"
+
+namespace veldo::testing {
+
+inline void fill_marks_table(const QString& path, const QList<QStringList>& rows) {
+    DbfTable::create(path, mark_book_fields());
+    auto t = DbfTable::open(path);
+    for (const QStringList& row : rows) {
+        t->AddNew();
+        for (int f = 0; f < row.size(); ++f)
+            t->set_value(f, row[f].isEmpty() ? QVariant() : QVariant(row[f]));
+        t->Update();
+    }
+}
+
+// A marks row: number, name, then mark per setup row from row 1.
+inline QStringList marks_row(int number, const QString& name, const QStringList& marks) {
+    return QStringList{QString::number(number), name} + marks;
+}
+
+// The stored text of each field of the record at `position`, right-trimmed,
+// "" for Null.
+inline QStringList stored_row(DbfTable& t, int position) {
+    t.MoveFirst();
+    t.Move(position);
+    QStringList out;
+    for (int f = 0; f < t.field_count(); ++f) {
+        const QVariant v = t.value(f);
+        QString text = v.isValid() ? (v.typeId() == QMetaType::Double ? QString::number(v.toDouble()) : v.toString())
+                                   : QString();
+        while (text.endsWith(' ')) text.chop(1);
+        out << text;
+    }
+    return out;
+}
+
+}  // namespace veldo::testing
