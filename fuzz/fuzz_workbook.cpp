@@ -63,8 +63,8 @@ void write_package(const QString& path, const QByteArray& bytes) {
         pieces.size() > 3 ? pieces.at(3) : QByteArray(kWorkbookRels),
         QByteArray(kRels),
     };
-    const char* const names[] = {"xl/worksheets/sheet1.xml", "xl/sharedStrings.xml", "xl/workbook.xml",
-                                 "xl/_rels/workbook.xml.rels", "_rels/.rels"};
+    const char* const names[] = {"xl/worksheets/sheet1.xml", "xl/sharedStrings.xml",
+                                 "xl/workbook.xml", "xl/_rels/workbook.xml.rels", "_rels/.rels"};
     int code = 0;
     zip_t* z = zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &code);
     if (!z) std::abort();

@@ -173,14 +173,17 @@ std::optional<QList<QStringList>> read_text_sheet(const QString& path, SheetRead
         }
         if (c == separator) {
             if (!end_field())
-                return fail(error, SheetReadError::Unreadable, path, QStringLiteral("sheet too large"));
+                return fail(error, SheetReadError::Unreadable, path,
+                            QStringLiteral("sheet too large"));
             ++i;
         } else if (c == QLatin1Char('\r') || c == QLatin1Char('\n')) {
             if (!end_field())
-                return fail(error, SheetReadError::Unreadable, path, QStringLiteral("sheet too large"));
+                return fail(error, SheetReadError::Unreadable, path,
+                            QStringLiteral("sheet too large"));
             ++row;
             column = 0;
-            i += (c == QLatin1Char('\r') && i + 1 < n && text.at(i + 1) == QLatin1Char('\n')) ? 2 : 1;
+            const bool crlf = c == QLatin1Char('\r') && i + 1 < n && text.at(i + 1) == QLatin1Char('\n');
+            i += crlf ? 2 : 1;
         } else {
             field += c;
             ++i;
@@ -335,8 +338,8 @@ public:
         const QString detail = QString::fromUtf8(zip_error_strerror(&ze));
         zip_error_fini(&ze);
         fail(error,
-             code == ZIP_ER_NOZIP ? SheetReadError::NotAWorkbook : SheetReadError::Unreadable,
-             path, detail);
+             code == ZIP_ER_NOZIP ? SheetReadError::NotAWorkbook : SheetReadError::Unreadable, path,
+             detail);
         return false;
     }
 
@@ -372,7 +375,8 @@ public:
         }
         zip_fclose(file);
         if (!ok)
-            return fail(error, SheetReadError::Unreadable, path_, part + QStringLiteral(": ") + detail);
+            return fail(error, SheetReadError::Unreadable, path_,
+                        part + QStringLiteral(": ") + detail);
         return bytes;
     }
 
@@ -542,7 +546,8 @@ std::optional<QList<QStringList>> read_xlsx_sheet(const QString& path, SheetRead
         if (!bytes) return std::nullopt;
         const auto rels = parse_relationships(*bytes, QString());
         if (!rels)
-            return fail(error, SheetReadError::Unreadable, path, QStringLiteral("broken _rels/.rels"));
+            return fail(error, SheetReadError::Unreadable, path,
+                        QStringLiteral("broken _rels/.rels"));
         for (const Relationship& r : *rels)
             if (type_is(r, QLatin1String("officeDocument")) && !r.target.isEmpty()) {
                 workbook_part = r.target;
@@ -553,7 +558,8 @@ std::optional<QList<QStringList>> read_xlsx_sheet(const QString& path, SheetRead
     if (!workbook) return std::nullopt;
     const auto sheet_ids = sheet_ids_of(*workbook);
     if (!sheet_ids)
-        return fail(error, SheetReadError::Unreadable, path, QStringLiteral("broken ") + workbook_part);
+        return fail(error, SheetReadError::Unreadable, path,
+                    QStringLiteral("broken ") + workbook_part);
 
     const QString folder = folder_of(workbook_part);
     const QString rels_part = folder + QStringLiteral("_rels/") + workbook_part.mid(folder.size()) +
@@ -585,7 +591,8 @@ std::optional<QList<QStringList>> read_xlsx_sheet(const QString& path, SheetRead
         if (!bytes) return std::nullopt;
         auto strings = parse_shared_strings(*bytes);
         if (!strings)
-            return fail(error, SheetReadError::Unreadable, path, QStringLiteral("broken ") + r.target);
+            return fail(error, SheetReadError::Unreadable, path,
+                        QStringLiteral("broken ") + r.target);
         shared = std::move(*strings);
         break;
     }
@@ -712,14 +719,17 @@ std::optional<QList<QStringList>> xls_rows_from(const QByteArray& report, const 
     SheetGrid grid;
     while (p < end) {
         const char tag = *p++;
-        if (tag == kXlsDone)
-            return p == end ? std::optional(grid.take()) : std::nullopt;
+        if (tag == kXlsDone) {
+            if (p != end) break;
+            return grid.take();
+        }
         if (tag == kXlsFailed) {
             std::int32_t code = 0;
             if (!take(&code, sizeof code)) break;
             const QString detail = QStringLiteral("FreeXL error %1").arg(code);
             if (code == kXlsPassword)
-                return fail(error, SheetReadError::Unreadable, path, QStringLiteral("protected by a password"));
+                return fail(error, SheetReadError::Unreadable, path,
+                            QStringLiteral("protected by a password"));
             if (code == kXlsNoSheet)
                 return fail(error, SheetReadError::NoSheet, path, QStringLiteral("no worksheet"));
             // A compound file without a workbook stream is some other Office file.
@@ -798,14 +808,17 @@ bool write_all(int fd, const void* data, std::size_t size) {
 std::optional<QList<QStringList>> read_xls_sheet(const QString& path, SheetReadError* error) {
     const QByteArray native_path = QFile::encodeName(path);
     int fds[2];
-    if (::pipe(fds) != 0)
-        return fail(error, SheetReadError::Unreadable, path, QString::fromLocal8Bit(std::strerror(errno)));
+    // Close-on-exec, so that no program started meanwhile holds the pipe open.
+    if (::pipe2(fds, O_CLOEXEC) != 0)
+        return fail(error, SheetReadError::Unreadable, path,
+                    QString::fromLocal8Bit(std::strerror(errno)));
     const pid_t child = ::fork();
     if (child < 0) {
         const int e = errno;
         ::close(fds[0]);
         ::close(fds[1]);
-        return fail(error, SheetReadError::Unreadable, path, QString::fromLocal8Bit(std::strerror(e)));
+        return fail(error, SheetReadError::Unreadable, path,
+                    QString::fromLocal8Bit(std::strerror(e)));
     }
     if (child == 0) {
         ::close(fds[0]);
@@ -848,7 +861,8 @@ std::optional<QList<QStringList>> read_xls_sheet(const QString& path, SheetReadE
     }
     if (!trouble.isEmpty()) return fail(error, SheetReadError::Unreadable, path, trouble);
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        return fail(error, SheetReadError::Unreadable, path, QStringLiteral("the .xls reader stopped"));
+        return fail(error, SheetReadError::Unreadable, path,
+                    QStringLiteral("the .xls reader stopped"));
     return xls_rows_from(report, path, error);
 }
 
@@ -921,7 +935,8 @@ QString find_first_fill_workbook(const QString& data_folder, const QString& base
     if (base_name.isEmpty()) return QString();
     for (const char* extension : {"", ".xlsx", ".xls", ".csv"}) {
         const QString name = base_name + QLatin1String(extension);
-        if (file_exists_ignoring_case(data_folder, name)) return find_ignoring_case(data_folder, name);
+        if (file_exists_ignoring_case(data_folder, name))
+            return find_ignoring_case(data_folder, name);
     }
     return QString();
 }

@@ -113,13 +113,26 @@ TEST_F(Cli, DumpRefusesADamagedTableWithAMessage) {
     EXPECT_EQ(missing.exit_code, 1);
 }
 
-TEST_F(Cli, ADemoIntoAnUnwritableFolderIsRefused) {
-    if (geteuid() == 0) GTEST_SKIP() << "root writes anywhere";
-    QDir().mkpath(data());
-    QFile::setPermissions(data(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-    const auto r = run({"demo", "--data", data() + "/school"});
-    EXPECT_EQ(r.exit_code, 1);
-    QFile::setPermissions(data(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+TEST_F(Cli, AReadOnlyFolderIsRefusedWithAMessageAndKeepsItsFiles) {
+    ASSERT_EQ(run({"demo", "--data", data()}).exit_code, 0);
+    const auto open_all = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner |
+                          QFileDevice::ReadOther | QFileDevice::WriteOther | QFileDevice::ExeOther;
+    QFile::setPermissions(drive.path(), open_all);
+    QFile::setPermissions(drive.filePath("ProgramData"), open_all);
+    QFile::setPermissions(drive.filePath("ProgramData/KESTRALIN"), open_all);
+    const auto read_only = QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadOther | QFileDevice::ExeOther;
+    QFile::setPermissions(data(), read_only);
+    const QByteArray before = testing::read_bytes(data() + "/marks1.dbf");
+
+    const auto demo = testing::run_program(drive.path(), {"demo", "--data", data() + "/school"}, true);
+    EXPECT_EQ(demo.exit_code, 1);
+    EXPECT_EQ(demo.err.trimmed(), "The folder " + data() + "/school can't be created or written to.");
+    // Opening a book rebuilds it; in a folder the user may not write, the
+    // book stays as it is and still opens.
+    const auto open = testing::run_program(drive.path(), {"open", "--data", data(), "--series", "1"}, true);
+    EXPECT_EQ(testing::read_bytes(data() + "/marks1.dbf"), before);
+    EXPECT_EQ(open.exit_code, 0) << open.err.toStdString();
+    QFile::setPermissions(data(), open_all);
 }
 
 }  // namespace

@@ -70,6 +70,20 @@ TEST_F(Export, AppendsConvertedMarksToBothTablesAndCopiesTheBookToTheDriveRoot) 
     EXPECT_EQ(DbfTable::open(t.data("punte1.dbf"))->RecordCount(), 6);
 }
 
+TEST_F(Export, TheAppendedRecordsAreTheBytesTheAdministrationProgramReads) {
+    ASSERT_TRUE(export_task(*t.store, request(1)));
+    const QByteArray raw = read_bytes(t.data("punte1.dbf"));
+    const int header = quint8(raw[8]) | quint8(raw[9]) << 8;
+    const int length = quint8(raw[10]) | quint8(raw[11]) << 8;
+    ASSERT_EQ(length, 1 + 10 + 40 + 6 + 2);
+    EXPECT_EQ(quint8(raw[4]), 3);  // record count, little-endian
+    const QByteArray first = raw.mid(header, length);
+    EXPECT_EQ(first, QByteArray(" ") + "101       " + QByteArray("Botha, Anri").leftJustified(40, ' ') + "94    " + "  ");
+    const QByteArray second = raw.mid(header + length, length);
+    EXPECT_EQ(second.mid(51, 6), QByteArray("A     "));
+    EXPECT_EQ(raw.right(1), QByteArray("\x1a"));
+}
+
 TEST_F(Export, NoAnswerOrNoTaskWritesNothing) {
     t.dialogs.answers.enqueue(MsgAnswer::No);
     EXPECT_FALSE(export_task(*t.store, request(1)));

@@ -136,6 +136,15 @@ TEST_F(Totals, EmptyRowsOfTheTableAreLeftAndOthersWorkedInTableOrder) {
     EXPECT_EQ(stored_row(*t, 2)[3], "100.0");
 }
 
+TEST_F(Totals, TextInAMarkReadsAsItsLeadingNumber) {
+    setup.rows[0] = {"T1", "10", "3", "", ""};
+    setup.rows[1] = {"T2", "10", "3", "", ""};
+    setup.rows[2] = {"TOT", "20", "", "", ""};
+    // "abc" is no absence: it is a mark of 0 and its scale counts.
+    EXPECT_EQ(recalc_one({"abc", "8x"})[4], "8.0");
+    EXPECT_EQ(recalc_one({"  7.5 ", "8,5"})[4], "15.5");  // a comma ends the number
+}
+
 TEST_F(Totals, ATargetOutsideTheMarkFieldsNeverTouchesTheName) {
     setup.rows[0] = {"ODD", "10", "0", "", ""};   // target 0: would be the name
     setup.rows[1] = {"FAR", "10", "41", "", ""};  // target 41: past the last field

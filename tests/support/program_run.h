@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <unistd.h>
 
 namespace veldo::testing {
 
@@ -16,13 +17,19 @@ struct ProgramResult {
     QString err;
 };
 
-inline ProgramResult run_program(const QString& drive_root, const QStringList& arguments) {
+// With `unprivileged`, a run as root drops to the nobody account first, so
+// that file permissions hold as they do for a teacher.
+inline ProgramResult run_program(const QString& drive_root, const QStringList& arguments,
+                                 bool unprivileged = false) {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("KESTRALIN_DRIVE", drive_root);
     env.insert("QT_QPA_PLATFORM", "offscreen");
     p.setProcessEnvironment(env);
-    p.start(VELDO_PROGRAM, arguments);
+    if (unprivileged && geteuid() == 0)
+        p.start("setpriv", QStringList{"--reuid=65534", "--regid=65534", "--clear-groups", VELDO_PROGRAM} + arguments);
+    else
+        p.start(VELDO_PROGRAM, arguments);
     p.waitForFinished(60000);
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromLocal8Bit(p.readAllStandardOutput()),
             QString::fromLocal8Bit(p.readAllStandardError())};
