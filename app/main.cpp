@@ -1,18 +1,38 @@
+#include <QApplication>
 #include <QCoreApplication>
+#include <QDir>
+#include <QLockFile>
+#include <QStandardPaths>
 #include <cstdio>
+#include <memory>
 
 #include "app/cli.h"
+#include "gui/desktop.h"
+
+namespace {
+
+// The desktop program: the frame, the splash, the menus.
+int run_desktop(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("VELDO-TALLY");
+    // One copy per user: a second one shows the splash's message and ends.
+    QString runtime = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (runtime.isEmpty()) runtime = QDir::tempPath();
+    QLockFile lock(QDir(runtime).filePath("veldo-tally.lock"));
+    lock.setStaleLockTime(0);
+    const bool first_copy = lock.tryLock(0);
+    veldo::Desktop desktop(QCoreApplication::applicationDirPath(), [first_copy] { return !first_copy; });
+    if (!desktop.start() || desktop.ended()) return 0;
+    return QApplication::exec();
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
+    if (argc <= 1) return run_desktop(argc, argv);
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName("VELDO-TALLY");
     QStringList arguments = QCoreApplication::arguments();
     arguments.removeFirst();
-    if (arguments.isEmpty()) {
-        std::fprintf(stderr,
-                     "The desktop screens are not part of this build yet; use a command word.\n\n%s",
-                     qPrintable(veldo::usage_text()));
-        return 2;
-    }
     return veldo::run_command_line(arguments, QCoreApplication::applicationDirPath());
 }

@@ -10,7 +10,9 @@
 #include "markbook/workbook_reader.h"
 
 #include <QByteArray>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QList>
 #include <QTemporaryDir>
 
@@ -82,7 +84,10 @@ void write_package(const QString& path, const QByteArray& bytes) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static QTemporaryDir dir;
+    // Four files a run: memory-backed where there is such a folder.
+    static QTemporaryDir dir(QFileInfo(QStringLiteral("/dev/shm")).isWritable()
+                                 ? QStringLiteral("/dev/shm/fuzz_workbook-XXXXXX")
+                                 : QDir::tempPath() + QStringLiteral("/fuzz_workbook-XXXXXX"));
     if (!dir.isValid()) std::abort();
     const QByteArray bytes(reinterpret_cast<const char*>(data), qsizetype(size));
 

@@ -18,3 +18,10 @@ echo "The class list of series 1 ($data/punte1.dbf), first lines:"
 build/veldo-tally dump "$data/punte1.dbf" | head -n 6
 echo
 echo "The demo data folder is $data; the drive root is $KESTRALIN_DRIVE."
+# With a display the desktop program starts on the demo school; its folder
+# dialog opens on the demo data folder.
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+    printf '"%s"\r\n""\r\n""\r\n' "$data" > build/user_info.txt
+    echo "Starting the desktop program; choose DATA FOLDER to open $data."
+    exec build/veldo-tally
+fi

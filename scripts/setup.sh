@@ -10,5 +10,5 @@ $SUDO apt-get install -y -qq --no-install-recommends \
   qt6-base-dev qt6-base-dev-tools libqt6opengl6-dev libgl-dev \
   libshp-dev libxlsxwriter-dev libfreexl-dev libzip-dev \
   googletest libgtest-dev libgmock-dev libbenchmark-dev \
-  fonts-dejavu-core fonts-liberation poppler-utils xvfb xauth \
+  fonts-dejavu-core fonts-liberation poppler-utils xvfb xauth imagemagick xdotool \
   >/dev/null

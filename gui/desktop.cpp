@@ -1,0 +1,236 @@
+#include "gui/desktop.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QCursor>
+#include <QDesktopServices>
+#include <QDialog>
+#include <QLinearGradient>
+#include <QPainter>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QPushButton>
+#include <QRandomGenerator>
+#include <QScreen>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "gui/calculator_dialog.h"
+#include "gui/closing_message_widget.h"
+#include "gui/floating_menu_widget.h"
+#include "gui/manual_viewer_dialog.h"
+#include "gui/menu_widget.h"
+#include "gui/password_prompt_dialog.h"
+#include "gui/placeholder_screen.h"
+#include "gui/splash_widget.h"
+#include "shell/calculator.h"
+#include "shell/change_folder.h"
+#include "shell/floating_menu.h"
+#include "shell/manual_viewer.h"
+#include "shell/inactivity.h"
+#include "shell/menus.h"
+
+namespace veldo {
+
+namespace {
+
+// The screens later parts of the program add, with their menu and caption.
+struct PendingScreen {
+    QString name, menu, afrikaans, english;
+};
+const QList<PendingScreen>& pending_screens() {
+    static const QList<PendingScreen> list = {
+        {screen::punte_inlees, screen::punte_menu1, "INLEES PUNTE", "INPUT MARKS"},
+        {screen::obe_inlees, screen::punte_menu1, "UGO INLEES", "OBE INPUT"},
+        {screen::punte_druk, screen::punte_menu1, "DRUK PUNTELYS(TE)", "PRINT MARK LIST(S)"},
+        {screen::pboek_opstel, screen::punte_menu2, "PUNTEBOEK OPSTEL", "MARK BOOK SETUP"},
+        {screen::pboek_inlees, QString(), "PUNTEBOEK INLEES", "MARK BOOK INPUT"},
+        {screen::pboek_druk, screen::punte_menu2, "PUNTEBOEK DRUK", "MARK BOOK PRINT"},
+        {screen::simbole_druk, screen::punte_menu2, "SIMBOOLVERSPREIDING DRUK", "SYMBOL DISTRIBUTION PRINT"},
+        {screen::pboek_uitvoer, screen::punte_menu2, "PUNTEBOEK UITVOER", "MARK BOOK EXPORT"},
+    };
+    return list;
+}
+
+}  // namespace
+
+Desktop::Desktop(const QString& application_folder, std::function<bool()> another_copy_running)
+    : application_folder_(application_folder),
+      store_(std::make_unique<RecordStore>(run_)),
+      dialogs_(this),
+      ctx_{run_, *store_, dialogs_, *this, Clock{}},
+      frame_(ctx_),
+      another_copy_running_(std::move(another_copy_running)) {
+    setObjectName(screen::startup);
+    setWindowTitle(QStringLiteral("VELDO-TALLY"));
+    run_.dialogs = &dialogs_;
+    run_.drive_root = drive_root_from_environment();
+    order_ << screen::startup;
+}
+
+Desktop::~Desktop() {
+    for (QWidget* w : widgets_) delete w;
+}
+
+bool Desktop::start() {
+    frame_.load(application_folder_);
+    if (const QScreen* s = QGuiApplication::primaryScreen()) resize(s->availableGeometry().size());
+    QMainWindow::show();
+    watcher_ = std::make_unique<InactivityWatcher>(ctx_, [this](const QString& message, const QString& title,
+                                                                int duration_ms) {
+        order_ << screen::frmMessage;
+        show_closing_message(run_, this, message, title, duration_ms);
+        order_.removeAll(screen::frmMessage);
+    });
+    mouse_timer_.setInterval(100);
+    connect(&mouse_timer_, &QTimer::timeout, this, [this] { watcher_->tick(QCursor::pos()); });
+    mouse_timer_.start();
+
+    splash_ = std::make_unique<Splash>(ctx_, application_folder_, another_copy_running_,
+                                       [] { return QRandomGenerator::global()->generateDouble(); });
+    auto* widget = new SplashWidget(*splash_, centralWidget() ? centralWidget() : this);
+    widgets_.insert(screen::marks_splash, widget);
+    order_ << screen::marks_splash;
+    place(widget);
+    widget->show();
+    if (!splash_->load()) return false;
+    widget->refresh();
+    widget->start_timer();
+    return !ended_;
+}
+
+void Desktop::place(QWidget* w) {
+    w->move((width() - w->width()) / 2, std::max(0, (height() - w->height()) / 2 - 32));
+    w->raise();
+}
+
+QWidget* Desktop::make(const QString& name) {
+    if (name == screen::punte_mnu || name == screen::punte_menu1 || name == screen::punte_menu2) {
+        const MenuKind kind = name == screen::punte_mnu     ? MenuKind::Top
+                              : name == screen::punte_menu1 ? MenuKind::Marks1
+                                                            : MenuKind::Marks2;
+        auto menu = std::make_shared<MenuScreen>(ctx_, passwords_, kind);
+        if (!menu->load()) return nullptr;
+        logic_.insert(name, menu);
+        return new MenuWidget(*menu, this);
+    }
+    if (name == screen::sk0_floating) {
+        auto menu = std::make_shared<FloatingMenu>(ctx_);
+        logic_.insert(name, menu);
+        auto* w = new FloatingMenuWidget(*menu, this);
+        return w;
+    }
+    for (const PendingScreen& p : pending_screens())
+        if (p.name == name) return new PlaceholderScreen(name, run_.tr(p.afrikaans, p.english), p.menu, *this, this);
+    return nullptr;
+}
+
+void Desktop::show(const QString& name) {
+    QWidget* w = widgets_.value(name);
+    if (!w) {
+        w = make(name);
+        if (!w) return;
+        widgets_.insert(name, w);
+        order_ << name;
+    }
+    place(w);
+    w->show();
+    w->raise();
+    w->setFocus();
+}
+
+void Desktop::run_modal(const QString& name) {
+    if (name == screen::sk1_wagwoord) {
+        PasswordPromptDialog prompt(ctx_, this);
+        prompt.exec();
+        return;
+    }
+    if (name == screen::acrobat_interface) {
+        ManualViewer viewer(ctx_);
+        ManualViewerDialog::show_modal(viewer, run_.language_afrikaans, this);
+        return;
+    }
+    if (name == screen::MathCalc) {
+        MathCalc calc(*this);
+        CalculatorDialog dialog(calc, run_.language_afrikaans, this);
+        dialog.exec();
+        return;
+    }
+    if (name == screen::change_folder) {
+        ChangeFolder folder(ctx_);
+        folder.load();
+        if (!folder.is_loaded()) return;
+        // A refused folder leaves the screen open and empty until it is closed.
+        QDialog empty(this);
+        empty.setObjectName(name);
+        empty.setWindowTitle(folder.caption());
+        auto* layout = new QVBoxLayout(&empty);
+        auto* close = new QPushButton(QStringLiteral("EXIT"), &empty);
+        layout->addWidget(close);
+        connect(close, &QPushButton::clicked, &empty, &QDialog::accept);
+        empty.exec();
+        folder.unload();
+        return;
+    }
+}
+
+void Desktop::show_modal(const QString& name) {
+    order_ << name;
+    run_modal(name);
+    order_.removeAll(name);
+    for (QWidget* w : widgets_)
+        if (auto* menu = qobject_cast<MenuWidget*>(w)) menu->refresh();
+}
+
+void Desktop::unload(const QString& name) {
+    order_.removeAll(name);
+    if (QWidget* w = widgets_.take(name)) {
+        w->hide();
+        w->deleteLater();
+    }
+    logic_.remove(name);
+}
+
+bool Desktop::is_loaded(const QString& name) const { return order_.contains(name); }
+
+QStringList Desktop::loaded() const { return order_; }
+
+void Desktop::end_program() {
+    ended_ = true;
+    mouse_timer_.stop();
+    QCoreApplication::exit(0);
+}
+
+bool Desktop::start_process(const QString& program) { return QProcess::startDetached(program, {}); }
+
+bool Desktop::open_document(const QString& path) { return QDesktopServices::openUrl(QUrl::fromLocalFile(path)); }
+
+QStringList Desktop::process_environment() const { return QProcessEnvironment::systemEnvironment().toStringList(); }
+
+void Desktop::closeEvent(QCloseEvent* event) {
+    if (!ended_ && frame_.query_unload()) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+}
+
+void Desktop::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    for (QWidget* w : widgets_)
+        if (w->isVisible()) place(w);
+}
+
+void Desktop::paintEvent(QPaintEvent* event) {
+    Q_UNUSED(event);
+    // The family's backdrop: a gradient from the base colour.
+    QPainter p(this);
+    QLinearGradient g(0, 0, 0, height());
+    const QColor base(int(run_.backdrop_red ? run_.backdrop_red : 255), int(run_.backdrop_green ? run_.backdrop_green : 192),
+                      int(run_.backdrop_blue ? run_.backdrop_blue : 158));
+    g.setColorAt(0, base.lighter(130));
+    g.setColorAt(1, base);
+    p.fillRect(rect(), g);
+}
+
+}  // namespace veldo

@@ -1,0 +1,32 @@
+#pragma once
+// The screen `change_folder`: the user picks the data folder, and a pick
+// counts only when the folder holds `Exp_Mrk_control.txt`. The last accepted
+// folder is remembered in `user_info.txt` and its drive in `last_drive.txt`,
+// both in the program folder.
+
+#include <QString>
+
+namespace veldo {
+
+struct ShellContext;
+
+class ChangeFolder {
+public:
+    explicit ChangeFolder(ShellContext& ctx) : ctx_(ctx) {}
+
+    QString caption() const;  // "WYSIG DATA GIDS" / "CHANGE DATA FOLDER"
+    // Asks for the folder, starting on the remembered one. Unloads the screen
+    // on a cancel or an accepted folder; a refused folder leaves it open and
+    // empty until the user closes it.
+    void load();
+    // Closing counts as activity.
+    void unload();
+
+    bool is_loaded() const { return loaded_; }
+
+private:
+    ShellContext& ctx_;
+    bool loaded_ = false;
+};
+
+}  // namespace veldo

@@ -1,0 +1,72 @@
+// Choosing the data folder and the files that remember it.
+#include <gtest/gtest.h>
+
+#include "shell/change_folder.h"
+#include "tests/support/shell_fixture.h"
+
+namespace veldo {
+namespace {
+
+using testing::ShellFixture;
+using testing::read_bytes;
+using testing::write_bytes;
+
+struct ChangeFolderTest : ::testing::Test, ShellFixture {};
+
+TEST_F(ChangeFolderTest, AnAcceptedFolderIsRememberedWithTheOtherValuesKept) {
+    write_bytes(run.program_folder + "/user_info.txt", "\"/old/folder\"\r\n\"PS\"\r\n\"FE\"\r\n");
+    dialogs.folders << run.data_folder + "/";
+    ChangeFolder f(ctx);
+    f.load();
+    EXPECT_EQ(dialogs.prompts, QStringList{"CHANGE DATA FOLDER"});
+    EXPECT_EQ(run.data_folder, path("data"));  // the trailing separator goes
+    EXPECT_FALSE(f.is_loaded());
+    EXPECT_EQ(screens.unloaded, QStringList{"change_folder"});
+    EXPECT_EQ(read_bytes(run.program_folder + "/user_info.txt"),
+              ("\"" + path("data") + "\"\r\n\"PS\"\r\n\"FE\"\r\n").toUtf8());
+    EXPECT_EQ(read_bytes(run.program_folder + "/last_drive.txt"), ("\"" + dir.path() + "\"\r\n").toUtf8());
+    EXPECT_TRUE(dialogs.messages.isEmpty());
+}
+
+TEST_F(ChangeFolderTest, ACancelEmptiesTheDataFolderAndWritesNothing) {
+    ChangeFolder f(ctx);
+    f.load();
+    EXPECT_EQ(run.data_folder, "");
+    EXPECT_FALSE(f.is_loaded());
+    EXPECT_FALSE(QFileInfo::exists(run.program_folder + "/user_info.txt"));
+    EXPECT_FALSE(QFileInfo::exists(run.program_folder + "/last_drive.txt"));
+}
+
+TEST_F(ChangeFolderTest, AFolderWithOnlyTheOlderTableIsRefusedButStaysPicked) {
+    const QString old = path("old");
+    write_bytes(old + "/Exp_Control.dbf", "x");
+    dialogs.folders << old;
+    run.language_afrikaans = true;
+    ChangeFolder f(ctx);
+    f.load();
+    EXPECT_EQ(dialogs.texts(), QStringList{"Gekose gids (" + old + ") bevat nie punteleêrs nie ..."});
+    EXPECT_EQ(run.data_folder, old);
+    EXPECT_TRUE(f.is_loaded());
+    EXPECT_FALSE(QFileInfo::exists(run.program_folder + "/last_drive.txt"));
+    time = QTime(11, 0);
+    f.unload();
+    EXPECT_FLOAT_EQ(run.last_activity, 11 * 3600);
+}
+
+TEST_F(ChangeFolderTest, TheDialogStartsOnTheRememberedFolder) {
+    write_bytes(run.program_folder + "/user_info.txt", "\"  /skool/data  \"\r\n");
+    struct Recorder : testing::ScriptedDialogs {
+        QString start;
+        QString choose_folder(const QString&, const QString& s) override {
+            start = s;
+            return {};
+        }
+    } recorder;
+    ShellContext c{run, *store, recorder, screens, ctx.clock};
+    ChangeFolder f(c);
+    f.load();
+    EXPECT_EQ(recorder.start, "/skool/data");
+}
+
+}  // namespace
+}  // namespace veldo
