@@ -111,6 +111,12 @@ QWidget* Desktop::make(const QString& name) {
                                                             : MenuKind::Marks2;
         auto menu = std::make_shared<MenuScreen>(ctx_, passwords_, kind);
         if (!menu->load()) return nullptr;
+        // The top menu puts the program in the tray where the desktop has one.
+        if (kind == MenuKind::Top && !tray_ && QSystemTrayIcon::isSystemTrayAvailable()) {
+            tray_ = new QSystemTrayIcon(windowIcon(), this);
+            tray_->setToolTip(QStringLiteral("VELDO-TALLY"));
+            tray_->show();
+        }
         logic_.insert(name, menu);
         return new MenuWidget(*menu, this);
     }
@@ -183,6 +189,11 @@ void Desktop::show_modal(const QString& name) {
 }
 
 void Desktop::unload(const QString& name) {
+    if (name == screen::punte_mnu && tray_) {
+        tray_->hide();
+        tray_->deleteLater();
+        tray_ = nullptr;
+    }
     order_.removeAll(name);
     if (QWidget* w = widgets_.take(name)) {
         w->hide();

@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QMainWindow>
 #include <QPointer>
+#include <QSystemTrayIcon>
 #include <QTimer>
 #include <functional>
 #include <memory>
@@ -69,6 +70,7 @@ private:
     std::function<bool()> another_copy_running_;
     std::unique_ptr<InactivityWatcher> watcher_;
     QTimer mouse_timer_;
+    QSystemTrayIcon* tray_ = nullptr;
     QHash<QString, QWidget*> widgets_;
     QHash<QString, std::shared_ptr<void>> logic_;
     QStringList order_;
