@@ -21,23 +21,9 @@ MenuWidget::MenuWidget(MenuScreen& menu, QWidget* parent) : QWidget(parent), men
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(24, 16, 24, 12);
-    title_ = new QLabel(this);
-    title_->setObjectName("ops_stelsel");
-    title_->setAlignment(Qt::AlignCenter);
-    QFont big = title_->font();
-    big.setPointSize(16);
-    big.setBold(true);
-    title_->setFont(big);
-    school_ = new QLabel(this);
-    school_->setObjectName("ops_ops1");
-    school_->setAlignment(Qt::AlignCenter);
-    QFont mid = school_->font();
-    mid.setPointSize(12);
-    mid.setBold(true);
-    school_->setFont(mid);
-    folder_ = new QLabel(this);
-    folder_->setObjectName("dir_disp");
-    folder_->setAlignment(Qt::AlignCenter);
+    title_ = centred_label("ops_stelsel", 16, true);
+    school_ = centred_label("ops_ops1", 12, true);
+    folder_ = centred_label("dir_disp", 0, false);
     layout->addWidget(title_);
     layout->addWidget(school_);
     layout->addWidget(folder_);
@@ -122,6 +108,17 @@ MenuWidget::MenuWidget(MenuScreen& menu, QWidget* parent) : QWidget(parent), men
     clock_.start();
     setFixedSize(680, 250 + 60 * int(entries.size()));
     refresh();
+}
+
+QLabel* MenuWidget::centred_label(const char* name, int points, bool bold) {
+    auto* label = new QLabel(this);
+    label->setObjectName(name);
+    label->setAlignment(Qt::AlignCenter);
+    QFont f = label->font();
+    if (points > 0) f.setPointSize(points);
+    f.setBold(bold);
+    label->setFont(f);
+    return label;
 }
 
 QPushButton* MenuWidget::small_button(const QString& text, const char* name) {

@@ -29,6 +29,7 @@ protected:
 
 private:
     QPushButton* small_button(const QString& text, const char* name);
+    QLabel* centred_label(const char* name, int points, bool bold);
 
     MenuScreen& menu_;
     QLabel* title_;
