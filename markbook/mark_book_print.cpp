@@ -1,0 +1,79 @@
+#include "markbook/mark_book_print.h"
+
+#include "store/dbf_table.h"
+#include "util/text_helpers.h"
+
+namespace veldo {
+
+void fill_print_grid(TextGrid& grid, const MarkBookSetup& setup, DbfTable& marks, bool afrikaans,
+                     bool sort_by_column) {
+    int used_tasks = 0;
+    for (const SetupRow& r : setup.rows)
+        if (r.is_used()) ++used_tasks;
+    const QString letter = afrikaans ? "P" : "M";
+
+    grid.clear();
+    grid.set_fixed_cols(0);
+    grid.set_cols(std::max(marks.field_count() + 1, used_tasks + 2));
+    grid.set_rows(2);
+    grid.set_fixed_rows(1);
+
+    QString format = afrikaans ? "<NR|^  T.NR|<LEERDER" : "<NO|^  A.NO|<LEARNER";
+    int last_heading = 2;
+    for (int c = 3; c < grid.cols(); ++c) {
+        const int r = c - 2;
+        const bool named = r <= kSetupRows && setup.rows[r - 1].is_used();
+        format += named ? "|<" + letter + QString::number(r) : QStringLiteral("|");
+        if (named) {
+            grid.set_text(1, c, setup.rows[r - 1].total.trimmed());
+            last_heading = c;
+        }
+    }
+    grid.set_format_string(format);
+    for (int c = 0; c < grid.cols(); ++c) {
+        const int r = c - 2;
+        int width = kPrintMarkWidth;
+        if (c == 0) width = kPrintNumberWidth;
+        if (c == 1) width = kPrintLearnerNumberWidth;
+        if (c == 2) width = kPrintLearnerWidth;
+        if (c > last_heading || (c >= 3 && (r > kSetupRows || !setup.rows[r - 1].is_used()))) width = 0;
+        grid.set_col_width(c, width);
+    }
+
+    int number = 0;
+    for (marks.MoveFirst(); !marks.Eof(); marks.MoveNext()) {
+        const int row = grid.rows();
+        grid.set_rows(row + 1);
+        grid.set_text(row, 0, QString::number(++number));
+        for (int f = 0; f < marks.field_count() && f + 1 < grid.cols(); ++f)
+            grid.set_text(row, f + 1, toets_null_text(marks.value(f)));
+    }
+    marks.MoveFirst();
+    if (sort_by_column) {
+        grid.set_col(2);
+        grid.sort(2, GridSort::NumericDescending);
+    }
+}
+
+QStringList mark_book_legend(const TextGrid& grid, const MarkBookSetup& setup, bool afrikaans, int line_width,
+                             int first_column, int last_column) {
+    const QString letter = afrikaans ? "P" : "M";
+    const int last = last_column < 0 ? grid.cols() - 1 : last_column;
+    const int quarter = std::max(1, line_width / 4);
+    QStringList lines;
+    QString line;
+    int items = 0;
+    for (int c = first_column; c <= last; ++c) {
+        const int r = c - 2;
+        if (r < 1 || r > kSetupRows || !setup.rows[r - 1].is_used()) continue;
+        line += left_justified(letter + QString::number(r) + " " + setup.rows[r - 1].name, quarter);
+        if (++items % 4 == 0) {
+            lines << line;
+            line.clear();
+        }
+    }
+    if (!line.isEmpty()) lines << line;
+    return lines;
+}
+
+}  // namespace veldo

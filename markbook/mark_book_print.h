@@ -1,0 +1,36 @@
+#pragma once
+// The mark book as a report grid: learners down, the named setup rows
+// across, headed "P7" (Afrikaans) or "M7" (English) for setup row 7, with
+// the rows' totals under the headings.
+
+#include <QString>
+#include <QStringList>
+
+#include "markbook/setup_model.h"
+#include "util/text_grid.h"
+
+namespace veldo {
+
+class DbfTable;
+
+// Widths of the grid's columns in twips.
+constexpr int kPrintNumberWidth = 500;
+constexpr int kPrintLearnerNumberWidth = 1000;
+constexpr int kPrintLearnerWidth = 2500;
+constexpr int kPrintMarkWidth = 700;
+
+// Fills `grid` from the setup and the marks table: the heading row, the
+// totals row, then one row per record with its running number and every
+// field. A row without a name gets no heading and no width, and neither do
+// the columns behind the last heading. With `sort_by_column` the rows are
+// sorted numerically, descending, on column 2.
+void fill_print_grid(TextGrid& grid, const MarkBookSetup& setup, DbfTable& marks, bool afrikaans,
+                     bool sort_by_column = false);
+
+// The legend under the table: "P7 KLASWERK" for each named row from
+// `first_column` to `last_column` of the grid, four to a line, each
+// left-justified to a quarter of `line_width` characters.
+QStringList mark_book_legend(const TextGrid& grid, const MarkBookSetup& setup, bool afrikaans, int line_width,
+                             int first_column = 3, int last_column = -1);
+
+}  // namespace veldo
