@@ -76,4 +76,27 @@ QStringList mark_book_legend(const TextGrid& grid, const MarkBookSetup& setup, b
     return lines;
 }
 
+void fill_setup_grid(TextGrid& grid, const MarkBookSetup& setup, bool afrikaans) {
+    grid.clear();
+    grid.set_cols(6);
+    grid.set_rows(kSetupRows + 1);
+    grid.set_fixed_rows(1);
+    grid.set_fixed_cols(1);
+    grid.set_format_string(afrikaans ? "NR.|< TAAK/PROJEK             |^ TOTAAL |^ VERWERK NA |^ UIT TOT |< SIKLUSNAAM "
+                                     : "NO.|< TASK/PROJECT            |^ TOTAL  |^   RESULT   |^ OUT  OF |< CYCLE NAME ");
+    for (int r = 1; r <= kSetupRows; ++r) {
+        const SetupRow& row = setup.rows[r - 1];
+        grid.set_text(r, 0, QString::number(r));
+        grid.set_text(r, 1, row.name);
+        grid.set_text(r, 2, row.total);
+        grid.set_text(r, 3, row.target);
+        grid.set_text(r, 4, row.out_of);
+        grid.set_text(r, 5, row.cycle);
+        grid.set_cell_back_colour(r, 1, setup.is_total_row(r) ? 0xC0FFFF : 0xFFFFFF);
+    }
+    grid.set_col_width(1, 4500);
+}
+
+QString setup_print_title(bool afrikaans) { return afrikaans ? "PUNTEBOEK OPSTELLING" : "MARK BOOK SETUP"; }
+
 }  // namespace veldo

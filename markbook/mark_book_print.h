@@ -33,4 +33,11 @@ void fill_print_grid(TextGrid& grid, const MarkBookSetup& setup, DbfTable& marks
 QStringList mark_book_legend(const TextGrid& grid, const MarkBookSetup& setup, bool afrikaans, int line_width,
                              int first_column = 3, int last_column = -1);
 
+// The setup grid of the setup screen, as it prints: the heading row of the
+// five columns, then rows 1 to 40 with their number and fields; the name of
+// a total row is pale yellow (0xC0FFFF), the others white. Column 1 is 4500
+// wide for the print.
+void fill_setup_grid(TextGrid& grid, const MarkBookSetup& setup, bool afrikaans);
+QString setup_print_title(bool afrikaans);  // "PUNTEBOEK OPSTELLING" / "MARK BOOK SETUP"
+
 }  // namespace veldo

@@ -73,5 +73,22 @@ TEST_F(MarkBookPrint, TheLegendPutsFourNamesToALine) {
     EXPECT_EQ(legend[1], "P5 TAAK 5           ");
 }
 
+TEST(SetupGridPrint, HoldsTheFortyRowsWithTotalsInPaleYellow) {
+    MarkBookSetup setup;
+    apply_example_book(setup, false);
+    TextGrid grid;
+    fill_setup_grid(grid, setup, false);
+    EXPECT_EQ(grid.rows(), 41);
+    EXPECT_EQ(grid.row_texts(0), (QStringList{"NO.", " TASK/PROJECT            ", " TOTAL  ", "   RESULT   ",
+                                              " OUT  OF ", " CYCLE NAME "}));
+    EXPECT_EQ(grid.column_alignment(2), GridAlign::Centre);
+    EXPECT_EQ(grid.row_texts(5), (QStringList{"5", "CLASS WORK", "40", "11", "40", ""}));
+    EXPECT_EQ(grid.cell_back_colour(5, 1), 0xC0FFFF);
+    EXPECT_EQ(grid.cell_back_colour(1, 1), 0xFFFFFF);
+    EXPECT_EQ(grid.row_texts(40), (QStringList{"40", "", "", "", "", ""}));
+    EXPECT_EQ(grid.col_width(1), 4500);
+    EXPECT_EQ(setup_print_title(true), "PUNTEBOEK OPSTELLING");
+}
+
 }  // namespace
 }  // namespace veldo
