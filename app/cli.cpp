@@ -8,6 +8,11 @@
 #include <functional>
 
 #include "app/cli_dialogs.h"
+#include "markbook/mark_book_print.h"
+#include "markbook/setup_file.h"
+#include "reports/qt_print_surface.h"
+#include "reports/worksheet.h"
+#include "store/table_layouts.h"
 #include "exchange/export_marks.h"
 #include "exchange/symbol_distribution.h"
 #include "markbook/marks_table.h"
@@ -164,7 +169,7 @@ int cmd_symbols(Context& c) {
 
 int cmd_dump(Context& c) {
     DbfError error;
-    auto table = DbfTable::open(QFileInfo(c.positional.first()).absoluteFilePath(), &error);
+    auto table = DbfTable::open(QDir(c.invocation_folder).absoluteFilePath(c.positional.first()), &error);
     if (!table) {
         print_error(dbf_error_message(error, c.run.language_afrikaans));
         return 1;
@@ -183,6 +188,76 @@ int cmd_dump(Context& c) {
         c.out << cells.join('\t') << "\n";
     }
     return 0;
+}
+
+// A print as the screens do it after the output choice: to a PDF file as
+// if the user pressed PRINT, or to a workbook as if he chose Excel.
+int cmd_print(Context& c) {
+    const QString what = c.positional.value(0);
+    if (what != "markbook" && what != "symbols" && what != "setup") {
+        print_error("veldo-tally: print takes markbook, symbols or setup\n\n" + usage_text());
+        return 2;
+    }
+    const bool to_pdf = c.options.contains("pdf");
+    if (to_pdf == c.options.contains("xlsx")) {
+        print_error("veldo-tally: print needs one of --pdf FILE and --xlsx FILE\n\n" + usage_text());
+        return 2;
+    }
+    int series = 0;
+    QStringList row;
+    if (!chosen_series(c, &series, &row)) return 1;
+    const QString target =
+        QDir::cleanPath(QDir(c.invocation_folder).absoluteFilePath(c.options.value(to_pdf ? "pdf" : "xlsx")));
+
+    PrintJob job;
+    if (!to_pdf) install_worksheet_hooks(job, c.run);
+    QtPrintSurface surface(to_pdf ? target : QDir::temp().filePath("veldo-tally-unused.pdf"));
+    ReportRun r{surface, job, c.run, [&](PrintJob& j) {
+                    if (to_pdf) {
+                        j.print_chosen = true;
+                        return;
+                    }
+                    const QFileInfo file(target);
+                    j.print_chosen = false;
+                    j.output_to_excel = true;
+                    j.export_folder = file.absolutePath() + "/";
+                    j.export_stem = file.completeBaseName();
+                }};
+
+    if (what == "symbols") {
+        TextGrid grid;
+        if (!build_symbol_distribution(c.store, row, series, grid)) return 1;
+        print_symbol_distribution(r, grid, row);
+        return c.dialogs.refused ? 1 : 0;
+    }
+    const auto key = find_setup_key(c.run.data_folder, series_key(row), SetupSearch::Readers);
+    if (!key) {
+        print_error(no_setup_message(c.run, 1));
+        return 1;
+    }
+    const MarkBookSetup setup =
+        read_setup_file(QDir(c.run.data_folder).filePath(setup_file_name(*key))).value_or(MarkBookSetup());
+    if (what == "setup") {
+        print_setup(r, setup);
+        return c.dialogs.refused ? 1 : 0;
+    }
+    const QString marks_path = find_ignoring_case(c.run.data_folder, marks_table_name(series));
+    if (marks_path.isEmpty()) {
+        print_error(no_mark_book_message(c.run));
+        return 1;
+    }
+    DbfError error;
+    auto marks = DbfTable::open(marks_path, &error);
+    if (!marks) {
+        print_error(dbf_error_message(error, c.run.language_afrikaans));
+        return 1;
+    }
+    if (marks->field_count() < kMarkBookFieldCount) {
+        print_error(old_export_message(c.run));
+        return 1;
+    }
+    print_mark_book(r, setup, *marks, distribution_title(row));
+    return c.dialogs.refused ? 1 : 0;
 }
 
 const QList<Command>& commands() {
@@ -204,6 +279,9 @@ const QList<Command>& commands() {
          0, cmd_export},
         {"symbols", "symbols --data DIR --series N", "print the symbol distribution of mark book N",
          {"data", "series"}, 0, cmd_symbols},
+        {"print", "print markbook|symbols|setup --data DIR --series N (--pdf FILE | --xlsx FILE)",
+         "print mark book N, its symbol distribution or its setup to a PDF file or a workbook",
+         {"data", "series", "pdf", "xlsx"}, 1, cmd_print},
     };
     return list;
 }
@@ -251,14 +329,13 @@ int run_command_line(const QStringList& arguments, const QString& application_fo
     }
     if (c.positional.size() != command->positional) return usage_error("wrong arguments for " + command->word);
     for (const QString& required : command->options)
-        if (required != "to" && !c.options.contains(required))
+        if (required != "to" && required != "pdf" && required != "xlsx" && !c.options.contains(required))
             return usage_error(command->word + " needs --" + required);
     if (c.options.contains("lang") && c.options["lang"] != "af" && c.options["lang"] != "en")
         return usage_error("--lang takes af or en");
     // Folders given on the command line are taken from where the user stands,
     // before the start moves the current folder to the program folder.
     if (c.options.contains("data")) c.run.data_folder = QDir::cleanPath(QDir::current().absoluteFilePath(c.options["data"]));
-    for (QString& p : c.positional) p = QDir::current().absoluteFilePath(p);
 
     try {
         run_startup(c.run, c.store, application_folder);

@@ -1,5 +1,7 @@
 #include <QApplication>
 #include <QCoreApplication>
+#include <QGuiApplication>
+#include <string_view>
 #include <QDir>
 #include <QLockFile>
 #include <QStandardPaths>
@@ -30,6 +32,15 @@ int run_desktop(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     if (argc <= 1) return run_desktop(argc, argv);
+    if (std::string_view(argv[1]) == "print") {
+        // Prints measure and draw text: that needs the GUI library, never a
+        // display.
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+        QGuiApplication app(argc, argv);
+        QStringList arguments = QCoreApplication::arguments();
+        arguments.removeFirst();
+        return veldo::run_command_line(arguments, QCoreApplication::applicationDirPath());
+    }
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName("VELDO-TALLY");
     QStringList arguments = QCoreApplication::arguments();

@@ -116,4 +116,15 @@ bool build_symbol_distribution(RecordStore& store, const QStringList& row, int s
     return true;
 }
 
+bool print_symbol_distribution(ReportRun& r, TextGrid& grid, const QStringList& series_row) {
+    const QString title = r.run.tr("SIMBOLE ", "SYMBOLS ") + distribution_title(series_row);
+    if (!ask_output_target(r.surface, r.job, r.run, QString(), r.ask)) return false;
+    r.job.new_print_job = true;
+    GridReportOptions options;
+    options.rows_per_block = 9999;
+    print_grid_pages(r, grid, title, kLandscape, options);
+    end_of_print(r.surface, r.job, r.run);
+    return true;
+}
+
 }  // namespace veldo

@@ -5,6 +5,7 @@
 
 #include <QStringList>
 
+#include "reports/report_run.h"
 #include "util/text_grid.h"
 
 namespace veldo {
@@ -20,5 +21,9 @@ QString distribution_title(const QStringList& series_row);
 // when the marks table or the setup file is missing or the table is an old
 // export.
 bool build_symbol_distribution(RecordStore& store, const QStringList& series_row, int series, TextGrid& grid);
+
+// Prints a built distribution grid: "SIMBOLE "/"SYMBOLS " and the series'
+// title, in landscape. False when the user cancelled the output choice.
+bool print_symbol_distribution(ReportRun& r, TextGrid& grid, const QStringList& series_row);
 
 }  // namespace veldo

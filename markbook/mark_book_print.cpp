@@ -1,6 +1,8 @@
 #include "markbook/mark_book_print.h"
 
+#include "reports/grid_report.h"
 #include "store/dbf_table.h"
+#include "store/run_state.h"
 #include "util/text_helpers.h"
 
 namespace veldo {
@@ -98,5 +100,68 @@ void fill_setup_grid(TextGrid& grid, const MarkBookSetup& setup, bool afrikaans)
 }
 
 QString setup_print_title(bool afrikaans) { return afrikaans ? "PUNTEBOEK OPSTELLING" : "MARK BOOK SETUP"; }
+
+namespace {
+
+void set_widths(TextGrid& grid, int from, int to, int width) {
+    for (int c = from; c <= to && c < grid.cols(); ++c) grid.set_col_width(c, width);
+}
+
+}  // namespace
+
+bool print_mark_book(ReportRun& r, const MarkBookSetup& setup, DbfTable& marks, const QString& title) {
+    const bool af = r.run.language_afrikaans;
+    r.job.export_stem = (af ? "PUNTEBOEK " : "MARK BOOK ") + title;
+    TextGrid grid;
+    fill_print_grid(grid, setup, marks, af);
+    QList<int> widths;
+    for (int c = 0; c < grid.cols(); ++c) widths << grid.col_width(c);
+    int used_tasks = 0;
+    for (const SetupRow& row : setup.rows)
+        if (row.is_used()) ++used_tasks;
+
+    if (!ask_output_target(r.surface, r.job, r.run, QString(), r.ask)) return false;
+    r.job.new_print_job = true;
+    // The first block holds at most 20 mark columns.
+    set_widths(grid, 23, grid.cols() - 1, 0);
+    GridReportOptions options;
+    options.left_offset = grid_width_in_columns(r.surface, grid, 120);
+    print_grid_pages(r, grid, title, kLandscape, options);
+
+    auto legend = [&](int first, int last) {
+        r.surface.set_CurrentY(r.surface.CurrentY() + 2);
+        r.surface.set_CurrentX(0);
+        for (const QString& line : mark_book_legend(grid, setup, af, r.job.line_width, first, last))
+            r.surface.print_text(line);
+    };
+    legend(3, std::min(22, grid.cols() - 1));
+
+    if (used_tasks > 20) {
+        r.surface.NewPage();
+        r.job.new_print_job = true;
+        // The second block: the columns past 20 come out (those without a
+        // heading keep no width), the learner and the first 20 go. They keep
+        // the width of a mark column, so that "100.0" shows whole.
+        for (int c = 23; c < grid.cols(); ++c) grid.set_col_width(c, widths.value(c));
+        set_widths(grid, 2, 22, 0);
+        print_grid_pages(r, grid, title, kLandscape, options);
+        legend(23, grid.cols() - 1);
+    }
+    for (int c = 2; c < grid.cols(); ++c) grid.set_col_width(c, widths.value(c));
+    r.surface.set_CurrentY(r.surface.CurrentY() + 2);
+    end_of_print(r.surface, r.job, r.run);
+    return true;
+}
+
+bool print_setup(ReportRun& r, const MarkBookSetup& setup) {
+    TextGrid grid;
+    fill_setup_grid(grid, setup, r.run.language_afrikaans);
+    const QString title = setup_print_title(r.run.language_afrikaans);
+    if (!ask_output_target(r.surface, r.job, r.run, title, r.ask)) return false;
+    r.job.new_print_job = true;
+    print_grid_pages(r, grid, title, kPortrait, GridReportOptions{}, true);
+    end_of_print(r.surface, r.job, r.run);
+    return true;
+}
 
 }  // namespace veldo

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include "markbook/setup_model.h"
+#include "reports/report_run.h"
 #include "util/text_grid.h"
 
 namespace veldo {
@@ -14,10 +15,11 @@ namespace veldo {
 class DbfTable;
 
 // Widths of the grid's columns in twips.
-constexpr int kPrintNumberWidth = 500;
-constexpr int kPrintLearnerNumberWidth = 1000;
+// Twenty mark columns and the learner fit across an A4 page in landscape.
+constexpr int kPrintNumberWidth = 300;
+constexpr int kPrintLearnerNumberWidth = 600;
 constexpr int kPrintLearnerWidth = 2500;
-constexpr int kPrintMarkWidth = 700;
+constexpr int kPrintMarkWidth = 550;
 
 // Fills `grid` from the setup and the marks table: the heading row, the
 // totals row, then one row per record with its running number and every
@@ -39,5 +41,13 @@ QStringList mark_book_legend(const TextGrid& grid, const MarkBookSetup& setup, b
 // wide for the print.
 void fill_setup_grid(TextGrid& grid, const MarkBookSetup& setup, bool afrikaans);
 QString setup_print_title(bool afrikaans);  // "PUNTEBOEK OPSTELLING" / "MARK BOOK SETUP"
+
+// The print of the mark book screen: the grid in landscape, at most 20 mark
+// columns to a block, the legend, and a second block for the columns past
+// 20. False when the user cancelled the output choice.
+bool print_mark_book(ReportRun& r, const MarkBookSetup& setup, DbfTable& marks, const QString& title);
+
+// The print of the setup screen's grid.
+bool print_setup(ReportRun& r, const MarkBookSetup& setup);
 
 }  // namespace veldo

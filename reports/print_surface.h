@@ -28,6 +28,13 @@ public:
     virtual void set_orientation(PageOrientation o) = 0;
     virtual int Page() const = 0;  // 1 on the first page
     virtual QString DeviceName() const = 0;
+    // ScaleMode 4 again: the character scale of the current font, with the
+    // lines stretched by `vertical_zoom` (ScaleHeight = ScaleHeight x zoom).
+    virtual void set_character_scale(float vertical_zoom = 1.0f) = 0;
+    // ScaleX/ScaleY between the two axes of the current scale: a horizontal
+    // distance in columns as lines, and back. Rotated text needs them.
+    virtual float columns_to_lines(float columns) const = 0;
+    virtual float lines_to_columns(float lines) const = 0;
 
     // --- position ---
     virtual float CurrentX() const = 0;

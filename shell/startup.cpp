@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSysInfo>
 
 #include "store/record_store.h"
 #include "util/file_lookup.h"
@@ -173,6 +174,7 @@ void read_school_name(RunState& run, RecordStore& store) {
 
 void run_startup(RunState& run, RecordStore& store, const QString& application_folder) {
     run.timeout_seconds = read_timeout_seconds(application_folder);
+    run.os_product_name = QSysInfo::prettyProductName().trimmed();
     refresh_machine_paths(run, application_folder);
     run.start_folder = run.program_folder;
     QDir::setCurrent(run.program_folder);

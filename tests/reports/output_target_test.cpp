@@ -1,0 +1,306 @@
+#include "reports/output_target.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFileInfo>
+
+#include "reports/page_engine.h"
+#include "tests/support/temp_drive.h"
+
+namespace veldo {
+namespace {
+
+using testing::read_bytes;
+using testing::ScriptedDialogs;
+using testing::TempDrive;
+using testing::write_bytes;
+
+// Also keeps where each save dialog started.
+struct StartRecordingDialogs : ScriptedDialogs {
+    QString choose_save_file(const QString& title, const QString& start, const QString& filter) override {
+        starts << start;
+        filters << filter;
+        return ScriptedDialogs::choose_save_file(title, start, filter);
+    }
+    QStringList starts, filters;
+};
+
+class OutputTargetTest : public ::testing::Test {
+protected:
+    TempDrive drive;
+    StartRecordingDialogs dialogs;
+    OutputChoice choice;
+    QString asked_from;
+    QString next_printer;
+    OutputTarget target{drive.run, choice, [this](const QString& current) {
+                            asked_from = current;
+                            return next_printer;
+                        }};
+
+    void SetUp() override {
+        drive.run.dialogs = &dialogs;
+        drive.run.program_folder = drive.path("prog");
+        QDir().mkpath(drive.run.program_folder);
+        QDir().mkpath(drive.path("uitvoer"));
+        choice.printer_name = "HP LaserJet";
+    }
+    QString colour_file() const { return drive.path("kleur_drukker.txt"); }
+    QString excel_gids() const { return drive.run.family_folder + "/excel_uitvoer_gids"; }
+    QString html_gids() const { return drive.run.family_folder + "/html_uitvoer_gids"; }
+    // Files anywhere under the temporary drive, by relative path.
+    QStringList all_files() const {
+        QStringList out;
+        QDir root(drive.dir.path());
+        std::function<void(const QString&)> walk = [&](const QString& rel) {
+            QDir d(root.filePath(rel));
+            for (const QString& f : d.entryList(QDir::Files | QDir::Hidden)) out << (rel.isEmpty() ? f : rel + "/" + f);
+            for (const QString& s : d.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+                walk(rel.isEmpty() ? s : rel + "/" + s);
+        };
+        walk("");
+        out.sort();
+        return out;
+    }
+};
+
+// ---- opening ------------------------------------------------------------------------
+
+TEST_F(OutputTargetTest, LoadClearsTheFileTargetsAndReadsTheColourSwitch) {
+    write_bytes(colour_file(), "-1\r\n");
+    choice.output_to_excel = true;
+    choice.output_to_html = true;
+    target.load();
+    EXPECT_FALSE(choice.output_to_excel);
+    EXPECT_FALSE(choice.output_to_html);
+    EXPECT_EQ(choice.print_colour, -1);
+    EXPECT_TRUE(target.colour_pressed());
+    EXPECT_FALSE(target.closed());
+}
+
+TEST_F(OutputTargetTest, LoadWithoutTheSwitchIsBlack) {
+    choice.print_colour = -1;
+    target.load();
+    EXPECT_EQ(choice.print_colour, 0);
+    EXPECT_FALSE(target.colour_pressed());
+}
+
+TEST_F(OutputTargetTest, AnUnreadableSwitchIsBlack) {
+    write_bytes(colour_file(), "\"kleur\"\r\n");
+    target.load();
+    EXPECT_EQ(choice.print_colour, 0);
+    write_bytes(colour_file(), "");
+    target.load();
+    EXPECT_EQ(choice.print_colour, 0);
+}
+
+TEST_F(OutputTargetTest, TheSwitchIsFoundInAnyCase) {
+    write_bytes(drive.path("Kleur_Drukker.TXT"), "1\r\n");
+    target.load();
+    EXPECT_EQ(choice.print_colour, 1);
+}
+
+// ---- print, cancel, printer, colour ---------------------------------------------------
+
+TEST_F(OutputTargetTest, PrintChoosesThePrinterAndWritesTheColourSwitch) {
+    target.load();
+    target.kies_kleur();
+    target.druk_ok();
+    EXPECT_TRUE(choice.print_chosen);
+    EXPECT_TRUE(target.closed());
+    EXPECT_EQ(read_bytes(colour_file()), QByteArray("-1\r\n"));
+
+    target.load();
+    target.kies_mono();
+    target.druk_ok();
+    EXPECT_EQ(read_bytes(colour_file()), QByteArray("0\r\n"));
+}
+
+TEST_F(OutputTargetTest, CancelClearsThePrint) {
+    choice.print_chosen = true;
+    target.load();
+    target.druk_stop();
+    EXPECT_FALSE(choice.print_chosen);
+    EXPECT_TRUE(target.closed());
+    EXPECT_FALSE(QFileInfo::exists(colour_file()));
+}
+
+TEST_F(OutputTargetTest, ColourAndBlackSwapTheirLook) {
+    target.load();
+    target.kies_kleur();
+    EXPECT_NE(choice.print_colour, 0);
+    EXPECT_TRUE(target.colour_pressed());
+    target.kies_mono();
+    EXPECT_EQ(choice.print_colour, 0);
+    EXPECT_FALSE(target.colour_pressed());
+    EXPECT_FALSE(target.closed());
+}
+
+TEST_F(OutputTargetTest, SelectKeepsTheNewPrinter) {
+    target.load();
+    next_printer = "Brother HL";
+    target.druk_wysig();
+    EXPECT_EQ(asked_from, "HP LaserJet");
+    EXPECT_EQ(choice.printer_name, "Brother HL");
+    EXPECT_EQ(target.druk_ok_tooltip(), " Print to Brother HL");
+    next_printer.clear();  // cancelled
+    target.drukker_naam_dblclick();
+    EXPECT_EQ(choice.printer_name, "Brother HL");
+    EXPECT_FALSE(target.closed());
+}
+
+TEST_F(OutputTargetTest, CaptionsInEnglish) {
+    EXPECT_EQ(target.druk_ok_caption(), "PRINT");
+    EXPECT_EQ(target.druk_ok_tooltip(), " Print to HP LaserJet");
+    EXPECT_EQ(target.druk_stop_caption(), "CANCEL");
+    EXPECT_EQ(target.druk_stop_tooltip(), " Cancel printing ");
+    EXPECT_EQ(target.druk_wysig_caption(), "SELECT");
+    EXPECT_EQ(target.druk_wysig_tooltip(), " Select a different printer ");
+    EXPECT_EQ(target.kies_kleur_caption(), "COLOUR");
+    EXPECT_EQ(target.kies_kleur_tooltip(), " Do printing in colour ");
+    EXPECT_EQ(target.kies_mono_tooltip(), " Do printing in black ");
+    EXPECT_EQ(target.kies_mono_caption(), "BLACK");
+    EXPECT_EQ(target.excel_folder_title(), "FOLDER ADDRESS FOR EXCEL EXPORT");
+    EXPECT_EQ(target.html_folder_title(), "FOLDER ADDRESS FOR HTML EXPORT");
+}
+
+TEST_F(OutputTargetTest, CaptionsInAfrikaans) {
+    drive.run.language_afrikaans = true;
+    EXPECT_EQ(target.druk_ok_caption(), "DRUK");
+    EXPECT_EQ(target.druk_ok_tooltip(), " Druk na HP LaserJet");
+    EXPECT_EQ(target.druk_stop_caption(), "KANSELLEER");
+    EXPECT_EQ(target.druk_stop_tooltip(), " Kanselleer drukwerk ");
+    EXPECT_EQ(target.druk_wysig_caption(), "VERANDER");
+    EXPECT_EQ(target.druk_wysig_tooltip(), " Kies 'n ander drukker ");
+    EXPECT_EQ(target.kies_kleur_caption(), "KLEUR");
+    EXPECT_EQ(target.kies_kleur_tooltip(), " Doen drukwerk in kleur ");
+    EXPECT_EQ(target.kies_mono_tooltip(), " Doen drukwerk in swart ");
+    EXPECT_EQ(target.kies_mono_caption(), "SWART");
+    EXPECT_EQ(target.excel_folder_title(), "GIDSADRES VIR EXCEL-UITVOER");
+    EXPECT_EQ(target.excel_file_title(), "EXCEL UITVOER LE\u00eaRNAAM");
+    EXPECT_EQ(target.html_folder_title(), "GIDSADRES VIR HTML-UITVOER");
+    EXPECT_EQ(target.html_file_title(), "HTML UITVOER LE\u00eaRNAAM");
+}
+
+// ---- Excel ----------------------------------------------------------------------------
+
+TEST_F(OutputTargetTest, ExcelOkSetsTheFileAndRemembersTheFolder) {
+    choice.export_stem = "PUNTE GR8/A";
+    choice.print_chosen = true;
+    target.load();
+    dialogs.files.enqueue(drive.path("uitvoer") + "/Punte 8A.xlsx");
+    target.kies_excel();
+    EXPECT_EQ(dialogs.prompts, QStringList{"EXCEL EXPORT FILE NAME"});
+    EXPECT_EQ(dialogs.filters, QStringList{""});
+    EXPECT_EQ(dialogs.starts, QStringList{drive.run.program_folder + "/PUNTE GR8A"});
+    EXPECT_TRUE(choice.output_to_excel);
+    EXPECT_FALSE(choice.print_chosen);
+    EXPECT_NE(choice.print_colour, 0);
+    EXPECT_EQ(choice.print_job_title, "REPORTING TO EXCEL");
+    EXPECT_EQ(choice.export_folder, drive.path("uitvoer") + "/");
+    EXPECT_EQ(choice.export_stem, "Punte 8A");
+    EXPECT_TRUE(target.closed());
+    EXPECT_EQ(read_bytes(excel_gids()), ("\"" + drive.path("uitvoer") + "\"\r\n").toUtf8());
+    // Only the remembered folder was written: the workbook comes at the end of the job.
+    EXPECT_EQ(all_files(), QStringList{"ProgramData/KESTRALIN/excel_uitvoer_gids"});
+}
+
+TEST_F(OutputTargetTest, ExcelStartsFromTheRememberedFolder) {
+    write_bytes(excel_gids(), ("\"" + drive.path("uitvoer") + "\"\r\n").toUtf8());
+    choice.export_stem = "lys";
+    target.load();
+    dialogs.files.enqueue(drive.path("uitvoer") + "/lys");
+    target.kies_excel();
+    EXPECT_EQ(dialogs.starts, QStringList{drive.path("uitvoer") + "/lys"});
+    EXPECT_EQ(choice.export_stem, "lys");
+}
+
+TEST_F(OutputTargetTest, ARememberedFolderThatIsGoneIsPassedOver) {
+    write_bytes(excel_gids(), ("\"" + drive.path("weg") + "\"\r\n").toUtf8());
+    target.load();
+    target.kies_excel();  // cancelled
+    EXPECT_EQ(dialogs.starts, QStringList{drive.run.program_folder});
+}
+
+TEST_F(OutputTargetTest, ExcelCancelKeepsTheDialogOpen) {
+    drive.run.language_afrikaans = true;
+    target.load();
+    target.kies_excel();
+    EXPECT_EQ(dialogs.prompts, QStringList{"EXCEL UITVOER LE\u00eaRNAAM"});
+    EXPECT_EQ(choice.print_job_title, "DRUKWERK NA EXCEL");
+    EXPECT_FALSE(choice.output_to_excel);
+    EXPECT_FALSE(choice.print_chosen);
+    EXPECT_FALSE(target.closed());
+    EXPECT_FALSE(QFileInfo::exists(excel_gids()));
+}
+
+TEST_F(OutputTargetTest, AnOldExtensionIsDropped) {
+    target.load();
+    dialogs.files.enqueue(drive.path("uitvoer") + "/ou lys.XLS");
+    target.kies_excel();
+    EXPECT_EQ(choice.export_stem, "ou lys");
+}
+
+// ---- HTML ------------------------------------------------------------------------------
+
+TEST_F(OutputTargetTest, HtmlRecordsItsTargetAndNothingElse) {
+    choice.print_chosen = true;
+    target.load();
+    dialogs.files.enqueue(drive.path("uitvoer") + "/lys.htm");
+    target.kies_html();
+    EXPECT_EQ(dialogs.prompts, QStringList{"HTML EXPORT FILE NAME"});
+    EXPECT_EQ(choice.html_folder, drive.path("uitvoer") + "/");
+    EXPECT_EQ(choice.html_file_name, "lys.htm");
+    EXPECT_TRUE(choice.output_to_html);
+    EXPECT_FALSE(choice.print_chosen);
+    EXPECT_FALSE(choice.output_to_excel);
+    EXPECT_TRUE(target.closed());
+    EXPECT_EQ(read_bytes(html_gids()), ("\"" + drive.path("uitvoer") + "\"\r\n").toUtf8());
+    EXPECT_EQ(all_files(), QStringList{"ProgramData/KESTRALIN/html_uitvoer_gids"});
+
+    // The page engine goes no further with such a choice.
+    PrintJob job;
+    apply_output_choice(choice, job);
+    EXPECT_FALSE(job.print_chosen);
+    EXPECT_FALSE(job.output_to_excel);
+}
+
+TEST_F(OutputTargetTest, HtmlCancelKeepsTheDialogOpen) {
+    drive.run.language_afrikaans = true;
+    target.load();
+    target.kies_html();
+    EXPECT_EQ(dialogs.prompts, QStringList{"HTML UITVOER LE\u00eaRNAAM"});
+    EXPECT_FALSE(choice.output_to_html);
+    EXPECT_FALSE(target.closed());
+    EXPECT_FALSE(QFileInfo::exists(html_gids()));
+}
+
+TEST_F(OutputTargetTest, HtmlStartsFromItsOwnRememberedFolder) {
+    QDir().mkpath(drive.path("web"));
+    write_bytes(html_gids(), ("\"" + drive.path("web") + "\"\r\n").toUtf8());
+    write_bytes(excel_gids(), ("\"" + drive.path("uitvoer") + "\"\r\n").toUtf8());
+    target.load();
+    target.kies_html();
+    EXPECT_EQ(dialogs.starts, QStringList{drive.path("web")});
+}
+
+// ---- the job ------------------------------------------------------------------------------
+
+TEST_F(OutputTargetTest, TheChoiceTravelsToAndFromTheJob) {
+    PrintJob job;
+    job.export_stem = "lys";
+    job.print_colour = -1;
+    OutputChoice c = output_choice_of(job);
+    EXPECT_EQ(c.export_stem, "lys");
+    EXPECT_EQ(c.print_colour, -1);
+    c.output_to_excel = true;
+    c.export_folder = "/tmp/x/";
+    c.print_job_title = "REPORTING TO EXCEL";
+    apply_output_choice(c, job);
+    EXPECT_TRUE(job.output_to_excel);
+    EXPECT_EQ(job.export_folder, "/tmp/x/");
+    EXPECT_EQ(job.print_job_title, "REPORTING TO EXCEL");
+}
+
+}  // namespace
+}  // namespace veldo
