@@ -61,6 +61,8 @@ bool build_symbol_distribution(RecordStore& store, const QStringList& row, int s
         format += "|<" + run.tr("P", "M") + QString::number(column);
     }
     grid.set_format_string(format);
+    // The columns past the named tasks take no room on the page.
+    for (int c = 0; c < grid.cols(); ++c) grid.set_col_width(c, c <= column ? -1 : 0);
     column = 0;
     for (int r = 0; r < kSetupRows; ++r) {
         if (!setup.rows[r].is_used()) continue;

@@ -111,4 +111,17 @@ QString OutputTargetDialog::choose_printer(QWidget* parent, const QString& curre
 
 QString OutputTargetDialog::default_printer_name() { return QPrinterInfo::defaultPrinterName(); }
 
+OutputDialog desktop_output_dialog(RunState& run, QWidget* parent) {
+    return [&run, parent](PrintJob& job) {
+        OutputChoice choice = output_choice_of(job);
+        if (choice.printer_name.isEmpty()) choice.printer_name = OutputTargetDialog::default_printer_name();
+        OutputTarget target(run, choice, [parent](const QString& current) {
+            return OutputTargetDialog::choose_printer(parent, current);
+        });
+        OutputTargetDialog dialog(target, parent);
+        dialog.exec();
+        apply_output_choice(choice, job);
+    };
+}
+
 }  // namespace veldo

@@ -5,12 +5,19 @@
 
 #include <QDialog>
 
+#include "reports/page_engine.h"
+
 class QLabel;
 class QPushButton;
 
 namespace veldo {
 
 class OutputTarget;
+struct RunState;
+
+// The output choice of the desktop program, for ask_output_target: shows
+// kies_drukker over `parent` and copies what the user chose into the job.
+OutputDialog desktop_output_dialog(RunState& run, QWidget* parent);
 
 class OutputTargetDialog : public QDialog {
     Q_OBJECT

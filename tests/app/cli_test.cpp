@@ -3,9 +3,12 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QProcess>
 #include <QRegularExpression>
+#include <QStandardPaths>
 #include <unistd.h>
 
+#include "markbook/workbook_reader.h"
 #include "tests/support/program_run.h"
 #include "tests/support/temp_drive.h"
 
@@ -214,6 +217,71 @@ TEST_F(CliBook, RefusalsUseTheSystemsMessages) {
     EXPECT_EQ(r.err.trimmed(), "Daar is geen puntereeks 99 in " + data() + " nie.");
     r = run({"recalc", "--data", data()});
     EXPECT_EQ(r.exit_code, 2);
+}
+
+}  // namespace
+}  // namespace veldo
+
+namespace veldo {
+namespace {
+
+// The print word, read back as a reader would: the PDF's text and the
+// workbook's cells.
+struct CliPrint : ::testing::Test {
+    QTemporaryDir drive;
+    QString data() const { return drive.filePath("data"); }
+    testing::ProgramResult run(const QStringList& args) { return testing::run_program(drive.path(), args); }
+    void SetUp() override { ASSERT_EQ(run({"demo", "--data", data()}).exit_code, 0); }
+    static QString pdf_text(const QString& pdf) {
+        QProcess p;
+        p.start("pdftotext", {"-layout", pdf, "-"});
+        if (!p.waitForFinished(30000)) return {};
+        return QString::fromUtf8(p.readAllStandardOutput());
+    }
+};
+
+TEST_F(CliPrint, TheMarkBookGoesToAPdfWithItsHeadTableAndLegend) {
+    if (QStandardPaths::findExecutable("pdftotext").isEmpty()) GTEST_SKIP() << "no pdftotext";
+    const QString pdf = drive.filePath("book.pdf");
+    const auto r = run({"print", "markbook", "--data", data(), "--series", "5", "--pdf", pdf, "--lang", "af"});
+    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
+    // 38 learners: two pages for the first block, one for the second, which
+    // holds the rows the last page left in the grid.
+    EXPECT_TRUE(r.err.contains("DRUKWERK VOLTOOI (3 bladsye)")) << r.err.toStdString();
+    const QString text = pdf_text(pdf);
+    for (const char* expected : {"HOëRSKOOL DIE KRANS", "BLADSY : 1", "BLADSY : 3", "VELDO-TALLY", "10 WISK 10A", "LEERDER",
+                                 "P20", "P21", "P1 TAAK 1", "P21 TOTAAL", "KESTRALIN"})
+        EXPECT_TRUE(text.contains(QString::fromUtf8(expected))) << expected;
+}
+
+TEST_F(CliPrint, TheSymbolDistributionGoesToAWorkbook) {
+    const QString xlsx = drive.filePath("out/symbols.xlsx");
+    QDir().mkpath(drive.filePath("out"));
+    const auto r = run({"print", "symbols", "--data", data(), "--series", "1", "--xlsx", xlsx});
+    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains("EXPORT OF symbols TO " + drive.filePath("out") + "/symbols COMPLETE !!"))
+        << r.err.toStdString();
+    SheetReadError error;
+    const auto sheet = read_first_sheet(xlsx, &error);
+    ASSERT_TRUE(sheet) << error.detail.toStdString();
+    ASSERT_GE(sheet->size(), 15);
+    EXPECT_EQ(sheet->at(0).value(4), "VELDO-TALLY");
+    EXPECT_EQ(sheet->at(1).value(2), "HOëRSKOOL DIE KRANS");
+    EXPECT_EQ(sheet->at(2).value(0), "PAGE : 1");
+    EXPECT_EQ(sheet->at(2).value(2), "SYMBOLS 8 AFR 8A");
+    EXPECT_EQ(sheet->at(5).value(0), "SYMBOL");
+    EXPECT_EQ(sheet->at(5).value(1), "M1");
+    EXPECT_EQ(sheet->at(7).value(0), "1 (0-29.9)");
+    EXPECT_EQ(sheet->at(14).value(0), "AVERAGE");
+}
+
+TEST_F(CliPrint, BadUsageAndRefusals) {
+    EXPECT_EQ(run({"print", "marks", "--data", data(), "--series", "1", "--pdf", "x.pdf"}).exit_code, 2);
+    EXPECT_EQ(run({"print", "setup", "--data", data(), "--series", "1"}).exit_code, 2);
+    EXPECT_EQ(run({"print", "setup", "--data", data(), "--series", "1", "--pdf", "a", "--xlsx", "b"}).exit_code, 2);
+    const auto r = run({"print", "markbook", "--data", data(), "--series", "2", "--pdf", drive.filePath("x.pdf")});
+    EXPECT_EQ(r.exit_code, 1);
+    EXPECT_EQ(r.err.trimmed().split('\n').last(), "1 No ranges available ... see 'MARK BOOK SETUP'");
 }
 
 }  // namespace

@@ -50,6 +50,8 @@ TEST_F(Symbols, CountsLearnersPerRangeAndAveragesPerTask) {
     // 100.5 lies in no range: it counts only for the average.
     EXPECT_EQ(grid.row_texts(5).mid(0, 3), (QStringList{"AVERAGE", "80.0", "76.8"}));
     EXPECT_EQ(grid.cols(), 42);
+    EXPECT_EQ(grid.col_width(2), -1);
+    EXPECT_EQ(grid.col_width(3), 0);
     EXPECT_EQ(distribution_title(row), "9 NW 9A B");
 }
 
