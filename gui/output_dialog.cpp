@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "gui/print_progress_widget.h"
 #include "reports/output_target.h"
 
 namespace veldo {
@@ -121,6 +122,12 @@ OutputDialog desktop_output_dialog(RunState& run, QWidget* parent) {
         OutputTargetDialog dialog(target, parent);
         dialog.exec();
         apply_output_choice(choice, job);
+        if (job.print_chosen) {
+            // One progress window for the frame, kept for later jobs.
+            auto* window = parent ? parent->findChild<PrintProgressWidget*>() : nullptr;
+            if (!window) window = new PrintProgressWidget(parent);
+            window->follow(job.progress);
+        }
     };
 }
 

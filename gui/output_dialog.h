@@ -16,7 +16,8 @@ class OutputTarget;
 struct RunState;
 
 // The output choice of the desktop program, for ask_output_target: shows
-// kies_drukker over `parent` and copies what the user chose into the job.
+// kies_drukker over `parent`, copies what the user chose into the job and
+// lets the progress window follow the job.
 OutputDialog desktop_output_dialog(RunState& run, QWidget* parent);
 
 class OutputTargetDialog : public QDialog {

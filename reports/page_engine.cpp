@@ -80,6 +80,7 @@ void PrintProgress::show(const RunState& run, const QString& job_title, const QS
     device_ = device;
     page_ = page;
     if (pages_.isEmpty() || pages_.last() != page) pages_.append(page);
+    if (changed) changed(*this);
 }
 
 qint16 read_print_colour(const RunState& run) {

@@ -55,7 +55,13 @@ public:
     // Shown by print_setup: the job's title or the busy text, the printer
     // and the page now printing.
     void show(const RunState& run, const QString& job_title, const QString& device, int page);
-    void hide() { visible_ = false; }
+    void hide() {
+        visible_ = false;
+        if (changed) changed(*this);
+    }
+    // Told after every change, so that a window can show it at once (the
+    // print loop gives the event loop no turn).
+    std::function<void(const PrintProgress&)> changed;
     // The list of pages printed so far, cleared when a job starts.
     void clear_pages() { pages_.clear(); }
 
