@@ -21,18 +21,6 @@ namespace {
 
 using namespace veldo;
 
-class QuietDialogs : public UserDialogs {
-public:
-    MsgAnswer message(const QString&, MsgIcon, MsgButtons, const QString&) override { return MsgAnswer::Yes; }
-    QString input(const QString&, const QString&, const QString& d) override { return d; }
-    void beep() override {}
-    QString choose_folder(const QString&, const QString& s) override { return s; }
-    QString choose_open_file(const QString&, const QString&, const QString&) override { return {}; }
-    QString choose_save_file(const QString&, const QString&, const QString&) override { return {}; }
-    QString clipboard_text() override { return {}; }
-    void set_clipboard_text(const QString&) override {}
-};
-
 const QStringList kRow{"10 ", "WISK ", "100", "10A", "   ", "   ", "1", "", ""};
 
 // 36 tasks of 10 in six groups, three subtotals of two groups each, a total.
@@ -47,7 +35,7 @@ MarkBookSetup forty_columns() {
 
 struct Book {
     QTemporaryDir dir;
-    QuietDialogs dialogs;
+    SilentDialogs dialogs;
     RunState run;
     std::unique_ptr<RecordStore> store;
     QString pristine;

@@ -16,21 +16,9 @@ namespace {
 
 using namespace veldo;
 
-class QuietDialogs : public UserDialogs {
-public:
-    MsgAnswer message(const QString&, MsgIcon, MsgButtons, const QString&) override { return MsgAnswer::Ok; }
-    QString input(const QString&, const QString&, const QString& d) override { return d; }
-    void beep() override {}
-    QString choose_folder(const QString&, const QString& s) override { return s; }
-    QString choose_open_file(const QString&, const QString&, const QString&) override { return {}; }
-    QString choose_save_file(const QString&, const QString&, const QString&) override { return {}; }
-    QString clipboard_text() override { return {}; }
-    void set_clipboard_text(const QString&) override {}
-};
-
 void BM_PrintMarkBookToPdf(benchmark::State& state) {
     QTemporaryDir dir;
-    QuietDialogs dialogs;
+    SilentDialogs dialogs;
     RunState run;
     run.dialogs = &dialogs;
     run.drive_root = dir.path();

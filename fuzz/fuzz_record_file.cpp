@@ -12,20 +12,6 @@
 
 namespace {
 
-class SilentDialogs : public veldo::UserDialogs {
-public:
-    veldo::MsgAnswer message(const QString&, veldo::MsgIcon, veldo::MsgButtons, const QString&) override {
-        return veldo::MsgAnswer::Ok;
-    }
-    QString input(const QString&, const QString&, const QString& d) override { return d; }
-    void beep() override {}
-    QString choose_folder(const QString&, const QString&) override { return {}; }
-    QString choose_open_file(const QString&, const QString&, const QString&) override { return {}; }
-    QString choose_save_file(const QString&, const QString&, const QString&) override { return {}; }
-    QString clipboard_text() override { return {}; }
-    void set_clipboard_text(const QString&) override {}
-};
-
 void write(const QString& path, const uint8_t* data, size_t size) {
     QFile f(path);
     if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate)) std::abort();
@@ -36,7 +22,7 @@ void write(const QString& path, const uint8_t* data, size_t size) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static QTemporaryDir dir;
-    SilentDialogs dialogs;
+    veldo::SilentDialogs dialogs;
     veldo::RunState run;
     run.dialogs = &dialogs;
     run.drive_root = dir.path();

@@ -32,6 +32,22 @@ public:
     virtual void set_clipboard_text(const QString& text) = 0;
 };
 
+// Answers every question with Yes (or OK), every prompt with its default,
+// every picker with nothing, and shows nothing: for benchmarks and fuzzing.
+class SilentDialogs : public UserDialogs {
+public:
+    MsgAnswer message(const QString&, MsgIcon, MsgButtons buttons, const QString&) override {
+        return buttons == MsgButtons::YesNo || buttons == MsgButtons::YesNoCancel ? MsgAnswer::Yes : MsgAnswer::Ok;
+    }
+    QString input(const QString&, const QString&, const QString& default_text) override { return default_text; }
+    void beep() override {}
+    QString choose_folder(const QString&, const QString&) override { return {}; }
+    QString choose_open_file(const QString&, const QString&, const QString&) override { return {}; }
+    QString choose_save_file(const QString&, const QString&, const QString&) override { return {}; }
+    QString clipboard_text() override { return {}; }
+    void set_clipboard_text(const QString&) override {}
+};
+
 // Thrown where the system ends the program (a vanished drive, no free file
 // number). The message has been shown by then; main() turns this into an
 // exit code.
