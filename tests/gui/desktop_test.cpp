@@ -62,3 +62,23 @@ TEST_F(DesktopWidgets, ASecondCopyEndsBeforeAnyMenu) {
 
 }  // namespace
 }  // namespace veldo
+
+namespace veldo {
+namespace {
+
+TEST_F(DesktopWidgets, TheFrameRefusesToCloseAndShowsTheTopMenu) {
+    Desktop desktop(program, [] { return false; });
+    ASSERT_TRUE(desktop.start());
+    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
+    desktop.unload("punte_mnu");
+    EXPECT_FALSE(desktop.is_loaded("punte_mnu"));
+    EXPECT_FALSE(desktop.close());
+    EXPECT_TRUE(desktop.isVisible());
+    EXPECT_TRUE(desktop.is_loaded("punte_mnu"));
+    auto* top = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"));
+    ASSERT_TRUE(top);
+    EXPECT_EQ(top->entry_button(2)->text(), "MARKS BOOK");
+}
+
+}  // namespace
+}  // namespace veldo
