@@ -1,0 +1,51 @@
+// A table we write, read by another dBASE reader (dbview).
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include "store/dbf_table.h"
+#include "store/table_layouts.h"
+#include "util/cp1252.h"
+
+namespace veldo {
+namespace {
+
+QByteArray dbview(const QStringList& args) {
+    QProcess p;
+    p.start("dbview", args);
+    p.waitForFinished(30000);
+    return p.readAllStandardOutput();
+}
+
+TEST(DbfInterop, AnotherReaderSeesOurRecordsFieldsAndCount) {
+    if (QStandardPaths::findExecutable("dbview").isEmpty()) GTEST_SKIP() << "no dbview";
+    QTemporaryDir dir;
+    const QString path = dir.filePath("punte1.dbf");
+    ASSERT_TRUE(DbfTable::create(path, class_list_fields()));
+    auto t = DbfTable::open(path);
+    const QList<QStringList> rows{{"10001", "Botha, Anri", "94", "A"}, {"10002", "Nel, Marné", "A", ""},
+                                  {"10003", "Smith, Emily", "", ""}};
+    for (const QStringList& row : rows) {
+        t->AddNew();
+        for (int f = 0; f < row.size(); ++f) t->set_value(f, row[f].isEmpty() ? QVariant() : QVariant(row[f]));
+        ASSERT_TRUE(t->Update());
+    }
+    t->MoveFirst();
+    t->Move(2);
+    ASSERT_TRUE(t->Delete());
+    t->Close();
+
+    // dbview -b -t: one line per record, fields by ":", blanks trimmed;
+    // deleted records are left out.
+    const QByteArray out = dbview({"-b", "-t", path});
+    EXPECT_EQ(out, cp1252::encode("10001:Botha, Anri:94:A:\n10002:Nel, Marné:A::\n"));
+    const QString info = QString::fromLatin1(dbview({"-i", path}));
+    EXPECT_TRUE(info.contains("File version  : 3")) << info.toStdString();
+    EXPECT_TRUE(info.contains("Number of recs: 3")) << info.toStdString();
+    EXPECT_TRUE(info.contains("Record length : 59")) << info.toStdString();
+}
+
+}  // namespace
+}  // namespace veldo
