@@ -38,12 +38,7 @@ QString with_closing_slash(const QString& folder) {
 }  // namespace
 
 int read_colour_switch(const QString& path) {
-    if (!QFileInfo(path).isFile()) return 0;
-    const QList<QuotedValue> values = read_quoted_values(read_all(path));
-    if (values.isEmpty()) return 0;
-    const QuotedValue& v = values.first();
-    if (v.kind == QuotedValue::Kind::Boolean) return v.boolean ? -1 : 0;
-    return int(qint16(Val(v.text)));
+    return QFileInfo(path).isFile() ? read_print_colour_file(path) : 0;
 }
 
 bool write_colour_switch(const QString& path, int colour) {

@@ -83,12 +83,9 @@ void PrintProgress::show(const RunState& run, const QString& job_title, const QS
     if (changed) changed(*this);
 }
 
-qint16 read_print_colour(const RunState& run) {
-    const QString where = QFileInfo(run.in_folder(run.shared_settings_folder, QStringLiteral("kleur_drukker.txt"))).path();
-    const QString path = find_ignoring_case(where, QStringLiteral("kleur_drukker.txt"));
-    if (path.isEmpty()) return 0;
+qint16 read_print_colour_file(const QString& path) {
     QFile f(path);
-    if (!f.open(QIODevice::ReadOnly)) return 0;
+    if (path.isEmpty() || !f.open(QIODevice::ReadOnly)) return 0;
     QString value = QString::fromLatin1(f.readLine()).trimmed();
     value.remove(QLatin1Char('"'));
     const QString upper = value.toUpper();
@@ -97,6 +94,11 @@ qint16 read_print_colour(const RunState& run) {
     const double v = Val(value);
     if (!(v >= -32768.0 && v <= 32767.0)) return 0;
     return qint16(std::lround(v));
+}
+
+qint16 read_print_colour(const RunState& run) {
+    const QString where = QFileInfo(run.in_folder(run.shared_settings_folder, QStringLiteral("kleur_drukker.txt"))).path();
+    return read_print_colour_file(find_ignoring_case(where, QStringLiteral("kleur_drukker.txt")));
 }
 
 void reset_print_font(PrintSurface& surface) {

@@ -167,5 +167,8 @@ void end_of_print(PrintSurface& surface, PrintJob& job, const RunState& run,
 // The colour switch of the shared settings: the number in kleur_drukker.txt,
 // 0 where the file is missing or unreadable.
 qint16 read_print_colour(const RunState& run);
+// The same from a given file: a number, or #TRUE# / #FALSE#; 0 where the
+// file is missing or unreadable.
+qint16 read_print_colour_file(const QString& path);
 
 }  // namespace veldo
