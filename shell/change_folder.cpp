@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include "shell/inactivity.h"
 #include "shell/screens.h"
 #include "store/record_store.h"
 #include "util/file_lookup.h"
@@ -56,7 +57,7 @@ void ChangeFolder::load() {
 void ChangeFolder::unload() {
     if (!loaded_) return;
     loaded_ = false;
-    ctx_.run.last_activity = ctx_.clock.seconds();
+    reset_activity(ctx_.run, ctx_.clock);
     ctx_.screens.unload(screen::change_folder);
 }
 
