@@ -140,8 +140,15 @@ DemoResult write_demo_school(RunState& run, const QString& data_folder) {
         const int n = i + 1;
         QList<QList<QVariant>> class_rows, assessment_rows, mark_rows;
         MarkBookSetup setup;
-        if (s.book == DemoSeries::Afrikaans || s.book == DemoSeries::English)
+        if (s.book == DemoSeries::Afrikaans || s.book == DemoSeries::English) {
             apply_example_book(setup, s.book == DemoSeries::Afrikaans);
+            // As a teacher is meant to finish the example: the out-of values
+            // of each total's feeders add up to that total.
+            for (const auto& [row, out_of] : {std::pair{1, "10"}, {2, "10"}, {3, "10"}, {4, "10"}, {7, "10"},
+                                              {8, "10"}, {9, "10"}, {12, "5"}, {13, "5"}, {14, "15"},
+                                              {15, "15"}, {17, "10"}, {18, "10"}})
+                setup.rows[row - 1].out_of = out_of;
+        }
         if (s.book == DemoSeries::Short) {
             setup.rows[0] = {"PRAKTIES 1", "25", "4", "", ""};
             setup.rows[1] = {"PRAKTIES 2", "25", "4", "", ""};

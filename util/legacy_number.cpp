@@ -283,14 +283,38 @@ QString format_mask(double value, const QString& mask) {
 
 QString format_one_decimal(double value) { return format_mask(value, QStringLiteral("##0.0")); }
 
+namespace {
+
+// value * 10^decimals rounded to a whole number, ties to the even one. The
+// tie is judged on the exact value of the double, not on its scaled product:
+// 65.25000000000001 lies above the half and goes up, and only a double that
+// is exactly halfway (47.53125 to four places) goes to the even digit. fma
+// gives the error of the scaled product, which decides where the product
+// itself lands on the half. Gives false where the scaled value is too large
+// to hold a fraction.
+bool scaled_half_even(double value, int decimals, double* whole) {
+    double scale = 1.0;
+    for (int i = 0; i < decimals; ++i) scale *= 10.0;  // exact up to 10^22
+    const double product = value * scale;
+    if (!std::isfinite(product) || std::fabs(product) >= 4503599627370496.0) return false;
+    const double error = std::fma(value, scale, -product);
+    double floor_part = std::floor(product);
+    const double fraction = product - floor_part;  // exact below 2^52
+    bool up = fraction > 0.5;
+    if (fraction == 0.5) up = error > 0 || (error == 0 && std::fmod(floor_part, 2.0) != 0);
+    *whole = up ? floor_part + 1 : floor_part;
+    return true;
+}
+
+}  // namespace
+
 double Round(double value, int decimals) {
     if (!std::isfinite(value) || decimals < 0 || decimals > 22) return value;
+    double whole = 0;
+    if (!scaled_half_even(value, decimals, &whole)) return value;  // whole already
     double scale = 1.0;
     for (int i = 0; i < decimals; ++i) scale *= 10.0;
-    const double scaled = value * scale;
-    // Beyond 2^52 every double is whole already.
-    if (std::fabs(scaled) >= 4503599627370496.0) return value;
-    const double r = std::nearbyint(scaled) / scale;
+    const double r = whole / scale;
     return r == 0.0 ? 0.0 : r;
 }
 
@@ -301,34 +325,21 @@ QString plain_number_text(double value, int significant) {
     if (significant > 17) significant = 17;
     Digits dg = digits_of(std::fabs(value), significant);
     while (dg.d.size() > 1 && dg.d.back() == '0') dg.d.pop_back();
-    const int exponent = dg.point - 1;
+    // Always positional: a number taken through text must read back whole
+    // with Val, which stops at an exponent.
     std::string out;
     if (value < 0) out.push_back('-');
-    if (exponent >= -4 && exponent < significant) {
-        if (dg.point <= 0) {
-            out += "0.";
-            out.append(std::size_t(-dg.point), '0');
-            out += dg.d;
-        } else if (std::size_t(dg.point) >= dg.d.size()) {
-            out += dg.d;
-            out.append(std::size_t(dg.point) - dg.d.size(), '0');
-        } else {
-            out += dg.d.substr(0, std::size_t(dg.point));
-            out.push_back('.');
-            out += dg.d.substr(std::size_t(dg.point));
-        }
+    if (dg.point <= 0) {
+        out += "0.";
+        out.append(std::size_t(-dg.point), '0');
+        out += dg.d;
+    } else if (std::size_t(dg.point) >= dg.d.size()) {
+        out += dg.d;
+        out.append(std::size_t(dg.point) - dg.d.size(), '0');
     } else {
-        // The exponent form of the family: "1E+15", "1.5E-07".
-        out.push_back(dg.d[0]);
-        if (dg.d.size() > 1) {
-            out.push_back('.');
-            out += dg.d.substr(1);
-        }
-        out.push_back('E');
-        out.push_back(exponent < 0 ? '-' : '+');
-        const int e = exponent < 0 ? -exponent : exponent;
-        if (e < 10) out.push_back('0');
-        out += std::to_string(e);
+        out += dg.d.substr(0, std::size_t(dg.point));
+        out.push_back('.');
+        out += dg.d.substr(std::size_t(dg.point));
     }
     return QString::fromLatin1(out.data(), qsizetype(out.size()));
 }
@@ -344,12 +355,15 @@ Currency Currency::from_double(double value) {
     const double scaled = value * 10000.0;
     // Saturate rather than hand llrint a value it cannot hold.
     constexpr double limit = 9.2e18;
+    double whole = 0;
     if (scaled >= limit) {
         c.ten_thousandths = std::numeric_limits<std::int64_t>::max();
     } else if (scaled <= -limit) {
         c.ten_thousandths = std::numeric_limits<std::int64_t>::min() + 1;
+    } else if (scaled_half_even(value, 4, &whole)) {
+        c.ten_thousandths = std::int64_t(whole);
     } else {
-        c.ten_thousandths = std::llrint(scaled);
+        c.ten_thousandths = std::llrint(scaled);  // past 2^52: whole already
     }
     return c;
 }

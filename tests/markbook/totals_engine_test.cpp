@@ -1,8 +1,12 @@
 // The arithmetic of totals and class averages, to the last decimal.
 #include <gtest/gtest.h>
 
+#include <QFile>
+#include <random>
+
 #include "markbook/totals_engine.h"
 #include "tests/support/mark_book_fixture.h"
+#include "util/legacy_number.h"
 
 namespace veldo {
 namespace {
@@ -151,6 +155,159 @@ TEST_F(Totals, ATargetOutsideTheMarkFieldsNeverTouchesTheName) {
     const QStringList f = recalc_one({"5", "6"});
     EXPECT_EQ(f[1], "Botha, Anri");
     EXPECT_EQ(f[0], "10001");
+}
+
+// The record's bytes of field f as they stand in the file.
+QByteArray field_bytes(const QString& path, int record, int f) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    const QByteArray bytes = file.readAll();
+    const int header = uchar(bytes[8]) | (uchar(bytes[9]) << 8);
+    const int length = uchar(bytes[10]) | (uchar(bytes[11]) << 8);
+    int offset = 1;
+    const QList<DbfField> fields = mark_book_fields();
+    for (int i = 0; i < f; ++i) offset += fields[i].width;
+    return bytes.mid(header + record * length + offset, fields[f].width);
+}
+
+// Worked by hand: PRACTICAL WORK holds 15.4 of 30 on a scale of 30, so its
+// conversion is (15.4 / 30) * 30 = 15.399999999999999 and D = -1.78e-15.
+// D / X = -5.92e-17 goes through text and back: written with an exponent,
+// Val read it as -5.92 and SUB TOTAL 1 fell to -16.6.
+TEST_F(Totals, ARescalingOfAHairPassesUpAsNothing) {
+    const QStringList rows[] = {
+        {"TASK 1", "10", "5", "10"},           {"TASK 2", "10", "5", "10"},
+        {"TASK 3", "10", "5", "10"},           {"TASK 4", "10", "5", "10"},
+        {"CLASS WORK", "40", "11", "40"},      {"MINI ASSIGNMENT", "20", "11", "10"},
+        {"PRACTICAL 1", "10", "10", "10"},     {"PRACTICAL 2", "10", "10", "10"},
+        {"PRACTICAL 3", "10", "10", "10"},     {"PRACTICAL WORK", "30", "11", "10"},
+        {"SUB TOTAL 1", "60", "", "60"},
+    };
+    for (int r = 0; r < int(std::size(rows)); ++r)
+        setup.rows[r] = {rows[r][0], rows[r][1], rows[r][2], rows[r][3], ""};
+    ASSERT_EQ((15.4 / 30) * 30, 15.399999999999999);
+    recalc_one({"8", "6", "7", "9", "", "15", "5.1", "5.2", "5.1"});
+    // CLASS WORK 30 of 40; PRACTICAL WORK 15.4 of 30; SUB TOTAL 1 got
+    // 30.0 + 7.5 + 5.1 = 42.6, which the cap after PRACTICAL WORK's
+    // (empty) correction cuts to that column's 30: 30 of 60 on 60.
+    EXPECT_EQ(field_bytes(path, 0, 6), QByteArray("30.0  "));
+    EXPECT_EQ(field_bytes(path, 0, 11), QByteArray("15.4  "));
+    EXPECT_EQ(field_bytes(path, 0, 12), QByteArray("30.0  "));
+    EXPECT_EQ(field_bytes(path, 0, 13), QByteArray("      "));
+}
+
+// A book built as a teacher is meant to build one: each total's feeders have
+// out-of values that add up to it, nested two or three deep, rows from 1 on
+// without a gap, every feeder above its total.
+struct GeneratedBook {
+    MarkBookSetup setup;
+    int rows = 0;
+};
+
+class BookGenerator {
+public:
+    explicit BookGenerator(unsigned seed) : rng_(seed) {}
+
+    GeneratedBook make() {
+        book_ = GeneratedBook();
+        budget_ = pick(10, 36);  // the rows of totals still open may take a few more
+        add_total(100, pick(2, 3), -1);
+        return book_;
+    }
+
+    // A mark as a teacher might type it into a column out of `total`.
+    QString mark(double total) {
+        switch (pick(0, 19)) {
+            case 0: return "A";
+            case 1: return "a";
+            case 2: return "";
+            case 3: return "x";  // reads as 0
+            case 4: return total >= 8 ? QString("%1,5").arg(pick(0, int(total) - 1)) : "0,5";
+            default: return format_one_decimal(pick(0, int(total) * 10) / 10.0);
+        }
+    }
+
+private:
+    int pick(int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng_); }
+
+    int append(const QString& name, int total, int out_of) {
+        const int row = book_.rows++;
+        book_.setup.rows[row] = {name, QString::number(total), "", out_of > 0 ? QString::number(out_of) : "",
+                                 ""};
+        --budget_;
+        return row;
+    }
+
+    // Adds the feeders of a total of `total`, then the total itself; returns
+    // its row index. Leaves one row of the budget for every total still open.
+    int add_total(int total, int depth, int out_of) {
+        const int feeders = std::max(1, std::min(pick(2, 5), budget_ - 1 - (depth > 1 ? 2 : 0)));
+        std::vector<int> parts(feeders, 1);
+        for (int left = total - feeders; left > 0; --left) ++parts[pick(0, feeders - 1)];
+        std::vector<int> children;
+        for (int k = 0; k < feeders; ++k) {
+            if (depth > 1 && budget_ >= 4 && pick(0, 2) == 0) {
+                children.push_back(add_total(pick(2, 12) * 5, depth - 1, parts[k]));
+            } else if (budget_ > 1) {
+                const int own = std::array{5, 10, 15, 20, 25, 40, 50, 100}[pick(0, 7)];
+                // A blank out-of means the feeder's own total.
+                children.push_back(append(QString("T%1").arg(book_.rows + 1), own, own == parts[k] ? 0 : parts[k]));
+            }
+        }
+        const int row = append(QString("TOT%1").arg(book_.rows + 1), total, out_of);
+        for (int c : children) book_.setup.rows[c].target = QString::number(row + 1);
+        return row;
+    }
+
+    std::mt19937 rng_;
+    GeneratedBook book_;
+    int budget_ = 0;
+};
+
+TEST(TotalsProperty, EveryTotalLiesInItsRangeAndARecalculationIsStable) {
+    QTemporaryDir dir;
+    int totals_checked = 0;
+    for (unsigned seed = 1; seed <= 150; ++seed) {
+        SCOPED_TRACE(seed);
+        BookGenerator gen(seed);
+        const GeneratedBook book = gen.make();
+        ASSERT_LE(book.rows, kSetupRows);
+        const QString path = dir.filePath(QString("marks%1.dbf").arg(seed));
+        QList<QStringList> learners;
+        for (int l = 0; l < 12; ++l) {
+            QStringList marks;
+            for (int r = 0; r < book.rows; ++r)
+                marks << (book.setup.is_total_row(r + 1) ? "" : gen.mark(Val(book.setup.rows[r].total)));
+            learners << testing::marks_row(l + 1, QString("L%1").arg(l), marks);
+        }
+        fill_marks_table(path, learners);
+        const ColumnLists lists = ColumnLists::from_setup(book.setup);
+        {
+            auto t = DbfTable::open(path);
+            recalculate_totals(*t, lists);
+        }
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray first = file.readAll();
+        file.close();
+        auto t = DbfTable::open(path);
+        for (int l = 0; l < learners.size(); ++l) {
+            const QStringList f = stored_row(*t, l);
+            for (int r = 1; r <= book.rows; ++r) {
+                if (!book.setup.is_total_row(r) || f[r + 1].isEmpty()) continue;
+                const double total = Val(book.setup.rows[r - 1].total);
+                const double v = Val(f[r + 1]);
+                EXPECT_TRUE(v >= 0 && v <= total + 0.1)
+                    << "row " << r << " of " << total << ": " << f[r + 1].toStdString();
+                ++totals_checked;
+            }
+        }
+        recalculate_totals(*t, lists);
+        t->Close();
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), first) << "a second recalculation changed the table";
+    }
+    EXPECT_GT(totals_checked, 2000);
 }
 
 TEST(ClassAverages, ArePercentagesOfTheColumnTotalToFourDecimals) {

@@ -112,25 +112,24 @@ TEST_F(CalculatorTest, OverflowIsPassedOverAndShowsZero) {
     EXPECT_EQ(calc.display(), "0");
 }
 
-TEST_F(CalculatorTest, LargeResultsShowInExponentForm) {
+// The display holds plain decimals, never an exponent, so that Val reads a
+// result back whole when the next operator takes it.
+TEST_F(CalculatorTest, LargeAndSmallResultsShowInPlainDecimalsAndReadBack) {
     type("1000000000");
     calc.Times();
     type("1000000000");
     calc.Equals();
-    EXPECT_EQ(calc.display(), "1E+18");
-    // And the exponent form reads back as the same number.
+    EXPECT_EQ(calc.display(), "1000000000000000000");
     calc.Div();
     type("1000000000000000000");
     calc.Equals();
     EXPECT_EQ(calc.display(), "1");
-}
 
-TEST_F(CalculatorTest, SmallResultsReadBackFromExponentForm) {
     type("1");
     calc.Div();
     type("40000");
     calc.Equals();
-    EXPECT_EQ(calc.display(), "2.5E-05");
+    EXPECT_EQ(calc.display(), "0.000025");
     calc.Times();
     type("40000");
     calc.Equals();

@@ -7,6 +7,7 @@
 #include <clocale>
 #include <cmath>
 #include <limits>
+#include <random>
 
 using namespace veldo;
 
@@ -158,55 +159,88 @@ TEST(LegacyNumberMask, LocaleDoesNotChangeAByte) {
 
 // ---- Bank rounding ---------------------------------------------------------------
 
-TEST(LegacyNumberRound, TiesGoToTheEvenDigit) {
-    EXPECT_DOUBLE_EQ(Round(12.25, 1), 12.2);
-    EXPECT_DOUBLE_EQ(Round(0.25, 1), 0.2);
-    EXPECT_DOUBLE_EQ(Round(2.5), 2.0);
-    EXPECT_DOUBLE_EQ(Round(3.5), 4.0);
-    EXPECT_DOUBLE_EQ(Round(-2.5), -2.0);
-}
-
-TEST(LegacyNumberRound, ScalesBeforeRounding) {
-    EXPECT_DOUBLE_EQ(Round(47.142857, 1), 47.1);
-    // 0.35 * 10 is 3.5 in binary arithmetic, so it goes up to the even 4.
-    EXPECT_DOUBLE_EQ(Round(0.35, 1), 0.4);
-    EXPECT_DOUBLE_EQ(Round(7.0 / 40.0 * 50.0, 1), 8.8);
-    EXPECT_DOUBLE_EQ(Round(1.23456, 4), 1.2346);
+// Ties go to the even digit only where the double lies exactly halfway; the
+// export and the averages work on the double as it stands.
+TEST(LegacyNumberRound, TiesToEvenOnTheExactValueOfTheDouble) {
+    struct Row {
+        double value;
+        int decimals;
+        double expected;
+        const char* why;
+    } rows[] = {
+        {12.25, 1, 12.2, "exactly halfway: the even 2"},
+        {0.25, 1, 0.2, "exactly halfway"},
+        {2.5, 0, 2.0, "exactly halfway"},
+        {3.5, 0, 4.0, "exactly halfway: the even 4"},
+        {-2.5, 0, -2.0, "exactly halfway, negative"},
+        {-3.5, 0, -4.0, "exactly halfway, negative: the even -4"},
+        {7.0 / 40.0 * 50.0, 1, 8.8, "8.75 exactly: the even 8"},
+        {26.1 / 40.0 * 100.0, 1, 65.3, "65.25000000000001 lies above the half"},
+        {0.35, 1, 0.3, "0.34999999999999997 lies below the half"},
+        {1.05, 1, 1.1, "1.0500000000000000444 lies above the half"},
+        {47.142857, 1, 47.1, "no tie"},
+        {1.23456, 4, 1.2346, "no tie"},
+        {-0.04, 1, 0.0, "no negative zero"},
+    };
+    for (const Row& r : rows) {
+        SCOPED_TRACE(r.why);
+        EXPECT_EQ(Round(r.value, r.decimals), r.expected) << r.value;
+    }
+    EXPECT_FALSE(std::signbit(Round(-0.04, 1)));
+    EXPECT_EQ(plain_number_text(Round(26.1 / 40.0 * 100.0, 1)), QStringLiteral("65.3"));
 }
 
 TEST(LegacyNumberRound, LeavesHugeAndNonFiniteValuesAlone) {
     EXPECT_EQ(Round(1e300, 1), 1e300);
+    EXPECT_EQ(Round(4503599627370497.0, 0), 4503599627370497.0);
     EXPECT_TRUE(std::isnan(Round(std::nan(""), 1)));
-    EXPECT_FALSE(std::signbit(Round(-0.04, 1)));
 }
 
 // ---- Number text ------------------------------------------------------------------
 
-TEST(LegacyNumberText, LeadingBlankUnlessNegative) {
-    EXPECT_EQ(number_text(100), QStringLiteral(" 100"));
-    EXPECT_EQ(number_text(0.5), QStringLiteral(" 0.5"));
-    EXPECT_EQ(number_text(-2), QStringLiteral("-2"));
-    EXPECT_EQ(number_text(0), QStringLiteral(" 0"));
-    EXPECT_EQ(plain_number_text(100), QStringLiteral("100"));
-    EXPECT_EQ(plain_number_text(-2.5), QStringLiteral("-2.5"));
+TEST(LegacyNumberText, PlainDecimalWithALeadingBlankUnlessNegative) {
+    struct Row {
+        double value;
+        int significant;
+        const char* expected;
+    } rows[] = {
+        {100, 15, " 100"},
+        {0.5, 15, " 0.5"},
+        {-2, 15, "-2"},
+        {0, 15, " 0"},
+        {1.0 / 3.0, 15, " 0.333333333333333"},
+        {0.1 + 0.2, 15, " 0.3"},
+        {2.0 / 3.0, 15, " 0.666666666666667"},
+        {double(1.0f / 3.0f), 7, " 0.3333333"},
+        {double(0.1f), 7, " 0.1"},
+        {double(123.45f), 7, " 123.45"},
+        {123456789012345.0, 15, " 123456789012345"},
+        // Never an exponent: Val must read the text back whole.
+        {1e15, 15, " 1000000000000000"},
+        {1e20, 15, " 100000000000000000000"},
+        {0.0001, 15, " 0.0001"},
+        {0.00001, 15, " 0.00001"},
+        {-1.5e-7, 15, "-0.00000015"},
+        {-5.9211894646675e-17, 15, "-0.000000000000000059211894646675"},
+        {double(12345678.0f), 7, " 12345680"},
+    };
+    for (const Row& r : rows) {
+        SCOPED_TRACE(r.expected);
+        EXPECT_EQ(number_text(r.value, r.significant), QString::fromLatin1(r.expected));
+        EXPECT_EQ(plain_number_text(r.value, r.significant), QString::fromLatin1(r.expected).trimmed());
+    }
 }
 
-TEST(LegacyNumberText, FifteenDigitsForADoubleSevenForASingle) {
-    EXPECT_EQ(number_text(1.0 / 3.0), QStringLiteral(" 0.333333333333333"));
-    EXPECT_EQ(number_text(0.1 + 0.2), QStringLiteral(" 0.3"));
-    EXPECT_EQ(number_text(double(1.0f / 3.0f), 7), QStringLiteral(" 0.3333333"));
-    EXPECT_EQ(number_text(double(0.1f), 7), QStringLiteral(" 0.1"));
-    EXPECT_EQ(number_text(double(123.45f), 7), QStringLiteral(" 123.45"));
-    EXPECT_EQ(plain_number_text(2.0 / 3.0), QStringLiteral("0.666666666666667"));
-}
-
-TEST(LegacyNumberText, ExponentFormOutsideTheDigitRange) {
-    EXPECT_EQ(plain_number_text(123456789012345.0), QStringLiteral("123456789012345"));
-    EXPECT_EQ(plain_number_text(1e15), QStringLiteral("1E+15"));
-    EXPECT_EQ(plain_number_text(0.0001), QStringLiteral("0.0001"));
-    EXPECT_EQ(plain_number_text(0.00001), QStringLiteral("1E-05"));
-    EXPECT_EQ(plain_number_text(-1.5e-7), QStringLiteral("-1.5E-07"));
-    EXPECT_EQ(plain_number_text(double(12345678.0f), 7), QStringLiteral("1.234568E+07"));
+// Whatever is taken through text comes back the same to 15 digits.
+TEST(LegacyNumberText, ValReadsNumberTextBackToFifteenDigits) {
+    std::mt19937_64 rng(21);
+    std::uniform_real_distribution<double> exponent(-20.0, 20.0), mantissa(1.0, 10.0);
+    for (int i = 0; i < 20000; ++i) {
+        const double magnitude = mantissa(rng) * std::pow(10.0, std::floor(exponent(rng)));
+        const double x = (i % 2) ? -magnitude : magnitude;
+        const double back = Val(number_text(x));
+        ASSERT_LE(std::fabs(back - x), std::fabs(x) * 1e-14) << number_text(x).toStdString();
+    }
 }
 
 // ---- Currency -----------------------------------------------------------------------
@@ -215,6 +249,8 @@ TEST(LegacyNumberCurrency, KeepsFourDecimalsTiesToEven) {
     EXPECT_EQ(Currency::from_double(12.34565).ten_thousandths, 123456);  // just below the half
     EXPECT_EQ(Currency::from_double(1.03125).ten_thousandths, 10312);    // exact half, even below
     EXPECT_EQ(Currency::from_double(1.09375).ten_thousandths, 10938);    // exact half, even above
+    EXPECT_EQ(Currency::from_double(47.53125).ten_thousandths, 475312);  // exact half, even below
+    EXPECT_EQ(Currency::from_double(47.531250000000007).ten_thousandths, 475313);  // a hair above
     EXPECT_EQ(Currency::from_double(-1.5).ten_thousandths, -15000);
     EXPECT_DOUBLE_EQ(Currency::from_double(70.0).to_double(), 70.0);
 }
