@@ -129,7 +129,11 @@ int cmd_sync(Context& c) {
 int cmd_recalc(Context& c) {
     auto book = open_chosen_book(c);
     if (!book) return 1;
-    recalculate_totals(*book->table, book->lists);
+    if (!recalculate_totals(*book->table, book->lists)) {
+        c.dialogs.message(dbf_error_message(book->table->last_error(), c.run.language_afrikaans), MsgIcon::Critical,
+                          MsgButtons::Ok, QString());
+        return 1;
+    }
     c.out << c.run.tr("Totale herbereken vir ", "Totals recalculated for ") << book->table->RecordCount()
           << c.run.tr(" leerders.", " learners.") << "\n";
     return 0;

@@ -84,6 +84,9 @@ bool export_task(RecordStore& store, const ExportRequest& request) {
         }
     }
 
+    // The rows go to both tables in memory and to the disk in one write each.
+    punte->begin_batch();
+    obe->begin_batch();
     for (marks->MoveFirst(); !marks->Eof(); marks->MoveNext()) {
         const QVariant number = marks->value(0);
         const QVariant name = marks->value(1);
@@ -102,6 +105,7 @@ bool export_task(RecordStore& store, const ExportRequest& request) {
         obe->set_value("EO_PUNT", value);
         if (!obe->Update(&error)) return fail(error);
     }
+    if (!punte->commit_batch(&error) || !obe->commit_batch(&error)) return fail(error);
     punte->Close();
     obe->Close();
     marks->Close();

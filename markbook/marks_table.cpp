@@ -75,6 +75,10 @@ bool update_marks_table(RecordStore& store, int series) {
     auto marks = open_or_say(run, marks_path);
     if (!marks) return false;
 
+    // Both tables are worked in memory and written once each at the end.
+    pnt->begin_batch();
+    marks->begin_batch();
+
     // Later records of a learner number are neutralised in the class list.
     NumberList t_nr_data;
     for (pnt->MoveFirst(); !pnt->Eof(); pnt->MoveNext()) {
@@ -128,9 +132,12 @@ bool update_marks_table(RecordStore& store, int series) {
         if (!marks->Eof()) marks->Delete();
         marks->MoveFirst();
     }
+    DbfError error;
+    const bool written = pnt->commit_batch(&error) && marks->commit_batch(&error);
+    if (!written) show(run, dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
     pnt->Close();
     marks->Close();
-    return true;
+    return written;
 }
 
 bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
@@ -169,6 +176,7 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
             return false;
         }
         const int fields = std::min(table->field_count(), grid.cols());
+        table->begin_batch();
         for (int r = 0; r < grid.rows(); ++r) {
             table->AddNew();
             for (int f = 0; f < fields; ++f) {
@@ -182,7 +190,12 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
                 return false;
             }
         }
+        const bool written = table->commit_batch();
         table->Close();
+        if (!written) {
+            QFile::remove(fresh);
+            return false;
+        }
     }
     if (std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()) != 0) {
         QFile::remove(fresh);

@@ -17,8 +17,9 @@ class WorkRecord {
 public:
     explicit WorkRecord(const DbfTable& table) : table_(table), values_(table.field_count()) {}
 
+    // The mark fields only: the learner's number and name take no part.
     void load() {
-        for (int i = 0; i < int(values_.size()); ++i) {
+        for (int i = 2; i < int(values_.size()); ++i) {
             const QVariant v = table_.value(i);
             values_[i] = v.isValid() ? std::optional<QString>(plain_text(v)) : std::nullopt;
         }
@@ -56,9 +57,11 @@ bool is_mark_field(const WorkRecord& rec, int f) { return f >= 2 && rec.has(f); 
 
 }  // namespace
 
-void recalculate_totals(DbfTable& marks, const ColumnLists& lists,
+bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
                         const std::function<void(int, int)>& progress) {
     const int entries = lists.entry_count();
+    // The whole table is worked in memory and written once at the end.
+    marks.begin_batch();
 
     // Blanking: every field a row feeds into. Each field is blanked once; the
     // repeats of the list would write the same blanks again.
@@ -71,7 +74,41 @@ void recalculate_totals(DbfTable& marks, const ColumnLists& lists,
         }
     }
 
+    // What the setup says of each row, read once: the same for every learner.
+    struct RowFacts {
+        bool named = false;
+        int target = 0;      // G(i)
+        double x = 0, y = 0;  // X and Y of the feeding step
+    };
+    std::vector<RowFacts> rows(std::size_t(std::max(entries + 1, 0)));
     QStringList totaal_kolomme;  // fed fields + 100, a text sort
+    for (int i = 2; i <= entries; ++i) {
+        RowFacts& r = rows[std::size_t(i)];
+        r.named = !lists.name(i).trimmed().isEmpty();
+        if (!r.named) continue;
+        r.target = lists.target(i);
+        r.x = lists.total(i);
+        if (r.x == 0) r.x = 1;
+        r.y = lists.out_of(i);
+        if (r.y <= 0) r.y = r.x;
+        // Every named row puts its target in the list, the sentinel too,
+        // whether or not the learner has a mark there: the list is the same
+        // after the first learner as after the last.
+        const QString key = QString::number(r.target + 100);
+        if (!totaal_kolomme.contains(key)) totaal_kolomme.append(key);
+    }
+    totaal_kolomme.sort();
+    struct TotalFacts {
+        int c = 0, t = 0;
+        double x = 0, w = 0;
+    };
+    std::vector<TotalFacts> conversions;
+    for (const QString& entry : totaal_kolomme) {
+        const int c = int(Val(entry)) - 100;
+        if (c == kNoTarget) continue;
+        conversions.push_back({c, lists.target(c), lists.total(c), lists.out_of(c)});
+    }
+
     const int count = marks.RecordCount();
     int done = 0;
     WorkRecord rec(marks);
@@ -85,40 +122,32 @@ void recalculate_totals(DbfTable& marks, const ColumnLists& lists,
 
         // Feeding, in ascending order of the rows.
         for (int i = 2; i <= entries; ++i) {
-            if (lists.name(i).trimmed().isEmpty()) continue;
+            const RowFacts& r = rows[std::size_t(i)];
+            if (!r.named) continue;
             ++named;
-            const int c = lists.target(i);
-            double x = lists.total(i);
-            if (x == 0) x = 1;
-            double y = lists.out_of(i);
-            if (y <= 0) y = x;
-            const QString key = QString::number(c + 100);
-            if (!totaal_kolomme.contains(key)) {
-                totaal_kolomme.append(key);
-                totaal_kolomme.sort();
-            }
+            const int c = r.target;
             if (c == i || c == 0 || c > entries) continue;
             if (!is_mark_field(rec, c) || !rec.has(i)) continue;
             const QString v = rec.normalised(i);
             if (v.isEmpty() || v.toUpper() == "A") continue;
-            out_of_sum[c] += y;
-            const QString m = format_one_decimal((Val(v) / x) * y);
+            out_of_sum[c] += r.y;
+            const QString m = format_one_decimal((Val(v) / r.x) * r.y);
             if (rec.is_null(c)) rec.set(c, "0");
             rec.set(c, format_one_decimal(rec.number(c) + Val(m)));
         }
 
         // Conversion of each fed total, in ascending field order.
-        for (const QString& entry : totaal_kolomme) {
-            const int c = int(Val(entry)) - 100;
-            if (c == kNoTarget || !is_mark_field(rec, c)) continue;
-            const int t = lists.target(c);
+        for (const TotalFacts& total : conversions) {
+            const int c = total.c;
+            if (!is_mark_field(rec, c)) continue;
+            const int t = total.t;
             const QString v = rec.normalised(c);
             if (v.isEmpty() || v == "a") continue;
-            const double x = lists.total(c);
+            const double x = total.x;
             double y = out_of_sum[c];
             if (y == 0) y = x;
             if (y == 0) continue;  // a total of 0 with nothing fed: left as summed
-            const double w = lists.out_of(c);
+            const double w = total.w;
             const double m = Val(v);
             const double converted = (m / y) * x;
             const double d = converted - m;
@@ -138,6 +167,7 @@ void recalculate_totals(DbfTable& marks, const ColumnLists& lists,
         if (progress) progress(++done, count);
     }
     marks.MoveFirst();
+    return marks.commit_batch();
 }
 
 std::array<Currency, 43> class_averages(DbfTable& marks, const ColumnLists& lists) {

@@ -15,9 +15,10 @@ namespace veldo {
 class DbfTable;
 
 // Recalculates every total of every record of the open marks table, in table
-// order, writing each record as it is done. `progress` (optional) hears how
-// many records are done out of how many.
-void recalculate_totals(DbfTable& marks, const ColumnLists& lists,
+// order, and writes the table once at the end. `progress` (optional) hears
+// how many records are done out of how many. False when the write failed
+// (the table's last_error() says why): the table on disk is then as it was.
+bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
                         const std::function<void(int done, int count)>& progress = {});
 
 // The class average of each column as a percentage of its total, by field

@@ -26,7 +26,6 @@
 namespace veldo {
 namespace {
 
-DBFHandle dbf(void* handle) { return static_cast<DBFHandle>(handle); }
 
 // ---------------------------------------------------------------------------
 // File hooks. shapelib opens `<base>.dbf`, then `<base>.DBF`, then looks for a
@@ -225,15 +224,11 @@ DbfType type_of(char t) {
     }
 }
 
-DbfError::Code read_layout(const QString& path, TableLayout* out) {
-    const QFileInfo info(path);
-    if (!info.exists()) return DbfError::Missing;
-    if (info.isDir()) return DbfError::NotATable;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return DbfError::Unreadable;
-    const qint64 size = file.size();
+// The layout of a table from its bytes, as read in one go at open.
+DbfError::Code read_layout(const QByteArray& bytes, TableLayout* out) {
+    const qint64 size = bytes.size();
     if (size == 0) return DbfError::Empty;
-    const QByteArray head = file.read(kFileHeader);
+    const QByteArray head = bytes.left(kFileHeader);
     if (head.size() < kFileHeader) return DbfError::NotATable;
     if (!known_version(u8(head, 0))) return DbfError::NotATable;
 
@@ -243,7 +238,7 @@ DbfError::Code read_layout(const QString& path, TableLayout* out) {
     const qint64 records = qint64(u16(head, 4)) | (qint64(u16(head, 6) & 0x7FFF) << 16);
     if (header_length < kFileHeader + kFieldDescriptor) return DbfError::NotATable;
 
-    const QByteArray descriptors = file.read(header_length - kFileHeader);
+    const QByteArray descriptors = bytes.mid(kFileHeader, header_length - kFileHeader);
     const int places = (header_length - kFileHeader) / kFieldDescriptor;
     bool cut_short = false;
     QList<DbfField> fields;
@@ -740,58 +735,52 @@ std::unique_ptr<DbfTable> DbfTable::open(const QString& path, DbfError* error, D
     return table;
 }
 
-DbfTable::~DbfTable() { detach(); }
+DbfTable::~DbfTable() { Close(); }
 
 bool DbfTable::attach(DbfAccess access, DbfError* error) {
-    TableLayout layout;
-    const DbfError::Code code = read_layout(path_, &layout);
-    if (code != DbfError::None) {
-        report(error, code, path_);
+    const QFileInfo info(path_);
+    if (!info.exists()) {
+        report(error, DbfError::Missing, path_);
         return false;
     }
-
-    const QByteArray native = QFile::encodeName(path_);
-    SAHooks hooks = table_hooks();
-    DBFHandle h = nullptr;
-    bool read_only = access == DbfAccess::ReadOnly;
-    {
-        const TargetScope scope(native);
-        if (!read_only) {
-            h = DBFOpenLL(native.constData(), "rb+", &hooks);
-            if (!h) read_only = true;
-        }
-        if (!h) h = DBFOpenLL(native.constData(), "rb", &hooks);
+    if (info.isDir()) {
+        report(error, DbfError::NotATable, path_);
+        return false;
     }
-    if (!h) {
+    bool read_only = access == DbfAccess::ReadOnly;
+    if (!read_only && !file_.open(path_, true)) read_only = true;
+    if (read_only && !file_.open(path_, false)) {
         report(error, DbfError::Unreadable, path_);
         return false;
     }
-    // The file may have changed between the check and the open.
-    if (DBFGetFieldCount(h) != layout.fields.size() || DBFGetRecordCount(h) != layout.records ||
-        h->nRecordLength != layout.record_length || h->nHeaderLength != layout.header_length) {
-        DBFClose(h);
-        report(error, DbfError::Damaged, path_);
+    QByteArray image;
+    if (!file_.read_all(&image)) {
+        file_.close();
+        report(error, DbfError::Unreadable, path_);
+        return false;
+    }
+    TableLayout layout;
+    const DbfError::Code code = read_layout(image, &layout);
+    if (code != DbfError::None) {
+        file_.close();
+        report(error, code, path_);
         return false;
     }
 
     std::vector<int> live;
     live.reserve(std::size_t(layout.records));
-    for (int r = 0; r < int(layout.records); ++r) {
-        const char* tuple = DBFReadTuple(h, r);
-        if (!tuple) {
-            DBFClose(h);
-            report(error, DbfError::Truncated, path_);
-            return false;
-        }
-        if (tuple[0] != '*') live.push_back(r);
-    }
+    const char* first = image.constData() + layout.header_length;
+    for (qint64 r = 0; r < layout.records; ++r)
+        if (first[r * layout.record_length] != '*') live.push_back(int(r));
 
-    handle_ = h;
     read_only_ = read_only;
     fields_ = layout.fields;
     offsets_ = std::move(layout.offsets);
     header_length_ = layout.header_length;
     record_length_ = layout.record_length;
+    records_ = int(layout.records);
+    image_ = std::move(image);
+    stamped_ = false;
     live_ = std::move(live);
     pos_ = 0;
     on_deleted_ = false;
@@ -799,11 +788,14 @@ bool DbfTable::attach(DbfAccess access, DbfError* error) {
 }
 
 void DbfTable::detach() {
-    if (handle_) DBFClose(dbf(handle_));
-    handle_ = nullptr;
+    file_.close();
+    image_.clear();
+    records_ = 0;
     live_.clear();
     pos_ = 0;
     on_deleted_ = false;
+    batch_ = false;
+    dirty_first_ = dirty_last_ = -1;
 }
 
 void DbfTable::fail(DbfError::Code code, const QString& detail) const {
@@ -811,7 +803,7 @@ void DbfTable::fail(DbfError::Code code, const QString& detail) const {
 }
 
 bool DbfTable::current_valid() const {
-    return handle_ && !on_deleted_ && pos_ >= 0 && pos_ < int(live_.size());
+    return file_.is_open() && !on_deleted_ && pos_ >= 0 && pos_ < int(live_.size());
 }
 
 const char* DbfTable::current_bytes() const {
@@ -820,16 +812,7 @@ const char* DbfTable::current_bytes() const {
         fail(DbfError::NoCurrentRecord);
         return nullptr;
     }
-    const char* tuple = DBFReadTuple(dbf(handle_), live_[std::size_t(pos_)]);
-    if (!tuple) fail(DbfError::Truncated);
-    return tuple;
-}
-
-// shapelib keeps the last record it read; another workstation may have
-// changed it since. Forget it so the next read goes to the disk.
-void DbfTable::drop_cached_record() {
-    DBFHandle h = dbf(handle_);
-    if (h && !h->bCurrentRecordModified) h->nCurrentRecord = -1;
+    return image_.constData() + record_offset(live_[std::size_t(pos_)]);
 }
 
 // ---- walk
@@ -923,27 +906,29 @@ bool DbfTable::Edit() {
         return false;
     }
     leave_edit();
-    drop_cached_record();
     const int record = live_[std::size_t(pos_)];
-    const char* tuple = DBFReadTuple(dbf(handle_), record);
-    if (!tuple) {
+    // Another workstation may have changed the record since the walk began:
+    // the edit starts from what is on the disk now (a batch holds the table
+    // and works from memory).
+    if (!batch_ && !file_.read_at(record_offset(record), image_record(record), record_length_)) {
         fail(DbfError::Truncated);
         return false;
     }
+    const char* bytes = image_record(record);
     // Deleted by another workstation since the walk began: writing it back
     // would bring it back to life.
-    if (tuple[0] == '*') {
+    if (bytes[0] == '*') {
         fail(DbfError::NoCurrentRecord);
         return false;
     }
-    edit_buf_ = QByteArray(tuple, record_length_);
+    edit_buf_ = QByteArray(bytes, record_length_);
     edit_record_ = record;
     mode_ = Mode::Edit;
     return true;
 }
 
 bool DbfTable::AddNew() {
-    if (!handle_) {
+    if (!file_.is_open()) {
         fail(DbfError::NoCurrentRecord);
         return false;
     }
@@ -1000,31 +985,46 @@ bool DbfTable::set_value(const QString& name, const QVariant& value) {
     return set_value(i, value);
 }
 
-// Every change goes to the disk at once, header included. The header count
-// is never lowered below what another workstation has written meanwhile,
-// and once written shapelib need not write it again at close (where it
-// could undo a later append of someone else).
-bool DbfTable::commit_write() {
-    DBFHandle h = dbf(handle_);
-    adopt_foreign_appends();
-    DBFUpdateHeader(h);
-    if (hook_file(h->fp)->failed) return false;
-    h->bUpdated = 0;
-    return true;
+// The header's record count on the disk now: another workstation may have
+// appended since the open.
+int DbfTable::disk_record_count(bool* ok) {
+    char head[8];
+    *ok = file_.read_at(0, head, sizeof head);
+    if (!*ok) return records_;
+    const auto b = [&](int i) { return quint32(static_cast<unsigned char>(head[i])); };
+    return int(b(4) | (b(5) << 8) | (b(6) << 16) | ((b(7) & 0x7F) << 24));
 }
 
-// Another workstation may have appended since the open: a new record goes
-// after theirs instead of over them.
-void DbfTable::adopt_foreign_appends() {
-    DBFHandle h = dbf(handle_);
-    QFile file(path_);
-    if (!file.open(QIODevice::ReadOnly)) return;
-    const QByteArray head = file.read(kFileHeader);
-    if (head.size() < kFileHeader) return;
-    const qint64 count = qint64(u16(head, 4)) | (qint64(u16(head, 6) & 0x7FFF) << 16);
-    if (count <= h->nRecords) return;
-    if (qint64(header_length_) + count * record_length_ > file.size()) return;
-    h->nRecords = int(count);
+// Records first..last from memory to the disk in one write, with the
+// end-of-file mark after the last record of the table, as shapelib writes it.
+bool DbfTable::write_records(int first, int last) {
+    const qint64 from = record_offset(first);
+    qint64 length = qint64(last - first + 1) * record_length_;
+    if (last == records_ - 1) {
+        if (image_.size() < from + length + 1) image_.resize(from + length + 1);
+        image_[qsizetype(from + length)] = char(0x1A);
+        ++length;
+    }
+    return file_.write_at(from, image_.constData() + from, length);
+}
+
+// Today's date and the record count into the header (bytes 1 to 7). The
+// date is written once a day per handle; the count only when it changed.
+bool DbfTable::write_header(bool count_changed) {
+    const QDate today = QDate::currentDate();
+    char* h = image_.data();
+    const char date[3] = {char(today.year() - 1900), char(today.month()), char(today.day())};
+    const bool date_changed = !stamped_ || std::memcmp(h + 1, date, 3) != 0;
+    if (!date_changed && !count_changed) return true;
+    std::memcpy(h + 1, date, 3);
+    const quint32 n = quint32(records_);
+    h[4] = char(n & 0xFF);
+    h[5] = char((n >> 8) & 0xFF);
+    h[6] = char((n >> 16) & 0xFF);
+    h[7] = char((n >> 24) & 0xFF);
+    const bool ok = count_changed ? file_.write_at(1, h + 1, 7) : file_.write_at(1, h + 1, 3);
+    stamped_ = ok;
+    return ok;
 }
 
 // After a refused write the handle's idea of the file can't be trusted:
@@ -1048,23 +1048,48 @@ bool DbfTable::Update(DbfError* error) {
         if (error) *error = error_;
         return false;
     };
-    if (mode_ == Mode::None || !handle_) return refuse(DbfError::NotEditing);
+    if (mode_ == Mode::None || !file_.is_open()) return refuse(DbfError::NotEditing);
     if (pending_error_ != DbfError::None) return refuse(pending_error_, pending_detail_);
     if (read_only_) return refuse(DbfError::ReadOnly);
 
-    DBFHandle h = dbf(handle_);
-    stamp_today(h);
-    int record = edit_record_;
-    if (mode_ == Mode::AddNew) {
-        adopt_foreign_appends();
-        record = DBFGetRecordCount(h);
-    }
     edit_buf_[0] = ' ';
-    if (!DBFWriteTuple(h, record, edit_buf_.data()) || !commit_write()) {
+    int record = edit_record_;
+    const bool adding = mode_ == Mode::AddNew;
+    if (adding) {
+        // A new record goes after what other workstations appended since
+        // the open, never over it.
+        int count = records_;
+        if (!batch_) {
+            bool ok = false;
+            count = std::max(records_, disk_record_count(&ok));
+            if (!ok) {
+                resync_after_failure();
+                return refuse(DbfError::WriteFailed);
+            }
+            if (count > records_) {
+                image_.resize(record_offset(count));
+                if (!file_.read_at(record_offset(records_), image_record(records_),
+                                   qint64(count - records_) * record_length_)) {
+                    resync_after_failure();
+                    return refuse(DbfError::WriteFailed);
+                }
+            }
+        }
+        record = count;
+        if (image_.size() < record_offset(record + 1)) image_.resize(record_offset(record + 1));
+    }
+    const int records_before = records_;
+    std::memcpy(image_record(record), edit_buf_.constData(), std::size_t(record_length_));
+    if (adding) records_ = record + 1;
+
+    if (batch_) {
+        if (!adding) mark_dirty(record);
+    } else if (!write_records(record, record) || !write_header(records_ != records_before)) {
+        // Taken again from the disk: nothing counts a record it did not take.
         resync_after_failure();
         return refuse(DbfError::WriteFailed);
     }
-    if (mode_ == Mode::AddNew) {
+    if (adding) {
         live_.push_back(record);
         pos_ = int(live_.size()) - 1;
         on_deleted_ = false;
@@ -1092,21 +1117,83 @@ bool DbfTable::Delete() {
         fail(DbfError::ReadOnly);
         return false;
     }
-    DBFHandle h = dbf(handle_);
-    drop_cached_record();
-    stamp_today(h);
-    if (!DBFMarkRecordDeleted(h, live_[std::size_t(pos_)], 1) || !commit_write()) {
-        resync_after_failure();
-        fail(DbfError::WriteFailed);
-        return false;
+    const int record = live_[std::size_t(pos_)];
+    image_record(record)[0] = '*';
+    if (batch_) {
+        if (record < batch_base_) mark_dirty(record);
+    } else {
+        // Only the flag: the rest of the record may have been changed by
+        // another workstation since it was read.
+        bool ok = file_.write_at(record_offset(record), "*", 1);
+        if (ok && record == records_ - 1) ok = file_.write_at(record_offset(records_), "\x1A", 1);
+        if (!ok || !write_header(false)) {
+            resync_after_failure();
+            fail(DbfError::WriteFailed);
+            return false;
+        }
     }
     live_.erase(live_.begin() + pos_);
     on_deleted_ = true;
     return true;
 }
 
+void DbfTable::mark_dirty(int record) {
+    dirty_first_ = dirty_first_ < 0 ? record : std::min(dirty_first_, record);
+    dirty_last_ = std::max(dirty_last_, record);
+}
+
+void DbfTable::begin_batch() {
+    if (!file_.is_open() || read_only_ || batch_) return;
+    batch_ = true;
+    batch_base_ = records_;
+    dirty_first_ = dirty_last_ = -1;
+}
+
+bool DbfTable::commit_batch(DbfError* error) {
+    if (!batch_) {
+        if (error) *error = DbfError{};
+        return file_.is_open();
+    }
+    batch_ = false;
+    const int first = dirty_first_, last = dirty_last_;
+    dirty_first_ = dirty_last_ = -1;
+    const int added = records_ - batch_base_;
+    bool ok = true;
+    if (first >= 0 || added > 0) {
+        const int on_disk = disk_record_count(&ok);
+        if (ok && added > 0 && on_disk > batch_base_) {
+            // Another workstation appended meanwhile: ours go after theirs.
+            const int theirs = on_disk - batch_base_;
+            const QByteArray ours = image_.mid(record_offset(batch_base_), qsizetype(added) * record_length_);
+            image_.resize(record_offset(on_disk + added));
+            ok = file_.read_at(record_offset(batch_base_), image_record(batch_base_), qint64(theirs) * record_length_);
+            std::memcpy(image_record(on_disk), ours.constData(), std::size_t(ours.size()));
+            for (int& r : live_)
+                if (r >= batch_base_) r += theirs;
+            records_ = on_disk + added;
+        }
+        // The changed records in one write, the new ones with them where
+        // they follow on.
+        const int append_first = records_ - added;
+        const bool joined = first >= 0 && added > 0 && append_first == last + 1;
+        if (ok && first >= 0) ok = write_records(first, joined ? records_ - 1 : last);
+        if (ok && added > 0 && !joined) ok = write_records(append_first, records_ - 1);
+        if (ok) ok = write_header(records_ > on_disk);
+    }
+    if (!ok) {
+        leave_edit();
+        resync_after_failure();
+        fail(DbfError::WriteFailed);
+        if (error) *error = error_;
+        return false;
+    }
+    if (error) *error = DbfError{};
+    return true;
+}
+
 bool DbfTable::Refresh() {
     leave_edit();
+    if (batch_) commit_batch();
     detach();
     DbfError error;
     if (!attach(access_, &error)) {
@@ -1118,21 +1205,18 @@ bool DbfTable::Refresh() {
 
 void DbfTable::Close() {
     leave_edit();
+    if (batch_) commit_batch();
     detach();
     fields_.clear();
     offsets_.clear();
 }
 
 bool DbfTable::flush() {
-    if (!handle_) return false;
-    DBFHandle h = dbf(handle_);
-    if (h->bUpdated && !commit_write()) {
-        fail(DbfError::WriteFailed);
-        return false;
-    }
-    if (hook_flush(h->fp) != 0) {
-        fail(DbfError::WriteFailed);
-        return false;
+    if (!file_.is_open()) return false;
+    if (batch_) {
+        const bool ok = commit_batch();
+        begin_batch();
+        return ok;
     }
     return true;
 }

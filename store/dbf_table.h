@@ -3,10 +3,17 @@
 // the recordset operations the screens use: walk, read by position or name,
 // Edit/AddNew/Update, Delete, Refresh.
 //
-// shapelib does the file access, but only whole records go through it
-// (DBFReadTuple/DBFWriteTuple): its field readers trim blanks, share one
-// buffer and convert numbers with the C locale functions, and a comma locale
-// must never change a stored byte. Fields are cut and converted here.
+// An open table keeps one file handle for its whole life and a copy of the
+// file in memory, read at open in one go: a walk costs no disk access. A
+// change goes to the disk at once, as positioned writes of the record and of
+// the header's date and count; whole-table work (a recalculation, a rebuild,
+// an export) gathers its changes in a batch and writes them once. shapelib
+// creates new tables; its record access seeks and rereads the header for
+// every record, which on a network drive is a round trip each, so records
+// are laid out here, byte for byte as shapelib lays them out: the record,
+// the end-of-file mark after the last one, the header's date and count.
+// Fields are cut and converted here too: a comma locale must never change a
+// stored byte.
 //
 // Values are QVariants as in util/text_helpers.h: an invalid QVariant is Null.
 // A field whose bytes are all blank reads as Null. Character fields read as
@@ -19,6 +26,8 @@
 
 #include <memory>
 #include <vector>
+
+#include "store/table_file.h"
 
 namespace veldo {
 
@@ -85,7 +94,7 @@ public:
     DbfTable& operator=(const DbfTable&) = delete;
 
     const QString& path() const { return path_; }
-    bool is_open() const { return handle_ != nullptr; }
+    bool is_open() const { return file_.is_open(); }
     bool is_read_only() const { return read_only_; }
 
     // The walk. Deleted records are never seen; the list of live records is
@@ -147,6 +156,16 @@ public:
     void Close();
     bool flush();
 
+    // Whole-table work. Between begin_batch and commit_batch, Edit takes
+    // the record from memory, and Update and AddNew change only memory;
+    // commit_batch writes every changed and added record in one write and
+    // the header once. A failed commit leaves the header counting only what
+    // reached the disk, and the table reread from it. Closing a table with
+    // an open batch commits it.
+    void begin_batch();
+    bool commit_batch(DbfError* error = nullptr);
+    bool in_batch() const { return batch_; }
+
     const DbfError& last_error() const { return error_; }
     void clear_error() { error_ = DbfError{}; }
 
@@ -160,19 +179,24 @@ private:
     const char* current_bytes() const;
     bool current_valid() const;
     void leave_edit() { mode_ = Mode::None; pending_error_ = DbfError::None; }
-    bool commit_write();
+    qint64 record_offset(int record) const { return qint64(header_length_) + qint64(record) * record_length_; }
+    char* image_record(int record) { return image_.data() + record_offset(record); }
+    bool write_records(int first, int last);
+    bool write_header(bool count_changed);
+    int disk_record_count(bool* ok);
     void resync_after_failure();
-    void adopt_foreign_appends();
-    void drop_cached_record();
 
     QString path_;
-    void* handle_ = nullptr;  // DBFHandle
+    TableFile file_;
     bool read_only_ = false;
     DbfAccess access_ = DbfAccess::ReadWrite;
     QList<DbfField> fields_;
     std::vector<int> offsets_;
     int header_length_ = 0;
     int record_length_ = 0;
+    QByteArray image_;  // the header and records as last read or written
+    int records_ = 0;   // the header's count as this handle knows it
+    bool stamped_ = false;  // today's date is in the header on disk
 
     std::vector<int> live_;  // record numbers, from 0
     int pos_ = 0;            // index into live_; -1 BOF, live_.size() EOF
@@ -183,6 +207,11 @@ private:
     int edit_record_ = -1;
     DbfError::Code pending_error_ = DbfError::None;
     QString pending_detail_;
+
+    void mark_dirty(int record);
+    bool batch_ = false;
+    int batch_base_ = 0;                      // the record count when the batch began
+    int dirty_first_ = -1, dirty_last_ = -1;  // records changed in the batch, below batch_base_
 
     mutable DbfError error_;
 };

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <string>
 
 namespace veldo {
@@ -45,6 +46,32 @@ double parse_unsigned(const std::string& text) {
     }
     if (ec != std::errc()) return 0.0;
     return value;
+}
+
+// A decimal text of at most 15 digits ("12.5", "0.25") is an exact whole
+// number divided by an exact power of ten, and one division of two exact
+// doubles is rounded correctly: the same double as the full reader gives.
+std::optional<double> fast_decimal(const std::string& text) {
+    static constexpr double kPowers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8,
+                                         1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    std::uint64_t mantissa = 0;
+    int digits = 0, decimals = 0;
+    bool after_point = false;
+    for (char c : text) {
+        if (c == '.') {
+            after_point = true;
+            continue;
+        }
+        if (mantissa == 0 && c == '0') {
+            if (after_point) ++decimals;
+            continue;
+        }
+        if (++digits > 15) return std::nullopt;
+        mantissa = mantissa * 10 + std::uint64_t(c - '0');
+        if (after_point) ++decimals;
+    }
+    if (decimals > 15) return std::nullopt;
+    return double(mantissa) / kPowers[decimals];
 }
 
 // The decimal digits of a non-negative finite value, taken to `significant`
@@ -144,7 +171,7 @@ double Val(const QString& text) {
         }
     }
     if (!any_digit) return 0.0;
-    const double value = parse_unsigned(number);
+    const double value = fast_decimal(number).value_or(parse_unsigned(number));
     if (value == 0.0) return 0.0;  // no "-0" from "-0.0"
     return negative ? -value : value;
 }
@@ -281,7 +308,46 @@ QString format_mask(double value, const QString& mask) {
     return out;
 }
 
-QString format_one_decimal(double value) { return format_mask(value, QStringLiteral("##0.0")); }
+// "##0.0" is the mask of every stored mark: the same digits as format_mask
+// gives it, put together without walking the mask.
+QString format_one_decimal(double value) {
+    if (!std::isfinite(value)) return non_finite_text(value);
+    char buf[32];
+    std::size_t n = 0;
+    // A mark is far from a half in tenths almost always; then taking it to 15
+    // digits first can't change the rounding, and the tenths are counted
+    // directly. Only near a half does the full digit work decide.
+    const double tenths = std::fabs(value) * 10.0;
+    if (tenths < 1e9) {
+        const double floor_part = std::floor(tenths);
+        const double fraction = tenths - floor_part;
+        if (std::fabs(fraction - 0.5) > 1e-6) {
+            long long count = (long long)floor_part + (fraction > 0.5 ? 1 : 0);
+            if (value < 0) buf[n++] = '-';
+            char digits[24];
+            int d = 0;
+            const int decimal = int(count % 10);
+            count /= 10;
+            do {
+                digits[d++] = char('0' + count % 10);
+                count /= 10;
+            } while (count > 0);
+            while (d > 0) buf[n++] = digits[--d];
+            buf[n++] = '.';
+            buf[n++] = char('0' + decimal);
+            return QString::fromLatin1(buf, qsizetype(n));
+        }
+    }
+    std::string whole, fraction;
+    fixed_digits(std::fabs(value), 1, whole, fraction);
+    if (whole.size() + 4 > sizeof buf) return format_mask(value, QStringLiteral("##0.0"));
+    if (value < 0) buf[n++] = '-';
+    if (whole.empty()) buf[n++] = '0';
+    for (char c : whole) buf[n++] = c;
+    buf[n++] = '.';
+    buf[n++] = fraction[0];
+    return QString::fromLatin1(buf, qsizetype(n));
+}
 
 namespace {
 

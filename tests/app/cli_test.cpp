@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "markbook/workbook_reader.h"
+#include "store/dbf_table.h"
 #include "tests/support/program_run.h"
 #include "tests/support/temp_drive.h"
 #include "util/legacy_number.h"
@@ -310,6 +311,62 @@ TEST_F(CliPrint, BadUsageAndRefusals) {
     const auto r = run({"print", "markbook", "--data", data(), "--series", "2", "--pdf", drive.filePath("x.pdf")});
     EXPECT_EQ(r.exit_code, 1);
     EXPECT_EQ(r.err.trimmed().split('\n').last(), "1 No ranges available ... see 'MARK BOOK SETUP'");
+}
+
+}  // namespace
+}  // namespace veldo
+
+namespace veldo {
+namespace {
+
+// A guard on the table layer's cost: a recalculation of 2,000 learners opens
+// the marks table a handful of times, not once per learner, and reads and
+// writes it in a few large calls.
+TEST(CliSystemCalls, ARecalculationOpensTheTableAHandfulOfTimes) {
+    ASSERT_FALSE(QStandardPaths::findExecutable("strace").isEmpty()) << "strace is installed by scripts/setup.sh";
+    QTemporaryDir drive;
+    const QString data = drive.filePath("data");
+    ASSERT_EQ(testing::run_program(drive.path(), {"demo", "--data", data}).exit_code, 0);
+    {
+        auto t = DbfTable::open(data + "/marks1.dbf");
+        ASSERT_TRUE(t);
+        t->begin_batch();
+        for (int l = 0; l < 2000; ++l) {
+            t->AddNew();
+            t->set_value(0, 50000.0 + l);
+            t->set_value(1, QString("Leerder %1").arg(l));
+            for (int f = 2; f < 22; ++f) t->set_value(f, format_one_decimal((l + f) % 10));
+            t->Update();
+        }
+        ASSERT_TRUE(t->commit_batch());
+    }
+    const QString trace = drive.filePath("trace.txt");
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("KESTRALIN_DRIVE", drive.path());
+    p.setProcessEnvironment(env);
+    p.start("strace", {"-f", "-qq", "-e", "trace=open,openat,read,write,pread64,pwrite64,lseek", "-o", trace,
+                       VELDO_PROGRAM, "recalc", "--data", data, "--series", "1"});
+    ASSERT_TRUE(p.waitForFinished(120000));
+    ASSERT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+    EXPECT_TRUE(p.readAllStandardOutput().contains("2032 learners"));
+
+    QFile file(trace);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    int opens = 0, calls = 0;
+    const QByteArray marks = QFile::encodeName(data) + "/";
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine();
+        if (!line.contains("marks1.dbf")) {
+            // Calls on the table's descriptor carry no name; count them all
+            // but those of the program's own start (libraries, fonts).
+            if (line.contains("pread64(") || line.contains("pwrite64(") || line.contains("lseek(")) ++calls;
+            continue;
+        }
+        if (line.contains("open")) ++opens;
+    }
+    EXPECT_LE(opens, 8) << "the marks table was opened " << opens << " times";
+    EXPECT_LE(calls, 40) << calls << " positioned reads, writes and seeks";
 }
 
 }  // namespace

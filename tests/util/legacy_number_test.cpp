@@ -45,6 +45,25 @@ TEST(LegacyNumberVal, TakesNoExponentAndNoCommaDecimal) {
     EXPECT_DOUBLE_EQ(Val(QStringLiteral("12,5")), 12.0);
 }
 
+// Short decimals take a quick road; it must land on the same double as a
+// correctly rounded reader.
+TEST(LegacyNumberVal, ReadsEveryDecimalToTheCorrectlyRoundedDouble) {
+    std::mt19937_64 rng(7);
+    for (int i = 0; i < 50000; ++i) {
+        const int whole = int(rng() % 8), decimals = int(rng() % 18);
+        QString text;
+        for (int k = 0; k < whole; ++k) text += QChar('0' + int(rng() % 10));
+        if (decimals) text += '.';
+        for (int k = 0; k < decimals; ++k) text += QChar('0' + int(rng() % 10));
+        if (text.isEmpty() || text == ".") continue;
+        bool ok = false;
+        const double expected = text.toDouble(&ok);
+        ASSERT_TRUE(ok) << text.toStdString();
+        ASSERT_EQ(Val(text), expected) << text.toStdString();
+        ASSERT_EQ(Val("-" + text), expected == 0 ? 0.0 : -expected) << text.toStdString();
+    }
+}
+
 TEST(LegacyNumberVal, NegativeZeroReadsAsPlainZero) {
     EXPECT_FALSE(std::signbit(Val(QStringLiteral("-0.0"))));
 }
@@ -107,6 +126,22 @@ TEST(LegacyNumberMask, RoundsHalfAwayFromZeroAfterFifteenDigits) {
     EXPECT_EQ(format_one_decimal(99.95), QStringLiteral("100.0"));
     EXPECT_EQ(format_one_decimal(0.1 + 0.2), QStringLiteral("0.3"));
     EXPECT_EQ(format_one_decimal(21.0 / 30.0 * 40.0), QStringLiteral("28.0"));
+}
+
+// The one-decimal mask takes a short road away from the halves; it must give
+// what the general mask gives, halves and near-halves included.
+TEST(LegacyNumberMask, OneDecimalAgreesWithTheGeneralMask) {
+    std::mt19937_64 rng(3);
+    std::uniform_real_distribution<double> marks(-150.0, 150.0);
+    const QString mask = QStringLiteral("##0.0");
+    for (int i = 0; i < 100000; ++i) {
+        double v = marks(rng);
+        if (i % 3 == 0) v = std::round(v * 100) / 100;                 // two decimals: many halves
+        if (i % 3 == 1) v = (std::round(v * 20) + 1e-12 * (i % 7 - 3)) / 20;  // a hair off a half
+        ASSERT_EQ(format_one_decimal(v), format_mask(v, mask)) << v;
+    }
+    for (double v : {1e8 + 0.05, 123456789.25, 1e12, -0.0, 0.0, 0.05, -0.05})
+        EXPECT_EQ(format_one_decimal(v), format_mask(v, mask)) << v;
 }
 
 TEST(LegacyNumberMask, HasNoThousandsSeparatorAndWidensPastThePlaceholders) {
