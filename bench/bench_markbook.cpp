@@ -10,6 +10,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <sys/resource.h>
 
@@ -203,6 +204,51 @@ void BM_StoreOneMark(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_StoreOneMark)->Arg(2000)->Unit(benchmark::kMicrosecond)->Repetitions(5)->ReportAggregatesOnly(true);
+
+#ifdef VELDO_PROGRAM
+// As a teacher's workstation runs it: whole processes, the program's
+// `recalc` (open with its rebuild, and the recalculation) of 2,000 learners
+// beside `cp` of the same table.
+struct ProcessBook {
+    QTemporaryDir drive;
+    QString data = drive.filePath("data");
+    ProcessBook() {
+        run({VELDO_PROGRAM, "demo", "--data", data});
+        auto t = DbfTable::open(data + "/marks1.dbf");
+        t->begin_batch();
+        for (int l = 0; l < 2000; ++l) {
+            t->AddNew();
+            t->set_value(0, 50000.0 + l);
+            t->set_value(1, QString("Leerder %1").arg(l));
+            for (int f = 2; f < 22; ++f) t->set_value(f, format_one_decimal((l + f) % 10));
+            t->Update();
+        }
+        t->commit_batch();
+    }
+    int run(const QStringList& args) {
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("KESTRALIN_DRIVE", drive.path());
+        p.setProcessEnvironment(env);
+        p.start(args.first(), args.mid(1));
+        p.waitForFinished(60000);
+        return p.exitCode();
+    }
+};
+
+void BM_ProcessCopy(benchmark::State& state) {
+    ProcessBook book;
+    for (auto _ : state) book.run({"cp", book.data + "/marks1.dbf", book.drive.filePath("copy.dbf")});
+}
+BENCHMARK(BM_ProcessCopy)->Unit(benchmark::kMillisecond)->Repetitions(7)->ReportAggregatesOnly(true);
+
+void BM_ProcessRecalc(benchmark::State& state) {
+    ProcessBook book;
+    for (auto _ : state)
+        if (book.run({VELDO_PROGRAM, "recalc", "--data", book.data, "--series", "1"}) != 0) state.SkipWithError("recalc failed");
+}
+BENCHMARK(BM_ProcessRecalc)->Unit(benchmark::kMillisecond)->Repetitions(7)->ReportAggregatesOnly(true);
+#endif
 
 void BM_SymbolDistribution(benchmark::State& state) {
     Book book(int(state.range(0)));

@@ -146,19 +146,23 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
         if (error) *error = "template missing";
         return false;
     }
+    auto old = DbfTable::open(path);
+    if (!old) return false;
+    // Rows of learners only; the sort needs no more than each row's place
+    // and its name, and puts them in the order a grid of every field would.
+    std::vector<std::pair<int, QString>> kept;
+    kept.reserve(std::size_t(old->RecordCount()));
+    int place = 0;
+    for (old->MoveFirst(); !old->Eof(); old->MoveNext(), ++place)
+        if (Val(plain_text(old->value(0))) > 0) kept.emplace_back(place, plain_text(old->value(1)));
     TextGrid grid(0, 0);
-    {
-        auto old = DbfTable::open(path);
-        if (!old) return false;
-        grid.set_fixed_rows(0);
-        grid.set_fixed_cols(0);
-        grid.set_cols(old->field_count());
-        for (old->MoveFirst(); !old->Eof(); old->MoveNext()) {
-            if (Val(plain_text(old->value(0))) <= 0) continue;
-            const int row = grid.rows();
-            grid.set_rows(row + 1);
-            for (int f = 0; f < old->field_count(); ++f) grid.set_text(row, f, plain_text(old->value(f)));
-        }
+    grid.set_fixed_rows(0);
+    grid.set_fixed_cols(0);
+    grid.set_cols(2);
+    grid.set_rows(int(kept.size()));
+    for (int r = 0; r < int(kept.size()); ++r) {
+        grid.set_text(r, 0, QString::number(kept[std::size_t(r)].first));
+        grid.set_text(r, 1, kept[std::size_t(r)].second);
     }
     grid.sort(1, GridSort::GenericAscending);
 
@@ -175,12 +179,27 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
             QFile::remove(fresh);
             return false;
         }
-        const int fields = std::min(table->field_count(), grid.cols());
+        const int fields = std::min(table->field_count(), old->field_count());
+        // With the template's own layout a record is copied as it stands,
+        // and only the fields whose text would not come back byte for byte
+        // (numbers, dates, text with a NUL) are written through their value.
+        bool same_layout = table->field_count() == old->field_count() && table->record_length() == old->record_length();
+        for (int f = 0; same_layout && f < fields; ++f)
+            same_layout = table->field(f).type == old->field(f).type && table->field(f).width == old->field(f).width &&
+                          table->field(f).decimals == old->field(f).decimals;
         table->begin_batch();
         for (int r = 0; r < grid.rows(); ++r) {
+            old->MoveFirst();
+            old->Move(grid.text(r, 0).toInt());
             table->AddNew();
+            const QByteArrayView record = old->record_bytes();
+            if (same_layout) table->set_record_bytes(record);
             for (int f = 0; f < fields; ++f) {
-                QString text = grid.text(r, f);
+                const DbfField& field = old->field(f);
+                if (same_layout && field.type == DbfType::Character &&
+                    !QByteArrayView(record.data() + old->field_offset(f), field.width).contains('\0'))
+                    continue;
+                QString text = plain_text(old->value(f));
                 while (text.endsWith(' ')) text.chop(1);
                 table->set_value(f, text.isEmpty() ? QVariant() : QVariant(text));
             }
@@ -197,6 +216,7 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
             return false;
         }
     }
+    old->Close();
     if (std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()) != 0) {
         QFile::remove(fresh);
         return false;

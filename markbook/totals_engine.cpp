@@ -1,55 +1,142 @@
 #include "markbook/totals_engine.h"
 
 #include <QStringList>
+#include <algorithm>
+#include <cstring>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "store/dbf_table.h"
+#include "util/cp1252.h"
 #include "util/text_helpers.h"
 
 namespace veldo {
 namespace {
 
+// The blanks QString::trimmed takes off, as they fall in Windows-1252.
+bool is_blank_byte(char c) {
+    const auto u = static_cast<unsigned char>(c);
+    return u == ' ' || (u >= 0x09 && u <= 0x0D) || u == 0xA0;
+}
+
+QLatin1StringView trimmed(QLatin1StringView v) {
+    qsizetype from = 0, to = v.size();
+    while (from < to && is_blank_byte(v[from].toLatin1())) ++from;
+    while (to > from && is_blank_byte(v[to - 1].toLatin1())) --to;
+    return v.sliced(from, to - from);
+}
+
+// A stored field's text as the table layer hands it back, in the table's own
+// single-byte code: a character field up to its first NUL, a memo or other
+// field whole; Null (nullopt) when every byte is blank. Other types are no
+// text: the caller reads them through their value.
+bool is_text_field(DbfType type) { return type == DbfType::Character || type == DbfType::Memo || type == DbfType::Other; }
+
+std::optional<QLatin1StringView> stored_text(const DbfField& field, const char* p) {
+    bool blank = true;
+    for (int i = 0; i < field.width && blank; ++i) blank = p[i] == ' ' || p[i] == '\0';
+    if (blank) return std::nullopt;
+    const int length = field.type == DbfType::Character ? int(std::find(p, p + field.width, '\0') - p) : field.width;
+    return QLatin1StringView(p, length);
+}
+
 // One record's fields as text, held while it is worked on. A value is stored
 // as the table would hand it back: cut at the field's width, and Null when it
-// is all blanks.
+// is all blanks. Mark fields are text fields; they are worked on in their
+// stored bytes, with no QString or QVariant per field.
 class WorkRecord {
 public:
-    explicit WorkRecord(const DbfTable& table) : table_(table), values_(table.field_count()) {}
+    explicit WorkRecord(const DbfTable& table) : table_(table), values_(std::size_t(table.field_count())) {}
 
     // The mark fields only: the learner's number and name take no part.
     void load() {
+        const QByteArrayView record = table_.record_bytes();
         for (int i = 2; i < int(values_.size()); ++i) {
-            const QVariant v = table_.value(i);
-            values_[i] = v.isValid() ? std::optional<QString>(plain_text(v)) : std::nullopt;
+            Value& v = values_[std::size_t(i)];
+            const DbfField& field = table_.field(i);
+            v.changed = false;
+            if (is_text_field(field.type) && !record.isEmpty()) {
+                const auto text = stored_text(field, record.data() + table_.field_offset(i));
+                v.null = !text;
+                if (text) v.text.assign(text->data(), std::size_t(text->size()));
+            } else {
+                const QVariant value = table_.value(i);
+                v.null = !value.isValid();
+                v.text = cp1252::encode(plain_text(value)).toStdString();
+            }
         }
-        changed_.assign(values_.size(), false);
     }
     bool has(int f) const { return f >= 0 && f < int(values_.size()); }
-    bool is_null(int f) const { return !values_[f].has_value(); }
+    bool is_null(int f) const { return values_[std::size_t(f)].null; }
     // The value through the null test, trimmed.
-    QString normalised(int f) const { return values_[f] ? values_[f]->trimmed() : QString(); }
-    double number(int f) const { return values_[f] ? Val(*values_[f]) : 0.0; }
-    void set(int f, const QString& text) {
-        const QString stored = text.left(table_.field(f).width);
-        values_[f] = stored.trimmed().isEmpty() ? std::nullopt : std::optional<QString>(stored);
-        changed_[f] = true;
+    QLatin1StringView normalised(int f) const { return is_null(f) ? QLatin1StringView() : trimmed(text(f)); }
+    double number(int f) const { return is_null(f) ? 0.0 : Val(text(f)); }
+    void set(int f, QLatin1StringView text) {
+        Value& v = values_[std::size_t(f)];
+        const QLatin1StringView stored = text.left(table_.field(f).width);
+        v.null = trimmed(stored).isEmpty();
+        v.text.assign(stored.data(), std::size_t(stored.size()));
+        v.changed = true;
     }
+    void set(int f, const QString& text) { set(f, QLatin1StringView(cp1252::encode(text))); }
     // Writes what changed; one Edit and Update for the record.
     void save(DbfTable& table) {
         bool any = false;
-        for (bool c : changed_) any = any || c;
+        for (const Value& v : values_) any = any || v.changed;
         if (!any) return;
         table.Edit();
-        for (int f = 0; f < int(values_.size()); ++f)
-            if (changed_[f]) table.set_value(f, values_[f] ? QVariant(*values_[f]) : QVariant());
+        QByteArray record = table.record_bytes().toByteArray();
+        std::vector<int> typed;  // changed fields that are no text: through their value
+        for (int f = 2; f < int(values_.size()); ++f) {
+            const Value& v = values_[std::size_t(f)];
+            if (!v.changed) continue;
+            const DbfField& field = table.field(f);
+            if (!is_text_field(field.type)) {
+                typed.push_back(f);
+                continue;
+            }
+            char* p = record.data() + table.field_offset(f);
+            std::memset(p, ' ', std::size_t(field.width));
+            if (!v.null) std::memcpy(p, v.text.data(), std::min(v.text.size(), std::size_t(field.width)));
+        }
+        table.set_record_bytes(record);
+        for (int f : typed) {
+            const Value& v = values_[std::size_t(f)];
+            table.set_value(f, v.null ? QVariant() : QVariant(cp1252::decode(v.text.data(), qsizetype(v.text.size()))));
+        }
         table.Update();
     }
 
 private:
+    struct Value {
+        std::string text;  // short enough to stay in the string itself
+        bool null = true;
+        bool changed = false;
+    };
+    QLatin1StringView text(int f) const {
+        const Value& v = values_[std::size_t(f)];
+        return QLatin1StringView(v.text.data(), qsizetype(v.text.size()));
+    }
+
     const DbfTable& table_;
-    std::vector<std::optional<QString>> values_;
-    std::vector<bool> changed_;
+    std::vector<Value> values_;
+};
+
+// A number in the one-decimal mask, for the working record.
+struct OneDecimal {
+    char buf[kOneDecimalRoom];
+    QByteArray wide;  // the rare number too long for the buffer
+    QLatin1StringView view;
+    explicit OneDecimal(double value) {
+        const int n = format_one_decimal_to(value, buf);
+        if (n >= 0) {
+            view = QLatin1StringView(buf, n);
+        } else {
+            wide = format_one_decimal(value).toLatin1();
+            view = QLatin1StringView(wide);
+        }
+    }
 };
 
 // A real mark field of the table: never the learner's number or name.
@@ -115,7 +202,7 @@ bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
     for (marks.MoveFirst(); !marks.Eof(); marks.MoveNext()) {
         rec.load();
         for (int f : blanked)
-            if (is_mark_field(rec, f)) rec.set(f, "     ");
+            if (is_mark_field(rec, f)) rec.set(f, QLatin1StringView("     "));
 
         std::array<double, 46> out_of_sum{};
         int named = 0;
@@ -128,12 +215,12 @@ bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
             const int c = r.target;
             if (c == i || c == 0 || c > entries) continue;
             if (!is_mark_field(rec, c) || !rec.has(i)) continue;
-            const QString v = rec.normalised(i);
-            if (v.isEmpty() || v.toUpper() == "A") continue;
+            const QLatin1StringView v = rec.normalised(i);
+            if (v.isEmpty() || v == QLatin1StringView("A") || v == QLatin1StringView("a")) continue;
             out_of_sum[c] += r.y;
-            const QString m = format_one_decimal((Val(v) / r.x) * r.y);
-            if (rec.is_null(c)) rec.set(c, "0");
-            rec.set(c, format_one_decimal(rec.number(c) + Val(m)));
+            const OneDecimal m((Val(v) / r.x) * r.y);
+            if (rec.is_null(c)) rec.set(c, QLatin1StringView("0"));
+            rec.set(c, OneDecimal(rec.number(c) + Val(m.view)).view);
         }
 
         // Conversion of each fed total, in ascending field order.
@@ -141,8 +228,8 @@ bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
             const int c = total.c;
             if (!is_mark_field(rec, c)) continue;
             const int t = total.t;
-            const QString v = rec.normalised(c);
-            if (v.isEmpty() || v == "a") continue;
+            const QLatin1StringView v = rec.normalised(c);
+            if (v.isEmpty() || v == QLatin1StringView("a")) continue;
             const double x = total.x;
             double y = out_of_sum[c];
             if (y == 0) y = x;
@@ -151,7 +238,7 @@ bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
             const double m = Val(v);
             const double converted = (m / y) * x;
             const double d = converted - m;
-            rec.set(c, format_one_decimal(converted));
+            rec.set(c, OneDecimal(converted).view);
             if (c != t && t != kNoTarget && d != 0 && x != 0 && is_mark_field(rec, t)) {
                 const QString passed = format_one_decimal(Val(number_text(d / x)) * w);
                 rec.set(t, plain_number_text(rec.number(t) + Val(passed)));
@@ -161,7 +248,7 @@ bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
 
         // Fields past the count of named rows are emptied.
         for (int f = named + 2; f <= 41; ++f)
-            if (is_mark_field(rec, f)) rec.set(f, QString());
+            if (is_mark_field(rec, f)) rec.set(f, QLatin1StringView());
 
         rec.save(marks);
         if (progress) progress(++done, count);
@@ -176,12 +263,16 @@ std::array<Currency, 43> class_averages(DbfTable& marks, const ColumnLists& list
     std::array<int, 43> counted{};
     const int fields = std::min(marks.field_count(), 42);
     for (marks.MoveFirst(); !marks.Eof(); marks.MoveNext()) {
+        const QByteArrayView record = marks.record_bytes();
         for (int f = 2; f < fields; ++f) {
-            const QVariant v = marks.value(f);
-            if (!v.isValid() || v.typeId() != QMetaType::QString) continue;
-            QString text = v.toString();
-            while (text.endsWith(' ')) text.chop(1);
-            if (text.isEmpty() || text == "A" || text == "a") continue;
+            // Only text counts: a Null (all blank) field or a number is passed over.
+            const DbfField& field = marks.field(f);
+            if (!is_text_field(field.type)) continue;
+            const auto stored = stored_text(field, record.data() + marks.field_offset(f));
+            if (!stored) continue;
+            QLatin1StringView text = *stored;
+            while (text.endsWith(QLatin1Char(' '))) text.chop(1);
+            if (text.isEmpty() || text == QLatin1StringView("A") || text == QLatin1StringView("a")) continue;
             sum[f] += Val(text);
             ++counted[f];
         }

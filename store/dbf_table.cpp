@@ -894,6 +894,24 @@ QVariant DbfTable::value(const QString& name) const {
     return value(i);
 }
 
+QByteArrayView DbfTable::record_bytes() const {
+    const char* record = current_bytes();
+    return record ? QByteArrayView(record, record_length_) : QByteArrayView();
+}
+
+bool DbfTable::set_record_bytes(QByteArrayView bytes) {
+    if (mode_ == Mode::None) {
+        fail(DbfError::NotEditing);
+        return false;
+    }
+    if (bytes.size() != record_length_) {
+        fail(DbfError::BadValue);
+        return false;
+    }
+    std::memcpy(edit_buf_.data() + 1, bytes.data() + 1, std::size_t(record_length_ - 1));
+    return true;
+}
+
 // ---- changes
 
 bool DbfTable::Edit() {

@@ -125,6 +125,17 @@ public:
     QVariant value(int i) const;
     QVariant value(const QString& name) const;
 
+    // The current record as stored, or as set so far during an Edit or
+    // AddNew: the deletion flag, then each field at field_offset(i), its
+    // width long. Empty when there is no current record. For whole-table
+    // work that must not pay for a QVariant per field.
+    QByteArrayView record_bytes() const;
+    int field_offset(int i) const { return i >= 0 && i < int(offsets_.size()) ? offsets_[std::size_t(i)] : -1; }
+    int record_length() const { return record_length_; }
+    // During Edit or AddNew: every field's bytes at once, copied as they
+    // are (`bytes` is a whole record; its deletion flag is not taken).
+    bool set_record_bytes(QByteArrayView bytes);
+
     // Changes. Edit copies the current record afresh from disk (and fails if
     // another workstation deleted it meanwhile); AddNew starts a blank one.
     // set_value writes text left-justified, cut at the width; numbers

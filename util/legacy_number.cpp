@@ -3,18 +3,15 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
-#include <optional>
 #include <string>
 
 namespace veldo {
 namespace {
 
 bool is_digit(QChar c) { return c.unicode() >= '0' && c.unicode() <= '9'; }
-bool is_val_blank(QChar c) {
-    const char16_t u = c.unicode();
-    return u == ' ' || u == '\t' || u == '\r' || u == '\n';
-}
 
 // Parses an unsigned decimal text made of ASCII digits, one optional point
 // and an optional exponent ("12.5", ".5", "3e2"). The result saturates to
@@ -46,32 +43,6 @@ double parse_unsigned(const std::string& text) {
     }
     if (ec != std::errc()) return 0.0;
     return value;
-}
-
-// A decimal text of at most 15 digits ("12.5", "0.25") is an exact whole
-// number divided by an exact power of ten, and one division of two exact
-// doubles is rounded correctly: the same double as the full reader gives.
-std::optional<double> fast_decimal(const std::string& text) {
-    static constexpr double kPowers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8,
-                                         1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    std::uint64_t mantissa = 0;
-    int digits = 0, decimals = 0;
-    bool after_point = false;
-    for (char c : text) {
-        if (c == '.') {
-            after_point = true;
-            continue;
-        }
-        if (mantissa == 0 && c == '0') {
-            if (after_point) ++decimals;
-            continue;
-        }
-        if (++digits > 15) return std::nullopt;
-        mantissa = mantissa * 10 + std::uint64_t(c - '0');
-        if (after_point) ++decimals;
-    }
-    if (decimals > 15) return std::nullopt;
-    return double(mantissa) / kPowers[decimals];
 }
 
 // The decimal digits of a non-negative finite value, taken to `significant`
@@ -145,35 +116,64 @@ QString non_finite_text(double value) {
 
 }  // namespace
 
-double Val(const QString& text) {
-    const qsizetype n = text.size();
+namespace {
+
+// Val over any text whose characters `at` hands out as UTF-16 code units.
+// Up to 15 digits are gathered as an exact whole number and divided by an
+// exact power of ten (one correctly rounded division); longer numbers go to
+// the full reader.
+template <typename CharAt>
+double val_of(qsizetype n, CharAt at) {
+    static constexpr double kPowers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8,
+                                         1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const auto digit = [](char16_t c) { return c >= '0' && c <= '9'; };
     qsizetype i = 0;
-    while (i < n && is_val_blank(text.at(i))) ++i;
+    while (i < n && (at(i) == ' ' || at(i) == '\t' || at(i) == '\r' || at(i) == '\n')) ++i;
     bool negative = false;
-    if (i < n && (text.at(i) == QLatin1Char('-') || text.at(i) == QLatin1Char('+'))) {
-        negative = text.at(i) == QLatin1Char('-');
+    if (i < n && (at(i) == '-' || at(i) == '+')) {
+        negative = at(i) == '-';
         ++i;
     }
-    std::string number = "0";
-    bool any_digit = false;
-    while (i < n && is_digit(text.at(i))) {
-        number.push_back(char(text.at(i).unicode()));
-        any_digit = true;
-        ++i;
-    }
-    if (i < n && text.at(i) == QLatin1Char('.')) {
-        number.push_back('.');
-        ++i;
-        while (i < n && is_digit(text.at(i))) {
-            number.push_back(char(text.at(i).unicode()));
-            any_digit = true;
-            ++i;
+    const qsizetype start = i;
+    std::uint64_t mantissa = 0;
+    int significant = 0, decimals = 0;
+    bool any_digit = false, after_point = false;
+    for (; i < n; ++i) {
+        const char16_t c = at(i);
+        if (c == '.' && !after_point) {
+            after_point = true;
+            continue;
         }
+        if (!digit(c)) break;
+        any_digit = true;
+        if (after_point) ++decimals;
+        if (mantissa == 0 && c == '0') continue;
+        ++significant;
+        if (significant <= 15) mantissa = mantissa * 10 + std::uint64_t(c - '0');
     }
     if (!any_digit) return 0.0;
-    const double value = fast_decimal(number).value_or(parse_unsigned(number));
+    double value = 0.0;
+    if (significant <= 15 && decimals <= 15) {
+        value = double(mantissa) / kPowers[decimals];
+    } else {
+        std::string number = "0";
+        for (qsizetype k = start; k < i; ++k) number.push_back(char(at(k)));
+        value = parse_unsigned(number);
+    }
     if (value == 0.0) return 0.0;  // no "-0" from "-0.0"
     return negative ? -value : value;
+}
+
+}  // namespace
+
+double Val(const QString& text) {
+    const QChar* p = text.constData();
+    return val_of(text.size(), [p](qsizetype i) { return p[i].unicode(); });
+}
+
+double Val(QLatin1StringView text) {
+    const char* p = text.data();
+    return val_of(text.size(), [p](qsizetype i) { return char16_t(static_cast<unsigned char>(p[i])); });
 }
 
 bool parse_numeric(const QString& text, double* value) {
@@ -310,10 +310,13 @@ QString format_mask(double value, const QString& mask) {
 
 // "##0.0" is the mask of every stored mark: the same digits as format_mask
 // gives it, put together without walking the mask.
-QString format_one_decimal(double value) {
-    if (!std::isfinite(value)) return non_finite_text(value);
-    char buf[32];
-    std::size_t n = 0;
+int format_one_decimal_to(double value, char* out) {
+    if (!std::isfinite(value)) {
+        const QByteArray text = non_finite_text(value).toLatin1();
+        std::memcpy(out, text.constData(), std::size_t(text.size()));
+        return int(text.size());
+    }
+    int n = 0;
     // A mark is far from a half in tenths almost always; then taking it to 15
     // digits first can't change the rounding, and the tenths are counted
     // directly. Only near a half does the full digit work decide.
@@ -323,7 +326,7 @@ QString format_one_decimal(double value) {
         const double fraction = tenths - floor_part;
         if (std::fabs(fraction - 0.5) > 1e-6) {
             long long count = (long long)floor_part + (fraction > 0.5 ? 1 : 0);
-            if (value < 0) buf[n++] = '-';
+            if (value < 0) out[n++] = '-';
             char digits[24];
             int d = 0;
             const int decimal = int(count % 10);
@@ -332,20 +335,27 @@ QString format_one_decimal(double value) {
                 digits[d++] = char('0' + count % 10);
                 count /= 10;
             } while (count > 0);
-            while (d > 0) buf[n++] = digits[--d];
-            buf[n++] = '.';
-            buf[n++] = char('0' + decimal);
-            return QString::fromLatin1(buf, qsizetype(n));
+            while (d > 0) out[n++] = digits[--d];
+            out[n++] = '.';
+            out[n++] = char('0' + decimal);
+            return n;
         }
     }
     std::string whole, fraction;
     fixed_digits(std::fabs(value), 1, whole, fraction);
-    if (whole.size() + 4 > sizeof buf) return format_mask(value, QStringLiteral("##0.0"));
-    if (value < 0) buf[n++] = '-';
-    if (whole.empty()) buf[n++] = '0';
-    for (char c : whole) buf[n++] = c;
-    buf[n++] = '.';
-    buf[n++] = fraction[0];
+    if (whole.size() + 4 > kOneDecimalRoom) return -1;
+    if (value < 0) out[n++] = '-';
+    if (whole.empty()) out[n++] = '0';
+    for (char c : whole) out[n++] = c;
+    out[n++] = '.';
+    out[n++] = fraction[0];
+    return n;
+}
+
+QString format_one_decimal(double value) {
+    char buf[kOneDecimalRoom];
+    const int n = format_one_decimal_to(value, buf);
+    if (n < 0) return format_mask(value, QStringLiteral("##0.0"));
     return QString::fromLatin1(buf, qsizetype(n));
 }
 

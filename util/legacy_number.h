@@ -11,6 +11,9 @@ namespace veldo {
 // optional sign, digits with a point as decimal sign; stops at the first
 // character that does not fit. 0 when there is none.
 double Val(const QString& text);
+// The same over single-byte text (Windows-1252 as stored in a table): only
+// ASCII takes part in a number.
+double Val(QLatin1StringView text);
 
 // The numeric test of mixed comparisons and of the grids' generic sort: the
 // whole text, blanks on either side aside, is a sign, digits with at most one
@@ -29,6 +32,10 @@ bool parse_numeric(const QString& text, double* value);
 QString format_mask(double value, const QString& mask);
 // format_mask(value, "##0.0"): a number with exactly one decimal.
 QString format_one_decimal(double value);
+// The same into `out`, which holds kOneDecimalRoom bytes; gives the length,
+// or -1 for a number too long for it (format_one_decimal takes those).
+constexpr int kOneDecimalRoom = 32;
+int format_one_decimal_to(double value, char* out);
 
 // Rounding to a number of decimals with ties to the even digit, judged on
 // the exact value of the double: only a double that lies exactly halfway is

@@ -960,7 +960,9 @@ TEST_F(DbfBatch, WritesTheSameBytesAsChangesOneByOne) {
         EXPECT_TRUE(t->Edit());
         t->set_value(1, 99.0);
         EXPECT_TRUE(t->Update());
-        if (batch) EXPECT_TRUE(t->commit_batch());
+        if (batch) {
+            EXPECT_TRUE(t->commit_batch());
+        }
     };
     const QString one = marks_table({"A", "B", "C"}, "one.dbf");
     const QString all = marks_table({"A", "B", "C"}, "all.dbf");
