@@ -85,8 +85,8 @@ bool export_task(RecordStore& store, const ExportRequest& request) {
     }
 
     // The rows go to both tables in memory and to the disk in one write each.
-    punte->begin_batch();
-    obe->begin_batch();
+    if (!punte->begin_batch()) return fail(punte->last_error());
+    if (!obe->begin_batch()) return fail(obe->last_error());
     for (marks->MoveFirst(); !marks->Eof(); marks->MoveNext()) {
         const QVariant number = marks->value(0);
         const QVariant name = marks->value(1);

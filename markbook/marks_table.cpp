@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <cstdio>
 #include <map>
 
@@ -75,9 +76,12 @@ bool update_marks_table(RecordStore& store, int series) {
     auto marks = open_or_say(run, marks_path);
     if (!marks) return false;
 
-    // Both tables are worked in memory and written once each at the end.
-    pnt->begin_batch();
-    marks->begin_batch();
+    // Both tables are taken, worked in memory and written once each at the end.
+    if (!pnt->begin_batch() || !marks->begin_batch()) {
+        const DbfError& error = pnt->last_error().code != DbfError::None ? pnt->last_error() : marks->last_error();
+        show(run, dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
+        return false;
+    }
 
     // Later records of a learner number are neutralised in the class list.
     NumberList t_nr_data;
@@ -123,14 +127,14 @@ bool update_marks_table(RecordStore& store, int series) {
         }
     }
 
-    // Departed learners, by the positions noted above. The positions are
-    // not corrected for rows already deleted in this pass.
-    for (const auto& [number, stored] : t_nr_data.items) {
-        if (stored >= 99999) continue;
-        marks->MoveFirst();
-        marks->Move(stored);
-        if (!marks->Eof()) marks->Delete();
-        marks->MoveFirst();
+    // Learners no longer in the class list are deleted, found by their
+    // number; every other row keeps its marks.
+    QSet<QString> departed;
+    for (const auto& [number, stored] : t_nr_data.items)
+        if (stored < 99999) departed.insert(number);
+    for (marks->MoveFirst(); !departed.isEmpty() && !marks->Eof(); marks->MoveNext()) {
+        if (Val(plain_text(marks->value(0))) <= 0) continue;
+        if (departed.remove(NumberList::key(field_text(*marks, 0)))) marks->Delete();
     }
     DbfError error;
     const bool written = pnt->commit_batch(&error) && marks->commit_batch(&error);
@@ -147,7 +151,8 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
         return false;
     }
     auto old = DbfTable::open(path);
-    if (!old) return false;
+    // The rebuild holds the whole table until the new one stands in its place.
+    if (!old || !old->begin_batch()) return false;
     // Rows of learners only; the sort needs no more than each row's place
     // and its name, and puts them in the order a grid of every field would.
     std::vector<std::pair<int, QString>> kept;
@@ -179,6 +184,11 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
             QFile::remove(fresh);
             return false;
         }
+        if (!table->begin_batch()) {
+            table->Close();
+            QFile::remove(fresh);
+            return false;
+        }
         const int fields = std::min(table->field_count(), old->field_count());
         // With the template's own layout a record is copied as it stands,
         // and only the fields whose text would not come back byte for byte
@@ -187,7 +197,6 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
         for (int f = 0; same_layout && f < fields; ++f)
             same_layout = table->field(f).type == old->field(f).type && table->field(f).width == old->field(f).width &&
                           table->field(f).decimals == old->field(f).decimals;
-        table->begin_batch();
         for (int r = 0; r < grid.rows(); ++r) {
             old->MoveFirst();
             old->Move(grid.text(r, 0).toInt());

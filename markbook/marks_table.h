@@ -29,8 +29,8 @@ QString no_setup_message(const RunState& run, int digit);  // "1 ..." / "2 ..."
 // Brings `marks<N>.dbf` in step with the class list after a setup save:
 // made from the template when missing, duplicate numbers neutralised in the
 // class list, doubled learners emptied, new learners added, departed ones
-// deleted by their stored positions. False, with a message shown, when a
-// table can't be opened.
+// deleted by their number. False, with a message shown, when a table can't
+// be opened, taken from other workstations or written.
 bool update_marks_table(RecordStore& store, int series);
 
 // Rebuilds the table: rows whose number is not above 0 dropped, the rest in

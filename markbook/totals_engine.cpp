@@ -147,8 +147,8 @@ bool is_mark_field(const WorkRecord& rec, int f) { return f >= 2 && rec.has(f); 
 bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
                         const std::function<void(int, int)>& progress) {
     const int entries = lists.entry_count();
-    // The whole table is worked in memory and written once at the end.
-    marks.begin_batch();
+    // The whole table is taken, worked in memory and written once at the end.
+    if (!marks.begin_batch()) return false;
 
     // Blanking: every field a row feeds into. Each field is blanked once; the
     // repeats of the list would write the same blanks again.

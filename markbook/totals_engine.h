@@ -16,8 +16,9 @@ class DbfTable;
 
 // Recalculates every total of every record of the open marks table, in table
 // order, and writes the table once at the end. `progress` (optional) hears
-// how many records are done out of how many. False when the write failed
-// (the table's last_error() says why): the table on disk is then as it was.
+// how many records are done out of how many. False when the table can't be
+// taken (another workstation holds it, it is read-only) or the write failed;
+// the table's last_error() says why, and the table on disk is as it was.
 bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
                         const std::function<void(int done, int count)>& progress = {});
 

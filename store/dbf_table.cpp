@@ -717,6 +717,12 @@ QString dbf_error_message(const DbfError& error, bool afrikaans) {
     case DbfError::TooWide:
         return afrikaans ? QStringLiteral("Die getal vir veld %2 van die tabel %1 is te groot vir die veld.").arg(path, detail)
                          : QStringLiteral("The number for field %2 of the table %1 is too wide for the field.").arg(path, detail);
+    case DbfError::InUse:
+        return afrikaans ? QStringLiteral("DATASTEL %1  REEDS IN GEBRUIK ... PROBEER WEER LATER !").arg(path)
+                         : QStringLiteral("DATASET %1  ALREADY IN  USE ... TRY AGAIN LATER !").arg(path);
+    case DbfError::Replaced:
+        return afrikaans ? QStringLiteral("Die tabel %1 is intussen deur 'n ander werkstasie herbou: maak dit weer oop.").arg(path)
+                         : QStringLiteral("The table %1 was rebuilt by another workstation meanwhile: open it again.").arg(path);
     case DbfError::BadField:
         return afrikaans ? QStringLiteral("Die veld %2 van die nuwe tabel %1 is ongeldig.").arg(path, detail)
                          : QStringLiteral("The field %2 of the new table %1 is not valid.").arg(path, detail);
@@ -737,6 +743,26 @@ std::unique_ptr<DbfTable> DbfTable::open(const QString& path, DbfError* error, D
 
 DbfTable::~DbfTable() { Close(); }
 
+namespace {
+
+// Locks lie past any table's bytes, where Clipper and dBASE on a network put
+// them, so that a lock never stands in a reader's way: the header's (for
+// appends) at the base, record r's at base + r + 1, the whole table's over
+// all of them.
+constexpr qint64 kLockBase = 1000000000;
+qint64 record_lock(int record) { return kLockBase + 1 + record; }
+int g_lock_wait_ms = 3000;
+
+}  // namespace
+
+void DbfTable::set_lock_wait_ms(int ms) { g_lock_wait_ms = std::max(ms, 0); }
+
+bool DbfTable::lock_or_fail(qint64 offset, qint64 length) {
+    if (file_.lock(offset, length, TableFile::LockKind::Exclusive, g_lock_wait_ms)) return true;
+    fail(DbfError::InUse);
+    return false;
+}
+
 bool DbfTable::attach(DbfAccess access, DbfError* error) {
     const QFileInfo info(path_);
     if (!info.exists()) {
@@ -753,16 +779,25 @@ bool DbfTable::attach(DbfAccess access, DbfError* error) {
         report(error, DbfError::Unreadable, path_);
         return false;
     }
+    read_only_ = read_only;
+    if (!load_image(error)) {
+        file_.close();
+        return false;
+    }
+    return true;
+}
+
+// The whole file from the open handle, its layout checked, the walk at the
+// first live record.
+bool DbfTable::load_image(DbfError* error) {
     QByteArray image;
     if (!file_.read_all(&image)) {
-        file_.close();
         report(error, DbfError::Unreadable, path_);
         return false;
     }
     TableLayout layout;
     const DbfError::Code code = read_layout(image, &layout);
     if (code != DbfError::None) {
-        file_.close();
         report(error, code, path_);
         return false;
     }
@@ -773,7 +808,6 @@ bool DbfTable::attach(DbfAccess access, DbfError* error) {
     for (qint64 r = 0; r < layout.records; ++r)
         if (first[r * layout.record_length] != '*') live.push_back(int(r));
 
-    read_only_ = read_only;
     fields_ = layout.fields;
     offsets_ = std::move(layout.offsets);
     header_length_ = layout.header_length;
@@ -788,7 +822,8 @@ bool DbfTable::attach(DbfAccess access, DbfError* error) {
 }
 
 void DbfTable::detach() {
-    file_.close();
+    file_.close();  // and with it every lock of this handle
+    record_locked_ = false;
     image_.clear();
     records_ = 0;
     live_.clear();
@@ -813,6 +848,13 @@ const char* DbfTable::current_bytes() const {
         return nullptr;
     }
     return image_.constData() + record_offset(live_[std::size_t(pos_)]);
+}
+
+void DbfTable::leave_edit() {
+    if (record_locked_) file_.unlock(record_lock(edit_record_), 1);
+    record_locked_ = false;
+    mode_ = Mode::None;
+    pending_error_ = DbfError::None;
 }
 
 // ---- walk
@@ -926,16 +968,28 @@ bool DbfTable::Edit() {
     leave_edit();
     const int record = live_[std::size_t(pos_)];
     // Another workstation may have changed the record since the walk began:
-    // the edit starts from what is on the disk now (a batch holds the table
-    // and works from memory).
-    if (!batch_ && !file_.read_at(record_offset(record), image_record(record), record_length_)) {
-        fail(DbfError::Truncated);
-        return false;
+    // the edit starts from what is on the disk now, under the record's lock
+    // (a batch holds the whole table and works from memory).
+    if (!batch_) {
+        if (!lock_or_fail(record_lock(record), 1)) return false;
+        edit_record_ = record;
+        record_locked_ = true;
+        if (file_.replaced(path_)) {
+            leave_edit();
+            fail(DbfError::Replaced);
+            return false;
+        }
+        if (!file_.read_at(record_offset(record), image_record(record), record_length_)) {
+            leave_edit();
+            fail(DbfError::Truncated);
+            return false;
+        }
     }
     const char* bytes = image_record(record);
     // Deleted by another workstation since the walk began: writing it back
     // would bring it back to life.
     if (bytes[0] == '*') {
+        leave_edit();
         fail(DbfError::NoCurrentRecord);
         return false;
     }
@@ -1073,14 +1127,22 @@ bool DbfTable::Update(DbfError* error) {
     edit_buf_[0] = ' ';
     int record = edit_record_;
     const bool adding = mode_ == Mode::AddNew;
+    bool header_locked = false;
     if (adding) {
         // A new record goes after what other workstations appended since
         // the open, never over it.
         int count = records_;
         if (!batch_) {
+            if (!lock_or_fail(kLockBase, 1)) return refuse(DbfError::InUse);
+            header_locked = true;
+            if (file_.replaced(path_)) {
+                file_.unlock(kLockBase, 1);
+                return refuse(DbfError::Replaced);
+            }
             bool ok = false;
             count = std::max(records_, disk_record_count(&ok));
             if (!ok) {
+                file_.unlock(kLockBase, 1);
                 resync_after_failure();
                 return refuse(DbfError::WriteFailed);
             }
@@ -1088,6 +1150,7 @@ bool DbfTable::Update(DbfError* error) {
                 image_.resize(record_offset(count));
                 if (!file_.read_at(record_offset(records_), image_record(records_),
                                    qint64(count - records_) * record_length_)) {
+                    file_.unlock(kLockBase, 1);
                     resync_after_failure();
                     return refuse(DbfError::WriteFailed);
                 }
@@ -1102,10 +1165,14 @@ bool DbfTable::Update(DbfError* error) {
 
     if (batch_) {
         if (!adding) mark_dirty(record);
-    } else if (!write_records(record, record) || !write_header(records_ != records_before)) {
-        // Taken again from the disk: nothing counts a record it did not take.
-        resync_after_failure();
-        return refuse(DbfError::WriteFailed);
+    } else {
+        const bool written = write_records(record, record) && write_header(records_ != records_before);
+        if (header_locked) file_.unlock(kLockBase, 1);
+        if (!written) {
+            // Taken again from the disk: nothing counts a record it did not take.
+            resync_after_failure();
+            return refuse(DbfError::WriteFailed);
+        }
     }
     if (adding) {
         live_.push_back(record);
@@ -1140,11 +1207,23 @@ bool DbfTable::Delete() {
     if (batch_) {
         if (record < batch_base_) mark_dirty(record);
     } else {
-        // Only the flag: the rest of the record may have been changed by
-        // another workstation since it was read.
+        // Only the flag, under the record's lock: the rest of the record may
+        // have been changed by another workstation since it was read.
+        if (!lock_or_fail(record_lock(record), 1)) {
+            image_record(record)[0] = ' ';
+            return false;
+        }
+        if (file_.replaced(path_)) {
+            file_.unlock(record_lock(record), 1);
+            image_record(record)[0] = ' ';
+            fail(DbfError::Replaced);
+            return false;
+        }
         bool ok = file_.write_at(record_offset(record), "*", 1);
         if (ok && record == records_ - 1) ok = file_.write_at(record_offset(records_), "\x1A", 1);
-        if (!ok || !write_header(false)) {
+        ok = ok && write_header(false);
+        file_.unlock(record_lock(record), 1);
+        if (!ok) {
             resync_after_failure();
             fail(DbfError::WriteFailed);
             return false;
@@ -1160,11 +1239,40 @@ void DbfTable::mark_dirty(int record) {
     dirty_last_ = std::max(dirty_last_, record);
 }
 
-void DbfTable::begin_batch() {
-    if (!file_.is_open() || read_only_ || batch_) return;
+bool DbfTable::begin_batch() {
+    if (batch_) return true;
+    if (!file_.is_open()) {
+        fail(DbfError::NoCurrentRecord);
+        return false;
+    }
+    if (read_only_) {
+        fail(DbfError::ReadOnly);
+        return false;
+    }
+    leave_edit();
+    // A rebuild elsewhere may put a new file in the table's place while we
+    // wait: then the new one is the table, and it is taken in its turn.
+    for (int attempt = 0;; ++attempt) {
+        if (!lock_or_fail(kLockBase, kLockBase)) return false;
+        if (!file_.replaced(path_)) break;
+        file_.unlock(kLockBase, kLockBase);
+        detach();
+        DbfError error;
+        if (attempt == 5 || !attach(access_, &error)) {
+            error_ = attempt == 5 ? DbfError{DbfError::Replaced, path_, {}} : error;
+            return false;
+        }
+    }
+    DbfError error;
+    if (!load_image(&error)) {
+        file_.unlock(kLockBase, kLockBase);
+        error_ = error;
+        return false;
+    }
     batch_ = true;
     batch_base_ = records_;
     dirty_first_ = dirty_last_ = -1;
+    return true;
 }
 
 bool DbfTable::commit_batch(DbfError* error) {
@@ -1198,6 +1306,7 @@ bool DbfTable::commit_batch(DbfError* error) {
         if (ok && added > 0 && !joined) ok = write_records(append_first, records_ - 1);
         if (ok) ok = write_header(records_ > on_disk);
     }
+    file_.unlock(kLockBase, kLockBase);
     if (!ok) {
         leave_edit();
         resync_after_failure();

@@ -57,6 +57,8 @@ struct DbfError {
         BadValue,         // a value the field's type cannot hold
         TooWide,          // a number with more digits than the field
         BadField,         // create: a field description dBASE III refuses
+        InUse,            // another workstation holds the record or the table past the wait
+        Replaced,         // another workstation put a new file in the table's place (a rebuild)
     };
     Code code = None;
     QString path;
@@ -136,8 +138,12 @@ public:
     // are (`bytes` is a whole record; its deletion flag is not taken).
     bool set_record_bytes(QByteArrayView bytes);
 
-    // Changes. Edit copies the current record afresh from disk (and fails if
-    // another workstation deleted it meanwhile); AddNew starts a blank one.
+    // Changes. Edit locks the current record against other workstations and
+    // copies it afresh from disk (and fails if another workstation deleted
+    // it meanwhile, holds it past the wait (InUse), or replaced the whole
+    // file (Replaced)); the lock goes with Update, CancelUpdate or a move.
+    // AddNew starts a blank one; its Update finds its place at the end under
+    // the header's lock.
     // set_value writes text left-justified, cut at the width; numbers
     // right-justified with the field's decimals (half away from zero)
     // and '.' as decimal sign; dates yyyymmdd; logicals T/F; Null as blanks.
@@ -173,8 +179,18 @@ public:
     // the header once. A failed commit leaves the header counting only what
     // reached the disk, and the table reread from it. Closing a table with
     // an open batch commits it.
-    void begin_batch();
+    //
+    // begin_batch takes the whole table from other workstations (the lock
+    // that a rebuild takes too), reads it afresh from the disk and goes to
+    // its first record; a table another workstation replaced meanwhile is
+    // opened anew first. False (InUse, ReadOnly, or the open's error) when it
+    // can't; nothing is then held. commit_batch lets the table go.
+    bool begin_batch();
     bool commit_batch(DbfError* error = nullptr);
+
+    // How long a lock is waited for before the system's in-use message;
+    // 3 seconds unless a test says otherwise.
+    static void set_lock_wait_ms(int ms);
     bool in_batch() const { return batch_; }
 
     const DbfError& last_error() const { return error_; }
@@ -185,11 +201,13 @@ private:
 
     DbfTable() = default;
     bool attach(DbfAccess access, DbfError* error);
+    bool load_image(DbfError* error);
     void detach();
+    bool lock_or_fail(qint64 offset, qint64 length);
     void fail(DbfError::Code code, const QString& detail = QString()) const;
     const char* current_bytes() const;
     bool current_valid() const;
-    void leave_edit() { mode_ = Mode::None; pending_error_ = DbfError::None; }
+    void leave_edit();
     qint64 record_offset(int record) const { return qint64(header_length_) + qint64(record) * record_length_; }
     char* image_record(int record) { return image_.data() + record_offset(record); }
     bool write_records(int first, int last);
@@ -216,6 +234,7 @@ private:
     Mode mode_ = Mode::None;
     QByteArray edit_buf_;
     int edit_record_ = -1;
+    bool record_locked_ = false;  // edit_record_'s lock is held
     DbfError::Code pending_error_ = DbfError::None;
     QString pending_detail_;
 

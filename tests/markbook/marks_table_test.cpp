@@ -87,15 +87,16 @@ TEST_F(MarksTable, ASecondRowOfALearnerIsEmptied) {
     EXPECT_EQ(rows[1], (QStringList{"0", "", "9", ""}));
 }
 
-TEST_F(MarksTable, DepartedLearnersAreDeletedByTheirUncorrectedPositions) {
-    // 201 and 202 have left: their positions 0 and 1 are noted, 201 is
-    // deleted first, and position 1 then names the row that was at 2.
-    class_list({{"203", "C"}, {"204", "D"}});
-    fill_marks_table(t.data("marks1.dbf"), {marks_row(201, "A", {"1"}), marks_row(202, "B", {"2"}),
-                                            marks_row(203, "C", {"3"}), marks_row(204, "D", {"4"})});
+// Learners who have left are found by their number: every other learner
+// keeps every mark, wherever the departed ones stood.
+TEST_F(MarksTable, DepartedLearnersAreDeletedByTheirNumber) {
+    class_list({{"203", "C"}, {"205", "E"}, {"201", "A"}});
+    fill_marks_table(t.data("marks1.dbf"),
+                     {marks_row(202, "B", {"2"}), marks_row(201, "A", {"1"}), marks_row(204, "D", {"4"}),
+                      marks_row(203, "C", {"3"}), marks_row(206, "F", {"6"})});
     ASSERT_TRUE(update_marks_table(*t.store, 1));
     EXPECT_EQ(rows_of("marks1.dbf"),
-              (QList<QStringList>{{"202", "B", "2", ""}, {"204", "D", "4", ""}}));
+              (QList<QStringList>{{"201", "A", "1", ""}, {"203", "C", "3", ""}, {"205", "E", "", ""}}));
 }
 
 TEST_F(MarksTable, OpeningRefusesAMissingBookAndAnOldExport) {

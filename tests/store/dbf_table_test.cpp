@@ -973,24 +973,68 @@ TEST_F(DbfBatch, WritesTheSameBytesAsChangesOneByOne) {
     EXPECT_EQ(walk_names(*t), (QStringList{"A", "C", "Nuwe", "Laaste"}));
 }
 
-TEST_F(DbfBatch, AppendsGoAfterThoseAnotherWorkstationMadeMeanwhile) {
-    const QString p = marks_table({"A"});
+// A batch holds the whole table: another workstation's append, edit or
+// batch waits, and past the wait gets the system's in-use message.
+TEST_F(DbfBatch, HoldsTheTableUntilItIsCommitted) {
+    DbfTable::set_lock_wait_ms(50);
+    const QString p = marks_table({"A", "B"});
     auto mine = DbfTable::open(p);
-    mine->begin_batch();
+    ASSERT_TRUE(mine->begin_batch());
     ASSERT_TRUE(mine->AddNew());
     mine->set_value(0, QStringLiteral("Mine"));
     ASSERT_TRUE(mine->Update());
+
     auto theirs = DbfTable::open(p);
     ASSERT_TRUE(theirs->AddNew());
     theirs->set_value(0, QStringLiteral("Theirs"));
-    ASSERT_TRUE(theirs->Update());
+    DbfError error;
+    EXPECT_FALSE(theirs->Update(&error));
+    EXPECT_EQ(error.code, DbfError::InUse);
+    EXPECT_EQ(dbf_error_message(error, false), "DATASET " + p + "  ALREADY IN  USE ... TRY AGAIN LATER !");
+    EXPECT_EQ(dbf_error_message(error, true), "DATASTEL " + p + "  REEDS IN GEBRUIK ... PROBEER WEER LATER !");
+    EXPECT_FALSE(theirs->Edit());
+    EXPECT_EQ(theirs->last_error().code, DbfError::InUse);
+    EXPECT_FALSE(theirs->begin_batch());
+
     ASSERT_TRUE(mine->commit_batch());
-    EXPECT_EQ(mine->value(0).toString().trimmed(), "Mine");
+    ASSERT_TRUE(theirs->AddNew());
+    theirs->set_value(0, QStringLiteral("Theirs"));
+    ASSERT_TRUE(theirs->Update());
+    // While a record is being edited, nobody else edits it; other records
+    // stay free.
+    theirs->MoveFirst();
+    ASSERT_TRUE(theirs->Edit());
+    mine->MoveFirst();
+    EXPECT_FALSE(mine->Edit());
+    mine->MoveNext();
+    EXPECT_TRUE(mine->Edit());
+    mine->CancelUpdate();
+    theirs->CancelUpdate();
+    mine->MoveFirst();
+    EXPECT_TRUE(mine->Edit());
+    DbfTable::set_lock_wait_ms(3000);
     mine.reset();
     theirs.reset();
-    EXPECT_EQ(u32_at(read_bytes(p), 4), 3u);
     auto t = DbfTable::open(p);
-    EXPECT_EQ(walk_names(*t), (QStringList{"A", "Theirs", "Mine"}));
+    EXPECT_EQ(walk_names(*t), (QStringList{"A", "B", "Mine", "Theirs"}));
+}
+
+// A rebuild puts a new file in the table's place: an edit on the old one is
+// refused rather than lost; a batch takes the new one.
+TEST_F(DbfBatch, AReplacedTableIsNoticed) {
+    const QString p = marks_table({"A", "B"});
+    auto held = DbfTable::open(p);
+    const QString fresh = marks_table({"B", "A", "C"}, "fresh.dbf");
+    ASSERT_EQ(std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(p).constData()), 0);
+    EXPECT_FALSE(held->Edit());
+    EXPECT_EQ(held->last_error().code, DbfError::Replaced);
+    EXPECT_TRUE(dbf_error_message(held->last_error(), false).contains("rebuilt by another workstation"));
+    ASSERT_TRUE(held->AddNew());
+    EXPECT_FALSE(held->Update());
+    EXPECT_EQ(held->last_error().code, DbfError::Replaced);
+    ASSERT_TRUE(held->begin_batch());
+    EXPECT_EQ(walk_names(*held), (QStringList{"B", "A", "C"}));
+    EXPECT_TRUE(held->commit_batch());
 }
 
 #ifdef __linux__
