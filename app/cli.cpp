@@ -17,6 +17,7 @@
 #include "exchange/symbol_distribution.h"
 #include "markbook/marks_table.h"
 #include "markbook/totals_engine.h"
+#include "markbook/typed_mark.h"
 #include "shell/demo_school.h"
 #include "shell/startup.h"
 #include "store/dbf_table.h"
@@ -137,6 +138,54 @@ int cmd_recalc(Context& c) {
     c.out << c.run.tr("Totale herbereken vir ", "Totals recalculated for ") << book->table->RecordCount()
           << c.run.tr(" leerders.", " learners.") << "\n";
     return 0;
+}
+
+// A mark typed into book N as the input screen takes it: the book opened
+// (and so rebuilt), the learner found by number, the mark judged and stored
+// with the running figure. A book rebuilt by another workstation meanwhile is
+// opened again.
+int cmd_mark(Context& c) {
+    int series = 0;
+    QStringList row;
+    if (!chosen_series(c, &series, &row)) return 1;
+    const QString learner = c.options.value("learner").trimmed();
+    const int column = int(Val(c.options.value("column")));
+    for (int attempt = 0;; ++attempt) {
+        auto book = open_mark_book(c.store, row, series);
+        if (!book) return 1;
+        const ColumnLists& lists = book->lists;
+        if (column < 2 || column > 41 || lists.name(column).trimmed().isEmpty() || lists.is_total(column)) {
+            print_error(c.run.tr("Kolom " + c.options.value("column") + " van punteboek " + QString::number(series) +
+                                     " neem nie punte nie: kies 'n taak se kolom (" + QString::number(2) + " tot 41).",
+                                 "Column " + c.options.value("column") + " of mark book " + QString::number(series) +
+                                     " takes no marks: choose a task's column (2 to 41)."));
+            return 1;
+        }
+        DbfTable& t = *book->table;
+        bool found = false;
+        for (t.MoveFirst(); !t.Eof() && !found; t.MoveNext())
+            found = Val(plain_text(t.value(0))) == Val(learner) && Val(learner) > 0;
+        if (!found) {
+            print_error(c.run.tr("Daar is geen leerder " + learner + " in punteboek " + QString::number(series) + " nie.",
+                                 "There is no learner " + learner + " in mark book " + QString::number(series) + "."));
+            return 1;
+        }
+        t.MovePrevious();
+        const TypedMark result = store_typed_mark(c.run, t, lists, column, c.options.value("value"));
+        if (result == TypedMark::Refused) return 1;
+        if (result == TypedMark::Failed) {
+            if (t.last_error().code == DbfError::Replaced && attempt < 20) continue;
+            print_error(dbf_error_message(t.last_error(), c.run.language_afrikaans));
+            return 1;
+        }
+        const int target = lists.target(column);
+        c.out << toets_null_text(t.value(1)).trimmed() << ", " << lists.name(column).trimmed() << ": "
+              << toets_null_text(t.value(column)).trimmed();
+        if (target >= 2 && target < t.field_count())
+            c.out << " (" << lists.name(target).trimmed() << " " << toets_null_text(t.value(target)).trimmed() << ")";
+        c.out << "\n";
+        return 0;
+    }
 }
 
 int cmd_averages(Context& c) {
@@ -278,6 +327,9 @@ const QList<Command>& commands() {
          {"data", "series"}, 0, cmd_recalc},
         {"averages", "averages --data DIR --series N", "open mark book N and print each column's class average",
          {"data", "series"}, 0, cmd_averages},
+        {"mark", "mark --data DIR --series N --learner T-NR --column C --value V",
+         "type mark V for learner T-NR in column C (a field index, 2 to 41) of book N, as the input screen takes it",
+         {"data", "series", "learner", "column", "value"}, 0, cmd_mark},
         {"export", "export --data DIR --series N --task T [--to DIR2]",
          "send task T of book N to punte<N>.dbf and obe_p<N>.dbf in DIR2 (default DIR)", {"data", "series", "task", "to"},
          0, cmd_export},

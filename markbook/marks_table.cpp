@@ -225,12 +225,12 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
             return false;
         }
     }
+    // The new table takes the old one's place before the old one is let go:
+    // a workstation waiting for it then finds it replaced.
+    const bool placed = std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()) == 0;
+    if (!placed) QFile::remove(fresh);
     old->Close();
-    if (std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()) != 0) {
-        QFile::remove(fresh);
-        return false;
-    }
-    return true;
+    return placed;
 }
 
 std::unique_ptr<OpenMarkBook> open_mark_book(RecordStore& store, const QStringList& row, int series) {

@@ -790,11 +790,18 @@ bool DbfTable::attach(DbfAccess access, DbfError* error) {
 // The whole file from the open handle, its layout checked, the walk at the
 // first live record.
 bool DbfTable::load_image(DbfError* error) {
+    // The header first, then the rest: another workstation writes its new
+    // records before the count that takes them in, so every record the count
+    // names is on the disk by the time the rest is read. Read in one go, the
+    // header could already count records that the read cut off.
+    char head[kFileHeader];
+    const bool have_head = file_.read_at(0, head, kFileHeader);
     QByteArray image;
     if (!file_.read_all(&image)) {
         report(error, DbfError::Unreadable, path_);
         return false;
     }
+    if (have_head && image.size() >= kFileHeader) std::memcpy(image.data(), head, kFileHeader);
     TableLayout layout;
     const DbfError::Code code = read_layout(image, &layout);
     if (code != DbfError::None) {

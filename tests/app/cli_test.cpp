@@ -208,6 +208,63 @@ TEST_F(CliBook, EveryDemoTotalLiesInItsRange) {
     }
 }
 
+// Marks typed one after another into one learner's PRAKTIES 1 (out of 25,
+// feeding TOTAAL): the range test from both sides, the running figure moved
+// by the difference from the old mark, "A" and an emptied cell.
+TEST_F(CliBook, AMarkIsJudgedStoredAndAddedToTheRunningFigure) {
+    ASSERT_EQ(run({"recalc", "--data", data(), "--series", "4"}).exit_code, 0);
+    const auto learner_row = [&](const QString& number) {
+        for (const QString& line : lines(run({"dump", data() + "/marks4.dbf"})))
+            if (line.startsWith(number + "\t")) return line.split('\t');
+        return QStringList();
+    };
+    const QString number = "10106";
+    const QStringList before = learner_row(number);
+    ASSERT_EQ(before.size(), 42);
+    double figure = Val(before[5]);
+    double old = Val(before[2]);
+    struct Row {
+        const char* typed;
+        int exit_code;
+        const char* stored;  // field 2 afterwards
+        const char* why;
+    } rows[] = {
+        {"25", 0, "25.0", "the column's total is a mark"},
+        {"25.1", 1, "25.0", "a tenth above is refused"},
+        {"-1", 1, "25.0", "a negative mark is refused"},
+        {"0", 0, "0.0", "0 is a mark"},
+        {"12x", 0, "12.0", "the leading number"},
+        {"A", 0, "A", "an absence leaves the figure alone"},
+        {"7.25", 0, "7.3", "one decimal, half away from zero"},
+        {"", 0, "", "an emptied cell takes its old mark off the figure"},
+    };
+    for (const Row& r : rows) {
+        SCOPED_TRACE(r.why);
+        const auto result = run({"mark", "--data", data(), "--series", "4", "--learner", number, "--column", "2", "--value", r.typed});
+        EXPECT_EQ(result.exit_code, r.exit_code) << result.err.toStdString();
+        const QStringList after = learner_row(number);
+        EXPECT_EQ(after.value(2), QString(r.stored));
+        if (r.exit_code != 0) {
+            EXPECT_EQ(result.err.trimmed(), "Marks can only be ' ', 'A', 'a' or 0-25");
+            continue;
+        }
+        if (QString(r.typed) != "A") {
+            if (old > 0) figure -= old;
+            figure += Val(r.stored);
+        }
+        old = Val(r.stored);
+        EXPECT_EQ(after.value(5), format_one_decimal(figure));
+    }
+    const auto af = run({"mark", "--data", data(), "--series", "4", "--learner", number, "--column", "2", "--value", "26",
+                         "--lang", "af"});
+    EXPECT_EQ(af.err.trimmed(), "Punte kan slegs ' ', 'A', 'a' of 0-25 wees");
+    const auto total = run({"mark", "--data", data(), "--series", "4", "--learner", number, "--column", "5", "--value", "1"});
+    EXPECT_EQ(total.exit_code, 1);
+    EXPECT_EQ(total.err.trimmed(), "Column 5 of mark book 4 takes no marks: choose a task's column (2 to 41).");
+    const auto nobody = run({"mark", "--data", data(), "--series", "4", "--learner", "1", "--column", "2", "--value", "1"});
+    EXPECT_EQ(nobody.err.trimmed(), "There is no learner 1 in mark book 4.");
+}
+
 TEST_F(CliBook, ExportAppendsToTheChosenFolder) {
     const auto r = run({"export", "--data", data(), "--series", "5", "--task", "14"});
     ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
