@@ -13,7 +13,8 @@ namespace veldo {
 class RecordStore;
 
 // Opens `<table>.dbf` in `folder`, walked to its end and back to the first
-// record. A vanished drive shows the network message and ends the program
+// record. A vanished drive shows the network message, and a table that may
+// not be written the read-only data-set message; both end the program
 // (ProgramEnd). Returns nullptr, with `error`, when there is no table even
 // after the template copy; the caller reports it in its own words.
 std::unique_ptr<DbfTable> open_dbf_table(RecordStore& store, const QString& folder, const QString& table,

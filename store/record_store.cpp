@@ -19,6 +19,12 @@ QString folder_missing_message(const RunState& run, const QString& folder) {
     return run.tr("DIE GIDS " + folder + " BESTAAN NIE!", "THE FOLDER " + folder + " DOES NOT EXIST!");
 }
 
+QString read_only_data_set_message(const RunState& run, const QString& path) {
+    const QString shown = QDir::toNativeSeparators(path);
+    return run.tr("DATASTEL " + shown + "  IS 'READ ONLY' ... SKAKEL VELDO-HOUSE !",
+                  "DATASET " + shown + "  IS 'READ ONLY' ... CONTACT VELDO-HOUSE !");
+}
+
 QString network_drive_message(const RunState& run, const QString& drive) {
     return run.tr("NETWERK AANDRYWER  " + drive + "  NIE BESKIKBAAR NIE ...\r\n\r\nKONTAK U NETWERKADMINISTRATEUR !",
                   "NETWORK DRIVE  " + drive + "  NOT AVAILABLE ...\r\n\r\nCONTACT YOUR NETWORK ADMINISTRATOR !");

@@ -120,6 +120,8 @@ private:
 // The messages of the opener, by language.
 QString folder_missing_message(const RunState& run, const QString& folder);
 QString network_drive_message(const RunState& run, const QString& drive);
+// "DATASTEL <folder and file>  IS 'READ ONLY' ... SKAKEL VELDO-HOUSE !"
+QString read_only_data_set_message(const RunState& run, const QString& path);
 QString file_handles_message();
 
 }  // namespace veldo

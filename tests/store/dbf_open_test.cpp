@@ -6,6 +6,7 @@
 #include "store/dbf_open.h"
 #include "store/record_store.h"
 #include "tests/support/temp_drive.h"
+#include "tests/support/unprivileged.h"
 
 namespace veldo {
 namespace {
@@ -65,6 +66,28 @@ TEST_F(FamilyDbfOpener, AnEmptyTableIsMadeAfreshAndWithoutATemplateItGoes) {
     EXPECT_FALSE(open_dbf_table(*t.store, t.run.data_folder, "LGES_P_S", &error));
     EXPECT_EQ(error.code, DbfError::Missing);
     EXPECT_FALSE(QFileInfo::exists(t.data("LGES_P_S.dbf")));
+}
+
+// A data set that may not be written ends the run with the system's message.
+TEST_F(FamilyDbfOpener, AReadOnlyDataSetEndsTheRunWithItsMessage) {
+    if (veldo::testing::rerun_unprivileged()) return;
+    const QString path = t.data("LWISK_P_S.dbf");
+    ASSERT_TRUE(DbfTable::create(path, fields));
+    {
+        auto w = DbfTable::open(path);
+        w->AddNew();
+        w->set_value(0, "1");
+        ASSERT_TRUE(w->Update());
+    }
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+    const QByteArray before = read_bytes(path);
+    EXPECT_THROW(open_dbf_table(*t.store, t.run.data_folder, "LWISK_P_S"), ProgramEnd);
+    ASSERT_EQ(t.dialogs.messages.size(), 1);
+    EXPECT_EQ(t.dialogs.messages[0].text, "DATASET " + path + "  IS 'READ ONLY' ... CONTACT VELDO-HOUSE !");
+    EXPECT_EQ(read_bytes(path), before);
+    t.run.language_afrikaans = true;
+    EXPECT_THROW(open_dbf_table(*t.store, t.run.data_folder, "LWISK_P_S"), ProgramEnd);
+    EXPECT_EQ(t.dialogs.messages[1].text, "DATASTEL " + path + "  IS 'READ ONLY' ... SKAKEL VELDO-HOUSE !");
 }
 
 TEST_F(FamilyDbfOpener, NoTableAndNoTemplateGivesMissing) {
