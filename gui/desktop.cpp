@@ -195,11 +195,23 @@ void Desktop::unload(const QString& name) {
         tray_ = nullptr;
     }
     order_.removeAll(name);
+    // A screen often unloads itself from one of its own handlers, which goes
+    // on running afterwards: its logic lives as long as its widget, and the
+    // widget goes when control is back in the event loop.
+    auto logic = logic_.take(name);
     if (QWidget* w = widgets_.take(name)) {
         w->hide();
+        if (logic) connect(w, &QObject::destroyed, [logic] {});
         w->deleteLater();
     }
-    logic_.remove(name);
+}
+
+void Desktop::close_dialogs() {
+    // Each close ends that dialog's event loop once control returns to it.
+    for (QWidget* modal = QApplication::activeModalWidget(); modal; modal = QApplication::activeModalWidget()) {
+        modal->close();
+        if (QApplication::activeModalWidget() == modal) break;  // it refused
+    }
 }
 
 bool Desktop::is_loaded(const QString& name) const { return order_.contains(name); }

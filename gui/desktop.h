@@ -44,6 +44,7 @@ public:
     bool start_process(const QString& program) override;
     bool open_document(const QString& path) override;
     QStringList process_environment() const override;
+    void close_dialogs() override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

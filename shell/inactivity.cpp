@@ -54,6 +54,7 @@ void InactivityWatcher::tick(QPoint mouse) {
     // The clock is read afresh: the warning took its five seconds, and a
     // mouse move during it has moved last_activity on.
     if (limit + float(run.last_activity) < ctx_.clock.seconds()) {
+        ctx_.screens.close_dialogs();
         const QStringList open = ctx_.screens.loaded();
         for (const QString& name : open)
             if (name != screen::startup) ctx_.screens.unload(name);

@@ -61,6 +61,10 @@ public:
     virtual bool open_document(const QString& path) = 0;
     // The process environment, one "NAME=value" entry each.
     virtual QStringList process_environment() const = 0;
+    // Closes every dialog that waits on the user (message boxes, modal
+    // screens), so that what the time-out unloads is no longer underneath
+    // one.
+    virtual void close_dialogs() {}
 };
 
 // The clock as the screens read it; tests put a fake one in its place.

@@ -39,6 +39,8 @@ public:
         return true;
     }
     QStringList process_environment() const override { return environment; }
+    // Recorded among the unloads, where its order matters.
+    void close_dialogs() override { unloaded << "(dialogs closed)"; }
 
     QStringList shown, modal, unloaded, started, documents;
     QStringList environment{"HOME=/home/juffrou", "LANG=af_ZA.UTF-8"};
