@@ -6,6 +6,8 @@
 #include <QLockFile>
 #include <QStandardPaths>
 #include <cstdio>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <memory>
 
 #include "app/cli.h"
@@ -36,6 +38,15 @@ int main(int argc, char** argv) {
         // Prints measure and draw text: that needs the GUI library, never a
         // display.
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+        // Without a desktop session there is no runtime folder; make the one
+        // Qt would fall back to, so that it need not warn about it.
+        if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+            const QByteArray runtime = QDir::tempPath().toLocal8Bit() + "/runtime-" + QByteArray::number(getuid());
+            ::mkdir(runtime.constData(), 0700);
+            struct stat st {};
+            if (::stat(runtime.constData(), &st) == 0 && st.st_uid == getuid() && (st.st_mode & 0777) == 0700)
+                qputenv("XDG_RUNTIME_DIR", runtime);
+        }
         QGuiApplication app(argc, argv);
         QStringList arguments = QCoreApplication::arguments();
         arguments.removeFirst();
