@@ -1087,6 +1087,28 @@ bool DbfTable::write_records(int first, int last) {
     return file_.write_at(from, image_.constData() + from, length);
 }
 
+// The header's date and `count`, the field descriptors and every record up
+// to `last` in one write from byte 1 (the descriptors as they are), with the
+// end-of-file mark when `last` is the table's last record.
+bool DbfTable::write_through(int last, int count) {
+    const QDate today = QDate::currentDate();
+    char* h = image_.data();
+    h[1] = char(today.year() - 1900);
+    h[2] = char(today.month());
+    h[3] = char(today.day());
+    const quint32 n = quint32(count);
+    for (int i = 0; i < 4; ++i) h[4 + i] = char((n >> (8 * i)) & 0xFF);
+    qint64 length = record_offset(last + 1) - 1;
+    if (last == records_ - 1) {
+        if (image_.size() < record_offset(records_) + 1) image_.resize(record_offset(records_) + 1);
+        image_[qsizetype(record_offset(records_))] = char(0x1A);
+        ++length;
+    }
+    const bool ok = file_.write_at(1, image_.constData() + 1, length);
+    stamped_ = ok;
+    return ok;
+}
+
 // Today's date and the record count into the header (bytes 1 to 7). The
 // date is written once a day per handle; the count only when it changed.
 bool DbfTable::write_header(bool count_changed) {
@@ -1305,13 +1327,20 @@ bool DbfTable::commit_batch(DbfError* error) {
                 if (r >= batch_base_) r += theirs;
             records_ = on_disk + added;
         }
-        // The changed records in one write, the new ones with them where
-        // they follow on.
         const int append_first = records_ - added;
-        const bool joined = first >= 0 && added > 0 && append_first == last + 1;
-        if (ok && first >= 0) ok = write_records(first, joined ? records_ - 1 : last);
-        if (ok && added > 0 && !joined) ok = write_records(append_first, records_ - 1);
-        if (ok) ok = write_header(records_ > on_disk);
+        if (first < 0) {
+            // Only new records: they go past the count on the disk, where
+            // nobody reads them, and then the count takes them in.
+            ok = ok && write_records(append_first, records_ - 1) && write_header(records_ > on_disk);
+        } else {
+            // Changed records (and perhaps new ones): new ones that don't
+            // follow on go first, past the count; then one write from the
+            // header's date and count to the last changed record. Stopped at
+            // any point, the table is as it was or as it is now.
+            const int end = added > 0 && append_first == last + 1 ? records_ - 1 : last;
+            if (ok && added > 0 && end != records_ - 1) ok = write_records(append_first, records_ - 1);
+            if (ok) ok = write_through(end, std::max(records_, on_disk));
+        }
     }
     file_.unlock(kLockBase, kLockBase);
     if (!ok) {

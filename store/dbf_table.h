@@ -212,6 +212,7 @@ private:
     char* image_record(int record) { return image_.data() + record_offset(record); }
     bool write_records(int first, int last);
     bool write_header(bool count_changed);
+    bool write_through(int last, int count);
     int disk_record_count(bool* ok);
     void resync_after_failure();
 
