@@ -68,11 +68,10 @@ void OutputTarget::load() {
 
 void OutputTarget::druk_ok() {
     choice_.print_chosen = true;
-    // An empty settings folder means the drive root, which is there; a
-    // switch that can't be written leaves the job to go on in its colour.
-    const QString folder = run_.shared_settings_folder.trimmed().isEmpty() ? run_.drive_root
-                                                                            : run_.shared_settings_folder;
-    if (QFileInfo(folder).isDir()) write_colour_switch(colour_file_path(), choice_.print_colour);
+    // Only into a settings folder that is there: an empty one is no folder.
+    // A switch that can't be written leaves the job to go on in its colour.
+    const QString folder = run_.shared_settings_folder.trimmed();
+    if (!folder.isEmpty() && QFileInfo(folder).isDir()) write_colour_switch(colour_file_path(), choice_.print_colour);
     closed_ = true;
 }
 
@@ -213,6 +212,7 @@ OutputChoice output_choice_of(const PrintJob& job) {
     choice.export_folder = job.export_folder;
     choice.export_stem = job.export_stem;
     choice.print_job_title = job.print_job_title;
+    choice.printer_name = job.printer_name;
     return choice;
 }
 
@@ -223,6 +223,7 @@ void apply_output_choice(const OutputChoice& choice, PrintJob& job) {
     job.export_folder = choice.export_folder;
     job.export_stem = choice.export_stem;
     job.print_job_title = choice.print_job_title;
+    job.printer_name = choice.printer_name;
 }
 
 }  // namespace veldo

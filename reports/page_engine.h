@@ -101,6 +101,8 @@ struct PrintJob {
     qint16 head_rule_line = 0;
     QString export_stem;
     QString export_folder;
+    // The printer chosen with VERANDER; empty for the default printer.
+    QString printer_name;
 
     // The school's crest, painted by page_head where the file exists.
     QString logo_file;

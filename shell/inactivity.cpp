@@ -19,7 +19,7 @@ namespace {
 constexpr int kSingleDigits = 7;
 constexpr double kLargestLimit = 9999999.0;
 
-QString minutes_text(int seconds) { return plain_number_text(float(seconds) / 60.0f, kSingleDigits); }
+QString minutes_text(float seconds) { return plain_number_text(double(seconds / 60.0f), kSingleDigits); }
 
 }  // namespace
 
@@ -97,12 +97,16 @@ void change_timeout(ShellContext& ctx) {
     RunState& run = ctx.run;
     const QString reply = ctx.dialogs.input(run.tr("TYDSDUUR IN MINUTE", "TIME OUT IN MINUTES"), QString(),
                                             minutes_text(run.timeout_seconds));
-    if (!reply.trimmed().isEmpty()) {
-        const float seconds = float(Val(reply)) * 60.0f;
-        // Whole seconds, as time_out.txt is read back, and no more digits
-        // than a single prints in full, so the file reads back the same.
-        run.timeout_seconds =
-            std::isnan(seconds) ? 0 : int(std::clamp(double(seconds), -kLargestLimit, kLargestLimit));
+    // Worked out in double, as Val gives it, and kept as a single.
+    const double seconds = Val(reply) * 60.0;
+    if (seconds < 0) {
+        // A negative limit would bring the warning back without end: refused,
+        // and the old limit stays.
+        ctx.dialogs.beep();
+    } else if (!reply.trimmed().isEmpty()) {
+        // No more digits than a single prints in full, so the file reads
+        // back the same.
+        run.timeout_seconds = std::isnan(seconds) ? 0.0f : float(std::min(seconds, kLargestLimit));
         const QString folder = run.program_folder.trimmed().isEmpty() ? QDir::currentPath() : run.program_folder;
         // As the print statement writes a number: a blank for the sign before
         // it and one blank after it.

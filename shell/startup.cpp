@@ -46,11 +46,13 @@ constexpr const char* kSiblings[] = {"VELDO-HOUSE", "VELDO-PURSE", "VELDO-SHELF"
 
 }  // namespace
 
-int read_timeout_seconds(const QString& program_folder) {
+float read_timeout_seconds(const QString& program_folder) {
     const QString path = find_ignoring_case(program_folder, "time_out.txt");
     if (path.isEmpty()) return 300;
     const auto values = read_quoted_values(read_all(path));
-    return values.isEmpty() ? 0 : int(Val(values.first().text));
+    const float seconds = values.isEmpty() ? 0.0f : float(Val(values.first().text));
+    // A negative limit would bring the warning back for ever: the default.
+    return seconds < 0 ? 300.0f : seconds;
 }
 
 void copy_family_files(RunState& run, const QString& name) {
@@ -173,9 +175,10 @@ void read_school_name(RunState& run, RecordStore& store) {
 }
 
 void run_startup(RunState& run, RecordStore& store, const QString& application_folder) {
-    run.timeout_seconds = read_timeout_seconds(application_folder);
     run.os_product_name = QSysInfo::prettyProductName().trimmed();
     refresh_machine_paths(run, application_folder);
+    // Read where the TIME-OUT button writes it.
+    run.timeout_seconds = read_timeout_seconds(run.program_folder);
     run.start_folder = run.program_folder;
     QDir::setCurrent(run.program_folder);
     run.backdrop_red = 255;

@@ -17,7 +17,7 @@ inline const QString kProgramName = QStringLiteral("VELDO-TALLY");
 QString program_version();  // "1.0.0"
 
 // `time_out.txt` in the program folder, else 300 seconds.
-int read_timeout_seconds(const QString& program_folder);
+float read_timeout_seconds(const QString& program_folder);
 
 // The folder search: program, root and family folders from the folder of
 // the executable, the sibling programs' shared files, `path_names.txt`, the

@@ -39,7 +39,7 @@ struct RunState {
     QString system_password;
     bool password_accepted = false;
     double last_activity = 0;
-    int timeout_seconds = 0;
+    float timeout_seconds = 0;  // a single, as the family keeps it
     int countdown_ms = 0;
     QString manual_file_name;
     double backdrop_red = 0, backdrop_green = 0, backdrop_blue = 0;

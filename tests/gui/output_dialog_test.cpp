@@ -12,6 +12,7 @@ namespace {
 
 TEST(OutputDialogWidget, PrintChoosesThePrinterAndRemembersBlack) {
     testing::TempDrive t;
+    t.run.shared_settings_folder = t.dir.path();
     OutputChoice choice;
     choice.printer_name = "Kantoor";
     OutputTarget target(t.run, choice);

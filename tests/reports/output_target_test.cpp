@@ -103,6 +103,19 @@ TEST_F(OutputTargetTest, TheSwitchIsFoundInAnyCase) {
 // ---- print, cancel, printer, colour ---------------------------------------------------
 
 TEST_F(OutputTargetTest, PrintChoosesThePrinterAndWritesTheColourSwitch) {
+    // Without a settings folder there is nowhere to keep the switch.
+    target.load();
+    target.kies_kleur();
+    target.druk_ok();
+    EXPECT_TRUE(choice.print_chosen);
+    EXPECT_FALSE(QFileInfo::exists(colour_file()));
+    drive.run.shared_settings_folder = drive.path("gedeel");
+    EXPECT_EQ(target.colour_file_path(), drive.path("gedeel") + "/kleur_drukker.txt");
+    target.druk_ok();
+    EXPECT_FALSE(QFileInfo::exists(target.colour_file_path()));  // not there as a folder
+
+    // In the settings folder, where it is read from too.
+    drive.run.shared_settings_folder = drive.dir.path();
     target.load();
     target.kies_kleur();
     target.druk_ok();
@@ -300,6 +313,10 @@ TEST_F(OutputTargetTest, TheChoiceTravelsToAndFromTheJob) {
     EXPECT_TRUE(job.output_to_excel);
     EXPECT_EQ(job.export_folder, "/tmp/x/");
     EXPECT_EQ(job.print_job_title, "REPORTING TO EXCEL");
+    // The printer chosen with VERANDER stays for the next job.
+    c.printer_name = "Brother HL";
+    apply_output_choice(c, job);
+    EXPECT_EQ(output_choice_of(job).printer_name, "Brother HL");
 }
 
 }  // namespace

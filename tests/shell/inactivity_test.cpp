@@ -265,71 +265,64 @@ TEST(ClosingMessage, ABlankMessageGetsTheDefaultTexts) {
     EXPECT_EQ(m.lblClose(), "");
 }
 
-TEST(TimeOut, ButtonChangesTheLimitAndWritesTheFile) {
-    Frame f;
-    f.dialogs.inputs << "10";
-    change_timeout(f.ctx);
-    EXPECT_EQ(f.dialogs.prompts, QStringList({"TIME OUT IN MINUTES"}));
-    EXPECT_EQ(f.run.timeout_seconds, 600);
-    EXPECT_EQ(read_bytes(f.program + "/time_out.txt"), QByteArray(" 600 \r\n"));
-    EXPECT_EQ(read_timeout_seconds(f.program), 600);
-    ASSERT_EQ(f.dialogs.messages.size(), 1);
-    EXPECT_EQ(f.dialogs.messages[0].text, "TIME DURATION CHANGED TO 10 MINUTES ...");
-    EXPECT_EQ(f.dialogs.messages[0].icon, MsgIcon::Information);
+// The TIME-OUT button, reply by reply: the limit kept (a single), the file
+// beside the program as the print statement writes it, the message, and
+// what the start reads back from the same file.
+TEST(TimeOut, TheButtonSetsTheLimitWritesItAndReadsItBack) {
+    struct Row {
+        const char* reply;      // nullptr: the default is accepted
+        float seconds;          // the limit afterwards
+        const char* file;       // time_out.txt afterwards; nullptr: not written
+        const char* minutes;    // as the message shows them
+        bool beep;
+        const char* why;
+    } rows[] = {
+        {"10", 600, " 600 \r\n", "10", false, "minutes to seconds"},
+        {"2.5", 150, " 150 \r\n", "2.5", false, "a fraction of a minute"},
+        {nullptr, 300, " 300 \r\n", "5", false, "the default rewrites the same limit"},
+        {"", 300, nullptr, "5", false, "a blank reply keeps the limit but still tells"},
+        {"nooit", 0, " 0 \r\n", "0", false, "no number switches the watcher off"},
+        {"0.01", 0.6f, " 0.6 \r\n", "0.01", false, "a single keeps the fraction of a second"},
+        {"-1", 300, nullptr, "5", true, "a negative limit is refused with a beep"},
+        {"-0.5", 300, nullptr, "5", true, "so is any negative reply"},
+        {"99999999", 9999999, " 9999999 \r\n", "166666.7", false, "no more digits than a single holds"},
+    };
+    for (const Row& r : rows) {
+        SCOPED_TRACE(r.why);
+        Frame f;
+        f.run.language_afrikaans = false;
+        if (r.reply) f.dialogs.inputs << r.reply;
+        change_timeout(f.ctx);
+        EXPECT_EQ(f.dialogs.prompts, QStringList({"TIME OUT IN MINUTES"}));
+        EXPECT_EQ(f.run.timeout_seconds, r.seconds);
+        const QString file = f.program + "/time_out.txt";
+        if (r.file) {
+            EXPECT_EQ(read_bytes(file), QByteArray(r.file));
+            EXPECT_EQ(read_timeout_seconds(f.program), r.seconds);
+        } else {
+            EXPECT_FALSE(QFileInfo::exists(file));
+        }
+        EXPECT_EQ(f.dialogs.beeps, r.beep ? 1 : 0);
+        ASSERT_EQ(f.dialogs.messages.size(), 1);
+        EXPECT_EQ(f.dialogs.messages[0].text, QString("TIME DURATION CHANGED TO %1 MINUTES ...").arg(r.minutes));
+        EXPECT_EQ(f.dialogs.messages[0].icon, MsgIcon::Information);
+    }
+    Frame af;
+    af.run.language_afrikaans = true;
+    af.dialogs.inputs << "2.5";
+    change_timeout(af.ctx);
+    EXPECT_EQ(af.dialogs.prompts, QStringList({"TYDSDUUR IN MINUTE"}));
+    EXPECT_EQ(af.dialogs.texts(), QStringList({"TYDSDUUR VERANDER NA 2.5 MINUTE ..."}));
 }
 
-TEST(TimeOut, ButtonSpeaksAfrikaans) {
+// A negative limit in the file, written by an older version or by hand,
+// counts as the default instead of locking the workstation.
+TEST(TimeOut, ANegativeLimitInTheFileIsTheDefault) {
     Frame f;
-    f.run.language_afrikaans = true;
-    f.dialogs.inputs << "2.5";
-    change_timeout(f.ctx);
-    EXPECT_EQ(f.dialogs.prompts, QStringList({"TYDSDUUR IN MINUTE"}));
-    EXPECT_EQ(f.run.timeout_seconds, 150);
-    EXPECT_EQ(read_bytes(f.program + "/time_out.txt"), QByteArray(" 150 \r\n"));
-    EXPECT_EQ(f.dialogs.texts(), QStringList({"TYDSDUUR VERANDER NA 2.5 MINUTE ..."}));
-}
-
-TEST(TimeOut, DefaultIsTheLimitInMinutes) {
-    Frame f;
-    // An accepted default rewrites the same limit.
-    change_timeout(f.ctx);
-    EXPECT_EQ(f.run.timeout_seconds, 300);
-    EXPECT_EQ(read_bytes(f.program + "/time_out.txt"), QByteArray(" 300 \r\n"));
-    EXPECT_EQ(f.dialogs.texts(), QStringList({"TIME DURATION CHANGED TO 5 MINUTES ..."}));
-}
-
-TEST(TimeOut, BlankReplyKeepsTheLimitButStillTells) {
-    Frame f;
-    f.dialogs.inputs << "";
-    change_timeout(f.ctx);
-    f.dialogs.inputs << "  ";
-    change_timeout(f.ctx);
-    EXPECT_EQ(f.run.timeout_seconds, 300);
-    EXPECT_FALSE(QFileInfo::exists(f.program + "/time_out.txt"));
-    EXPECT_EQ(f.dialogs.texts(), QStringList(2, "TIME DURATION CHANGED TO 5 MINUTES ..."));
-}
-
-TEST(TimeOut, AReplyThatIsNoNumberSwitchesTheWatcherOff) {
-    Frame f;
-    f.dialogs.inputs << "nooit";
-    change_timeout(f.ctx);
-    EXPECT_EQ(f.run.timeout_seconds, 0);
-    EXPECT_EQ(read_bytes(f.program + "/time_out.txt"), QByteArray(" 0 \r\n"));
-    EXPECT_EQ(read_timeout_seconds(f.program), 0);
-    EXPECT_EQ(f.dialogs.texts(), QStringList({"TIME DURATION CHANGED TO 0 MINUTES ..."}));
-}
-
-TEST(TimeOut, NegativeAndHugeLimitsReadBackAsWritten) {
-    Frame f;
-    f.dialogs.inputs << "-1";
-    change_timeout(f.ctx);
-    EXPECT_EQ(read_bytes(f.program + "/time_out.txt"), QByteArray("-60 \r\n"));
-    EXPECT_EQ(read_timeout_seconds(f.program), -60);
-    f.dialogs.inputs << "99999999";
-    change_timeout(f.ctx);
-    EXPECT_EQ(f.run.timeout_seconds, 9999999);
-    EXPECT_EQ(read_bytes(f.program + "/time_out.txt"), QByteArray(" 9999999 \r\n"));
-    EXPECT_EQ(read_timeout_seconds(f.program), 9999999);
+    testing::write_bytes(f.program + "/time_out.txt", "-60 \r\n");
+    EXPECT_EQ(read_timeout_seconds(f.program), 300);
+    testing::write_bytes(f.program + "/time_out.txt", " 0.6 \r\n");
+    EXPECT_EQ(read_timeout_seconds(f.program), 0.6f);
 }
 
 }  // namespace

@@ -175,5 +175,18 @@ TEST(Startup, SetsYearProgramFolderAndLanguage) {
     EXPECT_EQ(t.run.backdrop_green, 192);
 }
 
+// The start reads time_out.txt in the program folder, where the TIME-OUT
+// button writes it, also when the program runs from another folder.
+TEST(Startup, ReadsTheTimeOutWhereTheButtonWritesIt) {
+    Install t;
+    const QString bin = t.path("Apps/bin");
+    QDir().mkpath(bin);
+    write_bytes(bin + "/time_out.txt", " 900 \r\n");
+    write_bytes(t.program + "/time_out.txt", " 120 \r\n");
+    run_startup(t.run, *t.store, bin);
+    EXPECT_EQ(t.run.program_folder, t.program);
+    EXPECT_EQ(t.run.timeout_seconds, 120);
+}
+
 }  // namespace
 }  // namespace veldo
