@@ -161,6 +161,11 @@ void MenuWidget::keyPressEvent(QKeyEvent* event) {
         refresh();
         return;
     }
+    // Escape on a second-level menu is its EXIT: back to the top menu.
+    if (event->key() == Qt::Key_Escape && menu_.kind() != MenuKind::Top) {
+        menu_.punte_exit_click();
+        return;
+    }
     QWidget::keyPressEvent(event);
 }
 
@@ -178,8 +183,18 @@ bool MenuWidget::eventFilter(QObject* watched, QEvent* event) {
             password_show_->setText(menu_.password_show_text());
         }
         if (event->type() == QEvent::KeyPress) {
-            keyPressEvent(static_cast<QKeyEvent*>(event));
-            return true;
+            auto* key = static_cast<QKeyEvent*>(event);
+            // Enter presses the focused entry as on any desktop; Space and
+            // the arrows are the button's own.
+            if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+                static_cast<QPushButton*>(watched)->click();
+                return true;
+            }
+            const QString text = key->text();
+            if ((text.size() == 1 && text[0].isDigit()) || key->key() == Qt::Key_Escape) {
+                keyPressEvent(key);
+                return true;
+            }
         }
     }
     return QWidget::eventFilter(watched, event);

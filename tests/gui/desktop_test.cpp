@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QKeyEvent>
+#include <QPushButton>
 #include <QDir>
 #include <QTemporaryDir>
 
@@ -78,6 +80,42 @@ TEST_F(DesktopWidgets, TheFrameRefusesToCloseAndShowsTheTopMenu) {
     auto* top = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"));
     ASSERT_TRUE(top);
     EXPECT_EQ(top->entry_button(2)->text(), "MARKS BOOK");
+}
+
+}  // namespace
+}  // namespace veldo
+
+namespace veldo {
+namespace {
+
+// The keyboard on the menus: Enter and Space press the focused entry,
+// Escape goes back from a second-level menu.
+TEST_F(DesktopWidgets, TheMenusWorkFromTheKeyboard) {
+    Desktop desktop(program, [] { return false; });
+    ASSERT_TRUE(desktop.start());
+    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
+    // Keys go to the entry that would have the keyboard: an offscreen window
+    // is not always the active one, so focus can't be relied on here.
+    const auto key = [](QWidget* target, int code, const QString& text = QString()) {
+        QKeyEvent press(QEvent::KeyPress, code, Qt::NoModifier, text);
+        QKeyEvent release(QEvent::KeyRelease, code, Qt::NoModifier, text);
+        QApplication::sendEvent(target, &press);
+        QApplication::sendEvent(target, &release);
+    };
+    auto* top = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"));
+    ASSERT_TRUE(top);
+    key(top->entry_button(2), Qt::Key_Return);
+    auto* book = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
+    ASSERT_TRUE(book) << "Enter presses the focused entry";
+    key(book->entry_button(1), Qt::Key_Escape);
+    EXPECT_FALSE(desktop.is_loaded("punte_menu2")) << "Escape goes back to the top menu";
+    top = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"));
+    ASSERT_TRUE(top);
+    key(top->entry_button(2), Qt::Key_Space, " ");
+    book = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
+    ASSERT_TRUE(book) << "Space presses the focused entry";
+    key(book->entry_button(1), Qt::Key_Escape);
+    EXPECT_FALSE(desktop.is_loaded("punte_menu2"));
 }
 
 }  // namespace
