@@ -1006,7 +1006,8 @@ bool DbfTable::Edit() {
     return true;
 }
 
-bool DbfTable::AddNew() {
+// An open table this workstation may write; else the reason, and false.
+bool DbfTable::can_change() {
     if (!file_.is_open()) {
         fail(DbfError::NoCurrentRecord);
         return false;
@@ -1015,6 +1016,11 @@ bool DbfTable::AddNew() {
         fail(DbfError::ReadOnly);
         return false;
     }
+    return true;
+}
+
+bool DbfTable::AddNew() {
+    if (!can_change()) return false;
     leave_edit();
     edit_buf_ = QByteArray(record_length_, ' ');
     edit_record_ = -1;
@@ -1074,37 +1080,42 @@ int DbfTable::disk_record_count(bool* ok) {
     return int(b(4) | (b(5) << 8) | (b(6) << 16) | ((b(7) & 0x7F) << 24));
 }
 
-// Records first..last from memory to the disk in one write, with the
-// end-of-file mark after the last record of the table, as shapelib writes it.
+// Records first..last from memory to the disk in one write.
 bool DbfTable::write_records(int first, int last) {
     const qint64 from = record_offset(first);
-    qint64 length = qint64(last - first + 1) * record_length_;
-    if (last == records_ - 1) {
-        if (image_.size() < from + length + 1) image_.resize(from + length + 1);
-        image_[qsizetype(from + length)] = char(0x1A);
-        ++length;
-    }
-    return file_.write_at(from, image_.constData() + from, length);
+    return file_.write_at(from, image_.constData() + from, end_of_span(last) - from);
+}
+
+// Where a write that ends with record `last` ends: after the record, and
+// after the end-of-file mark (set in memory here) when it is the table's
+// last record, as shapelib writes it.
+qint64 DbfTable::end_of_span(int last) {
+    const qint64 end = record_offset(last + 1);
+    if (last != records_ - 1) return end;
+    if (image_.size() < end + 1) image_.resize(end + 1);
+    image_[qsizetype(end)] = char(0x1A);
+    return end + 1;
+}
+
+// Today's date and `count` into the header in memory (bytes 1 to 7); true
+// when the date bytes changed.
+bool DbfTable::stamp_header(int count) {
+    const QDate today = QDate::currentDate();
+    const char date[3] = {char(today.year() - 1900), char(today.month()), char(today.day())};
+    char* h = image_.data();
+    const bool date_changed = std::memcmp(h + 1, date, 3) != 0;
+    std::memcpy(h + 1, date, 3);
+    const quint32 n = quint32(count);
+    for (int i = 0; i < 4; ++i) h[4 + i] = char((n >> (8 * i)) & 0xFF);
+    return date_changed;
 }
 
 // The header's date and `count`, the field descriptors and every record up
 // to `last` in one write from byte 1 (the descriptors as they are), with the
 // end-of-file mark when `last` is the table's last record.
 bool DbfTable::write_through(int last, int count) {
-    const QDate today = QDate::currentDate();
-    char* h = image_.data();
-    h[1] = char(today.year() - 1900);
-    h[2] = char(today.month());
-    h[3] = char(today.day());
-    const quint32 n = quint32(count);
-    for (int i = 0; i < 4; ++i) h[4 + i] = char((n >> (8 * i)) & 0xFF);
-    qint64 length = record_offset(last + 1) - 1;
-    if (last == records_ - 1) {
-        if (image_.size() < record_offset(records_) + 1) image_.resize(record_offset(records_) + 1);
-        image_[qsizetype(record_offset(records_))] = char(0x1A);
-        ++length;
-    }
-    const bool ok = file_.write_at(1, image_.constData() + 1, length);
+    stamp_header(count);
+    const bool ok = file_.write_at(1, image_.constData() + 1, end_of_span(last) - 1);
     stamped_ = ok;
     return ok;
 }
@@ -1112,18 +1123,9 @@ bool DbfTable::write_through(int last, int count) {
 // Today's date and the record count into the header (bytes 1 to 7). The
 // date is written once a day per handle; the count only when it changed.
 bool DbfTable::write_header(bool count_changed) {
-    const QDate today = QDate::currentDate();
-    char* h = image_.data();
-    const char date[3] = {char(today.year() - 1900), char(today.month()), char(today.day())};
-    const bool date_changed = !stamped_ || std::memcmp(h + 1, date, 3) != 0;
+    const bool date_changed = stamp_header(records_) || !stamped_;
     if (!date_changed && !count_changed) return true;
-    std::memcpy(h + 1, date, 3);
-    const quint32 n = quint32(records_);
-    h[4] = char(n & 0xFF);
-    h[5] = char((n >> 8) & 0xFF);
-    h[6] = char((n >> 16) & 0xFF);
-    h[7] = char((n >> 24) & 0xFF);
-    const bool ok = count_changed ? file_.write_at(1, h + 1, 7) : file_.write_at(1, h + 1, 3);
+    const bool ok = file_.write_at(1, image_.constData() + 1, count_changed ? 7 : 3);
     stamped_ = ok;
     return ok;
 }
@@ -1270,14 +1272,7 @@ void DbfTable::mark_dirty(int record) {
 
 bool DbfTable::begin_batch() {
     if (batch_) return true;
-    if (!file_.is_open()) {
-        fail(DbfError::NoCurrentRecord);
-        return false;
-    }
-    if (read_only_) {
-        fail(DbfError::ReadOnly);
-        return false;
-    }
+    if (!can_change()) return false;
     leave_edit();
     // A rebuild elsewhere may put a new file in the table's place while we
     // wait: then the new one is the table, and it is taken in its turn.

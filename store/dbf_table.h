@@ -213,6 +213,9 @@ private:
     bool write_records(int first, int last);
     bool write_header(bool count_changed);
     bool write_through(int last, int count);
+    qint64 end_of_span(int last);
+    bool stamp_header(int count);
+    bool can_change();
     int disk_record_count(bool* ok);
     void resync_after_failure();
 
