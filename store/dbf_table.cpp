@@ -752,6 +752,9 @@ namespace {
 constexpr qint64 kLockBase = 1000000000;
 qint64 record_lock(int record) { return kLockBase + 1 + record; }
 int g_lock_wait_ms = 3000;
+// How many new files in its place a batch follows before it gives up: on a
+// busy book every workstation that opens it rebuilds it.
+constexpr int kFollowRebuilds = 50;
 
 }  // namespace
 
@@ -1282,8 +1285,8 @@ bool DbfTable::begin_batch() {
         file_.unlock(kLockBase, kLockBase);
         detach();
         DbfError error;
-        if (attempt == 5 || !attach(access_, &error)) {
-            error_ = attempt == 5 ? DbfError{DbfError::Replaced, path_, {}} : error;
+        if (attempt == kFollowRebuilds || !attach(access_, &error)) {
+            error_ = attempt == kFollowRebuilds ? DbfError{DbfError::Replaced, path_, {}} : error;
             return false;
         }
     }
