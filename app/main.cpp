@@ -12,12 +12,29 @@
 
 #include "app/cli.h"
 #include "gui/desktop.h"
+#include "util/user_dialogs.h"
 
 namespace {
 
+// The desktop's application: a handler that ends the program (a vanished
+// drive, a read-only data set) ends the event loop with its code instead of
+// unwinding through Qt.
+class DesktopApplication : public QApplication {
+public:
+    using QApplication::QApplication;
+    bool notify(QObject* receiver, QEvent* event) override {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const veldo::ProgramEnd& end) {
+            QCoreApplication::exit(end.exit_code);
+            return true;
+        }
+    }
+};
+
 // The desktop program: the frame, the splash, the menus.
 int run_desktop(int argc, char** argv) {
-    QApplication app(argc, argv);
+    DesktopApplication app(argc, argv);
     QApplication::setApplicationName("VELDO-TALLY");
     // One copy per user: a second one shows the splash's message and ends.
     QString runtime = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
@@ -26,7 +43,11 @@ int run_desktop(int argc, char** argv) {
     lock.setStaleLockTime(0);
     const bool first_copy = lock.tryLock(0);
     veldo::Desktop desktop(QCoreApplication::applicationDirPath(), [first_copy] { return !first_copy; });
-    if (!desktop.start() || desktop.ended()) return 0;
+    try {
+        if (!desktop.start() || desktop.ended()) return 0;
+    } catch (const veldo::ProgramEnd& end) {
+        return end.exit_code;
+    }
     return QApplication::exec();
 }
 

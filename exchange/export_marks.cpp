@@ -7,6 +7,7 @@
 #include "markbook/marks_table.h"
 #include "markbook/setup_file.h"
 #include "store/dbf_table.h"
+#include "store/dbf_open.h"
 #include "store/record_store.h"
 #include "store/series.h"
 #include "util/file_lookup.h"
@@ -61,11 +62,11 @@ bool export_task(RecordStore& store, const ExportRequest& request) {
         say(run, dbf_error_message(e, run.language_afrikaans), MsgIcon::Critical);
         return false;
     };
-    auto marks = DbfTable::open(path_ignoring_case(folder, marks_table_name(request.series)), &error);
+    auto marks = open_table_to_write(run, path_ignoring_case(folder, marks_table_name(request.series)), &error);
     if (!marks) return fail(error);
-    auto punte = DbfTable::open(path_ignoring_case(folder, class_list_table_name(request.series)), &error);
+    auto punte = open_table_to_write(run, path_ignoring_case(folder, class_list_table_name(request.series)), &error);
     if (!punte) return fail(error);
-    auto obe = DbfTable::open(path_ignoring_case(folder, assessment_table_name(request.series)), &error);
+    auto obe = open_table_to_write(run, path_ignoring_case(folder, assessment_table_name(request.series)), &error);
     if (!obe) return fail(error);
     if (obe->field_index("EO_PUNT") < 0) return fail({DbfError::NoSuchField, obe->path(), "EO_PUNT"});
     const int mark_field = request.task + 1;

@@ -9,6 +9,7 @@
 
 #include "markbook/setup_file.h"
 #include "markbook/workbook_reader.h"
+#include "store/dbf_open.h"
 #include "store/record_store.h"
 #include "store/series.h"
 #include "store/table_layouts.h"
@@ -48,7 +49,7 @@ QString field_text(const DbfTable& t, int f) { return plain_text(t.value(f)).tri
 
 std::unique_ptr<DbfTable> open_or_say(RunState& run, const QString& path) {
     DbfError error;
-    auto table = DbfTable::open(path, &error);
+    auto table = open_table_to_write(run, path, &error);
     if (!table) show(run, dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
     return table;
 }
@@ -150,7 +151,7 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
         if (error) *error = "template missing";
         return false;
     }
-    auto old = DbfTable::open(path);
+    auto old = open_table_to_write(run, path);
     // The rebuild holds the whole table until the new one stands in its place.
     if (!old || !old->begin_batch()) return false;
     // Rows of learners only; the sort needs no more than each row's place

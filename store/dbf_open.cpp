@@ -41,16 +41,19 @@ std::unique_ptr<DbfTable> open_dbf_table(RecordStore& store, const QString& fold
         if (!memo_template.isEmpty()) copy_template_over(memo_template, path_ignoring_case(folder, table + ".dbt"));
         opened = DbfTable::open(path, error);
     }
-    if (opened && opened->is_read_only()) {
-        // A data set that may not be written ends the run, as on the family's
-        // other programs: someone must set it right before work goes on.
-        if (run.dialogs) run.dialogs->message(read_only_data_set_message(run, opened->path()), MsgIcon::Critical);
-        throw ProgramEnd{1};
-    }
+    // A data set that may not be written ends the run, as on the family's
+    // other programs: someone must set it right before work goes on.
+    if (opened && opened->is_read_only()) refuse_read_only_data_set(run, opened->path());
     if (opened) {
         opened->MoveLast();
         opened->MoveFirst();
     }
+    return opened;
+}
+
+std::unique_ptr<DbfTable> open_table_to_write(RunState& run, const QString& path, DbfError* error) {
+    auto opened = DbfTable::open(path, error);
+    if (opened && opened->is_read_only()) refuse_read_only_data_set(run, opened->path());
     return opened;
 }
 

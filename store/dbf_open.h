@@ -11,6 +11,7 @@
 namespace veldo {
 
 class RecordStore;
+struct RunState;
 
 // Opens `<table>.dbf` in `folder`, walked to its end and back to the first
 // record. A vanished drive shows the network message, and a table that may
@@ -19,5 +20,10 @@ class RecordStore;
 // after the template copy; the caller reports it in its own words.
 std::unique_ptr<DbfTable> open_dbf_table(RecordStore& store, const QString& folder, const QString& table,
                                          DbfError* error = nullptr);
+
+// Opens a table this system writes, by its path. One that may not be written
+// shows the read-only data-set message and ends the program (ProgramEnd),
+// before anything is changed; nullptr, with `error`, when it can't be opened.
+std::unique_ptr<DbfTable> open_table_to_write(RunState& run, const QString& path, DbfError* error = nullptr);
 
 }  // namespace veldo

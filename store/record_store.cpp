@@ -25,6 +25,11 @@ QString read_only_data_set_message(const RunState& run, const QString& path) {
                   "DATASET " + shown + "  IS 'READ ONLY' ... CONTACT VELDO-HOUSE !");
 }
 
+void refuse_read_only_data_set(RunState& run, const QString& path) {
+    if (run.dialogs) run.dialogs->message(read_only_data_set_message(run, path), MsgIcon::Critical);
+    throw ProgramEnd{1};
+}
+
 QString network_drive_message(const RunState& run, const QString& drive) {
     return run.tr("NETWERK AANDRYWER  " + drive + "  NIE BESKIKBAAR NIE ...\r\n\r\nKONTAK U NETWERKADMINISTRATEUR !",
                   "NETWORK DRIVE  " + drive + "  NOT AVAILABLE ...\r\n\r\nCONTACT YOUR NETWORK ADMINISTRATOR !");
@@ -139,6 +144,14 @@ bool RecordStore::open_record_file(int file_number, const QString& path, int rec
     if (!f->file.open(QIODevice::ReadWrite) && !f->file.open(QIODevice::ReadOnly)) return false;
     files_[file_number] = std::move(f);
     return true;
+}
+
+void RecordStore::refuse_if_read_only(int file_number, const QString& path) {
+    const OpenFile* f = open_file(file_number);
+    if (f && f->file.isOpen() && !f->file.isWritable()) {
+        close_table_file(file_number);
+        refuse_read_only_data_set(run_, path);
+    }
 }
 
 int RecordStore::record_count_of(qint64 file_length, int record_length) {
@@ -269,6 +282,7 @@ void RecordStore::open_table(const QString& code_in, const QString& folder_in,
             if (!entry.single_record_block) run_migrations(entry, folder);
             var.file_number = allocate_file_handle(false);
             open_record_file(var.file_number, path, entry.record_length);
+            refuse_if_read_only(var.file_number, path);
             if (!entry.single_record_block) remember_open_table(var.file_number, folder, entry.code);
         }
         if (entry.after_open != AfterOpen::NoCount)
@@ -288,6 +302,7 @@ void RecordStore::open_exp_mrk_control(const QString& code, const QString& folde
     var.file_number = allocate_file_handle(false);
     const QString path = path_ignoring_case(folder, "exp_mrk_control.txt");
     open_record_file(var.file_number, path, 44);
+    refuse_if_read_only(var.file_number, path);
     var.record_count = record_count_of(QFileInfo(path).size(), 44);
 }
 

@@ -84,6 +84,9 @@ public:
     // Opens `path` for random access on `file_number`, creating it when it is
     // missing. False when it can't be opened; the number stays taken.
     bool open_record_file(int file_number, const QString& path, int record_length);
+    // A record file opened but not writable: the read-only data-set message
+    // and the end of the program.
+    void refuse_if_read_only(int file_number, const QString& path);
 
     // The drive of a folder: the stand-in for the current drive when the
     // folder lies under it, else the folder's mount point.
@@ -122,6 +125,9 @@ QString folder_missing_message(const RunState& run, const QString& folder);
 QString network_drive_message(const RunState& run, const QString& drive);
 // "DATASTEL <folder and file>  IS 'READ ONLY' ... SKAKEL VELDO-HOUSE !"
 QString read_only_data_set_message(const RunState& run, const QString& path);
+// Shows the read-only data-set message as a critical message and ends the
+// program (throws ProgramEnd).
+[[noreturn]] void refuse_read_only_data_set(RunState& run, const QString& path);
 QString file_handles_message();
 
 }  // namespace veldo

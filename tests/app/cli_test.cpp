@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
@@ -120,23 +121,38 @@ TEST_F(Cli, DumpRefusesADamagedTableWithAMessage) {
 
 TEST_F(Cli, AReadOnlyFolderIsRefusedWithAMessageAndKeepsItsFiles) {
     ASSERT_EQ(run({"demo", "--data", data()}).exit_code, 0);
+    // The school's own records stay open to every user; only the data folder
+    // and its tables are closed to writing.
     const auto open_all = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner |
                           QFileDevice::ReadOther | QFileDevice::WriteOther | QFileDevice::ExeOther;
+    QDirIterator all(drive.path(), QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDirIterator::Subdirectories);
+    while (all.hasNext()) QFile::setPermissions(all.next(), open_all);
     QFile::setPermissions(drive.path(), open_all);
-    QFile::setPermissions(drive.filePath("ProgramData"), open_all);
-    QFile::setPermissions(drive.filePath("ProgramData/KESTRALIN"), open_all);
     const auto read_only = QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadOther | QFileDevice::ExeOther;
+    QDirIterator tables(data(), QDir::Files);
+    while (tables.hasNext()) QFile::setPermissions(tables.next(), read_only & ~(QFileDevice::ExeOwner | QFileDevice::ExeOther));
     QFile::setPermissions(data(), read_only);
     const QByteArray before = testing::read_bytes(data() + "/marks1.dbf");
 
     const auto demo = testing::run_program(drive.path(), {"demo", "--data", data() + "/school"}, true);
     EXPECT_EQ(demo.exit_code, 1);
     EXPECT_EQ(demo.err.trimmed(), "The folder " + data() + "/school can't be created or written to.");
-    // Opening a book rebuilds it; in a folder the user may not write, the
-    // book stays as it is and still opens.
-    const auto open = testing::run_program(drive.path(), {"open", "--data", data(), "--series", "1"}, true);
-    EXPECT_EQ(testing::read_bytes(data() + "/marks1.dbf"), before);
-    EXPECT_EQ(open.exit_code, 0) << open.err.toStdString();
+    // A data set that may not be written is refused at the first of its
+    // tables opened, in the user's language, before anything is touched.
+    struct Case { const char* word; const char* lang; QString message; };
+    const QString control = data() + "/exp_mrk_control.txt";
+    const Case cases[] = {
+        {"open", "en", "DATASET " + control + "  IS 'READ ONLY' ... CONTACT VELDO-HOUSE !"},
+        {"open", "af", "DATASTEL " + control + "  IS 'READ ONLY' ... SKAKEL VELDO-HOUSE !"},
+        {"recalc", "en", "DATASET " + control + "  IS 'READ ONLY' ... CONTACT VELDO-HOUSE !"},
+    };
+    for (const Case& c : cases) {
+        const auto r = testing::run_program(drive.path(), {c.word, "--data", data(), "--series", "1", "--lang", c.lang}, true);
+        EXPECT_EQ(r.exit_code, 1) << c.word << c.lang;
+        EXPECT_EQ(r.err.trimmed().toStdString(), c.message.toStdString()) << c.word << c.lang;
+        EXPECT_EQ(r.out.toStdString(), "") << c.word << c.lang;
+        EXPECT_EQ(testing::read_bytes(data() + "/marks1.dbf"), before) << c.word << c.lang;
+    }
     QFile::setPermissions(data(), open_all);
 }
 

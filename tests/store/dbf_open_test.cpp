@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QFileInfo>
+#include <functional>
 
 #include "store/dbf_open.h"
 #include "store/record_store.h"
@@ -68,7 +69,8 @@ TEST_F(FamilyDbfOpener, AnEmptyTableIsMadeAfreshAndWithoutATemplateItGoes) {
     EXPECT_FALSE(QFileInfo::exists(t.data("LGES_P_S.dbf")));
 }
 
-// A data set that may not be written ends the run with the system's message.
+// A data set that may not be written ends the run with the system's message,
+// whichever opener meets it first, and nothing is changed.
 TEST_F(FamilyDbfOpener, AReadOnlyDataSetEndsTheRunWithItsMessage) {
     if (veldo::testing::rerun_unprivileged()) return;
     const QString path = t.data("LWISK_P_S.dbf");
@@ -79,15 +81,41 @@ TEST_F(FamilyDbfOpener, AReadOnlyDataSetEndsTheRunWithItsMessage) {
         w->set_value(0, "1");
         ASSERT_TRUE(w->Update());
     }
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+    const QString record_file = t.data("exp_mrk_control.txt");
+    write_bytes(record_file, QByteArray(44, ' '));
+    const QString symbols = t.data("pi2_random.txt");
+    write_bytes(symbols, QByteArray(10, ' '));
+    for (const QString& f : {path, record_file, symbols})
+        QFile::setPermissions(f, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
     const QByteArray before = read_bytes(path);
-    EXPECT_THROW(open_dbf_table(*t.store, t.run.data_folder, "LWISK_P_S"), ProgramEnd);
-    ASSERT_EQ(t.dialogs.messages.size(), 1);
-    EXPECT_EQ(t.dialogs.messages[0].text, "DATASET " + path + "  IS 'READ ONLY' ... CONTACT VELDO-HOUSE !");
+
+    struct Case {
+        const char* opener;
+        QString shown;
+        std::function<void()> open;
+    };
+    const Case cases[] = {
+        {"family opener", path, [&] { open_dbf_table(*t.store, t.run.data_folder, "LWISK_P_S"); }},
+        {"table to write", path, [&] { open_table_to_write(t.run, path); }},
+        {"record table", symbols, [&] { t.store->open_table("PI2", t.run.data_folder); }},
+        {"record file", record_file, [&] { t.store->open_exp_mrk_control("E_C", t.run.data_folder); }},
+    };
+    for (const Case& c : cases)
+        for (const bool afrikaans : {false, true}) {
+            t.dialogs.messages.clear();
+            t.run.language_afrikaans = afrikaans;
+            EXPECT_THROW(c.open(), ProgramEnd) << c.opener;
+            ASSERT_EQ(t.dialogs.messages.size(), 1) << c.opener;
+            EXPECT_EQ(t.dialogs.messages[0].icon, MsgIcon::Critical);
+            EXPECT_EQ(t.dialogs.messages[0].text,
+                      afrikaans ? "DATASTEL " + c.shown + "  IS 'READ ONLY' ... SKAKEL VELDO-HOUSE !"
+                                : "DATASET " + c.shown + "  IS 'READ ONLY' ... CONTACT VELDO-HOUSE !")
+                << c.opener;
+        }
     EXPECT_EQ(read_bytes(path), before);
-    t.run.language_afrikaans = true;
-    EXPECT_THROW(open_dbf_table(*t.store, t.run.data_folder, "LWISK_P_S"), ProgramEnd);
-    EXPECT_EQ(t.dialogs.messages[1].text, "DATASTEL " + path + "  IS 'READ ONLY' ... SKAKEL VELDO-HOUSE !");
+    EXPECT_EQ(read_bytes(record_file), QByteArray(44, ' '));
+    // Read-only access stays open to readers.
+    EXPECT_TRUE(DbfTable::open(path, nullptr, DbfAccess::ReadOnly));
 }
 
 TEST_F(FamilyDbfOpener, NoTableAndNoTemplateGivesMissing) {
