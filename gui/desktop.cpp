@@ -22,6 +22,7 @@
 #include "gui/menu_widget.h"
 #include "gui/password_prompt_dialog.h"
 #include "gui/placeholder_screen.h"
+#include "gui/refused_folder_form.h"
 #include "gui/splash_widget.h"
 #include "shell/calculator.h"
 #include "shell/change_folder.h"
@@ -166,15 +167,9 @@ void Desktop::run_modal(const QString& name) {
         ChangeFolder folder(ctx_);
         folder.load();
         if (!folder.is_loaded()) return;
-        // A refused folder leaves the screen open and empty until it is closed.
-        QDialog empty(this);
-        empty.setObjectName(name);
-        empty.setWindowTitle(folder.caption());
-        auto* layout = new QVBoxLayout(&empty);
-        auto* close = new QPushButton(QStringLiteral("EXIT"), &empty);
-        layout->addWidget(close);
-        connect(close, &QPushButton::clicked, &empty, &QDialog::accept);
-        empty.exec();
+        // A refused folder leaves the screen open until it is closed.
+        RefusedFolderForm form(folder, this);
+        form.exec();
         folder.unload();
         return;
     }
@@ -204,6 +199,13 @@ void Desktop::unload(const QString& name) {
         if (logic) connect(w, &QObject::destroyed, [logic] {});
         w->deleteLater();
     }
+    // The keyboard goes back to the screen now on top, whichever order the
+    // closing screen's handler unloads and shows in.
+    for (auto it = order_.crbegin(); it != order_.crend(); ++it)
+        if (QWidget* top = widgets_.value(*it); top && top->isVisible()) {
+            top->setFocus();
+            break;
+        }
 }
 
 void Desktop::close_dialogs() {

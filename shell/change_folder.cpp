@@ -23,6 +23,13 @@ QList<QuotedLine> read_lines(const QString& path) {
 
 QString ChangeFolder::caption() const { return ctx_.run.tr("WYSIG DATA GIDS", "CHANGE DATA FOLDER"); }
 
+QString ChangeFolder::refused_hint() const {
+    return ctx_.run.tr("Die gids " + ctx_.run.data_folder +
+                           " bevat nie punteleêrs nie.\nSluit hierdie venster en kies 'n ander gids met DATA GIDS op die menu.",
+                       "The folder " + ctx_.run.data_folder +
+                           " does not contain marks files.\nClose this window and choose another folder with DATA FOLDER on the menu.");
+}
+
 void ChangeFolder::load() {
     loaded_ = true;
     RunState& run = ctx_.run;

@@ -15,6 +15,8 @@ public:
     explicit ChangeFolder(ShellContext& ctx) : ctx_(ctx) {}
 
     QString caption() const;  // "WYSIG DATA GIDS" / "CHANGE DATA FOLDER"
+    // The line the form shows while it stays open after a refused folder.
+    QString refused_hint() const;
     // Asks for the folder, starting on the remembered one. Unloads the screen
     // on a cancel or an accepted folder; a refused folder leaves it open and
     // empty until the user closes it.

@@ -10,6 +10,9 @@
 
 #include "gui/desktop.h"
 #include "gui/menu_widget.h"
+#include "gui/refused_folder_form.h"
+#include "shell/change_folder.h"
+#include <QLabel>
 #include "gui/splash_widget.h"
 
 namespace veldo {
@@ -116,6 +119,77 @@ TEST_F(DesktopWidgets, TheMenusWorkFromTheKeyboard) {
     ASSERT_TRUE(book) << "Space presses the focused entry";
     key(book->entry_button(1), Qt::Key_Escape);
     EXPECT_FALSE(desktop.is_loaded("punte_menu2"));
+}
+
+}  // namespace
+}  // namespace veldo
+
+namespace veldo {
+namespace {
+
+bool holds(QWidget* outer, QWidget* inner) { return inner && (inner == outer || outer->isAncestorOf(inner)); }
+
+// The keyboard comes back to the menu a screen was opened from when that
+// screen closes.
+TEST_F(DesktopWidgets, TheKeyboardComesBackToTheMenuBehindAClosedScreen) {
+    Desktop desktop(program, [] { return false; });
+    ASSERT_TRUE(desktop.start());
+    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
+    const QString data = drive.filePath("data");
+    QDir().mkpath(data);
+    QFile(data + "/exp_mrk_control.txt").open(QIODevice::WriteOnly);
+    desktop.context().run.data_folder = data;
+    desktop.QMainWindow::show();
+    desktop.activateWindow();
+    QApplication::setActiveWindow(&desktop);
+    QApplication::processEvents();
+
+    auto* top = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"));
+    ASSERT_TRUE(top);
+    top->entry_button(2)->click();
+    auto* book = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
+    ASSERT_TRUE(book);
+    EXPECT_TRUE(holds(book, desktop.focusWidget()));
+    book->entry_button(1)->click();
+    QWidget* setup = desktop.screen_widget("pboek_opstel");
+    ASSERT_TRUE(setup);
+    EXPECT_TRUE(holds(setup, desktop.focusWidget()));
+    auto* exit = setup->findChild<QPushButton*>("exit");
+    ASSERT_TRUE(exit);
+    exit->setFocus();
+    exit->click();
+    EXPECT_FALSE(desktop.is_loaded("pboek_opstel"));
+    EXPECT_TRUE(holds(book, QApplication::focusWidget()));
+    // The menu's own keys work again: Escape goes back to the top menu.
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(QApplication::focusWidget(), &escape);
+    EXPECT_FALSE(desktop.is_loaded("punte_menu2"));
+    EXPECT_TRUE(holds(desktop.screen_widget("punte_mnu"), QApplication::focusWidget()));
+}
+
+}  // namespace
+}  // namespace veldo
+
+namespace veldo {
+namespace {
+
+// The form that stays after a refused folder says what it is and what to do.
+TEST_F(DesktopWidgets, TheRefusedFolderFormCarriesItsTitleAndWhatToDo) {
+    Desktop desktop(program, [] { return false; });
+    ASSERT_TRUE(desktop.start());
+    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(1)->click();
+    desktop.context().run.data_folder = "/skool/ou";
+    ChangeFolder folder(desktop.context());
+    RefusedFolderForm form(folder, &desktop);
+    EXPECT_EQ(form.windowTitle(), "WYSIG DATA GIDS");
+    auto* hint = form.findChild<QLabel*>("hint");
+    ASSERT_TRUE(hint);
+    EXPECT_EQ(hint->text(), folder.refused_hint());
+    EXPECT_TRUE(hint->text().startsWith("Die gids /skool/ou bevat nie punteleêrs nie."));
+    form.show();
+    form.findChild<QPushButton*>("exit")->click();
+    EXPECT_EQ(form.result(), QDialog::Accepted);
+    EXPECT_FALSE(form.isVisible());
 }
 
 }  // namespace

@@ -47,6 +47,12 @@ TEST_F(ChangeFolderTest, AFolderWithOnlyTheOlderTableIsRefusedButStaysPicked) {
     EXPECT_EQ(dialogs.texts(), QStringList{"Gekose gids (" + old + ") bevat nie punteleêrs nie ..."});
     EXPECT_EQ(run.data_folder, old);
     EXPECT_TRUE(f.is_loaded());
+    EXPECT_EQ(f.caption(), "WYSIG DATA GIDS");
+    EXPECT_EQ(f.refused_hint(), "Die gids " + old +
+                                    " bevat nie punteleêrs nie.\nSluit hierdie venster en kies 'n ander gids met DATA GIDS op die menu.");
+    run.language_afrikaans = false;
+    EXPECT_EQ(f.refused_hint(), "The folder " + old +
+                                    " does not contain marks files.\nClose this window and choose another folder with DATA FOLDER on the menu.");
     EXPECT_FALSE(QFileInfo::exists(run.program_folder + "/last_drive.txt"));
     time = QTime(11, 0);
     f.unload();
