@@ -15,6 +15,7 @@
 #include "store/table_layouts.h"
 #include "exchange/export_marks.h"
 #include "exchange/symbol_distribution.h"
+#include "markbook/column_actions.h"
 #include "markbook/marks_table.h"
 #include "markbook/totals_engine.h"
 #include "markbook/typed_mark.h"
@@ -140,6 +141,27 @@ int cmd_recalc(Context& c) {
     return 0;
 }
 
+// A column of an open book given on the command line: a named row's field
+// index (2 to 41); a total column only where `totals_too`.
+int chosen_column(Context& c, const OpenMarkBook& book, const QString& option, bool totals_too) {
+    const QString given = c.options.value(option);
+    const int column = int(Val(given));
+    const ColumnLists& lists = book.lists;
+    if (column < 2 || column > 41 || lists.name(column).trimmed().isEmpty() || (!totals_too && lists.is_total(column))) {
+        print_error(c.run.tr("Kolom " + given + " van punteboek " + QString::number(book.series) +
+                                 " neem nie punte nie: kies 'n taak se kolom (2 tot 41).",
+                             "Column " + given + " of mark book " + QString::number(book.series) +
+                                 " takes no marks: choose a task's column (2 to 41)."));
+        return -1;
+    }
+    return column;
+}
+
+int table_failed(Context& c, const DbfTable& table) {
+    print_error(dbf_error_message(table.last_error(), c.run.language_afrikaans));
+    return 1;
+}
+
 // A mark typed into book N as the input screen takes it: the book opened
 // (and so rebuilt), the learner found by number, the mark judged and stored
 // with the running figure. A book rebuilt by another workstation meanwhile is
@@ -154,13 +176,7 @@ int cmd_mark(Context& c) {
         auto book = open_mark_book(c.store, row, series);
         if (!book) return 1;
         const ColumnLists& lists = book->lists;
-        if (column < 2 || column > 41 || lists.name(column).trimmed().isEmpty() || lists.is_total(column)) {
-            print_error(c.run.tr("Kolom " + c.options.value("column") + " van punteboek " + QString::number(series) +
-                                     " neem nie punte nie: kies 'n taak se kolom (" + QString::number(2) + " tot 41).",
-                                 "Column " + c.options.value("column") + " of mark book " + QString::number(series) +
-                                     " takes no marks: choose a task's column (2 to 41)."));
-            return 1;
-        }
+        if (chosen_column(c, *book, "column", false) < 0) return 1;
         DbfTable& t = *book->table;
         bool found = false;
         for (t.MoveFirst(); !t.Eof() && !found; t.MoveNext())
@@ -186,6 +202,62 @@ int cmd_mark(Context& c) {
         c.out << "\n";
         return 0;
     }
+}
+
+// Scaling as the column menu does it: every mark moved by the same number of
+// percentage points towards the new class average.
+int cmd_scale(Context& c) {
+    auto book = open_chosen_book(c);
+    if (!book) return 1;
+    const int column = chosen_column(c, *book, "column", true);
+    if (column < 0) return 1;
+    if (book->lists.is_total(column)) {
+        print_error(scaling_total_column_message(c.run));
+        return 1;
+    }
+    const double wanted = Val(c.options.value("average").trimmed());
+    if (wanted == 0) {
+        print_error(c.run.tr("Die nuwe gemiddeld moet 'n getal bo 0 wees: niks is verskaal nie.",
+                             "The new average must be a number above 0: nothing was scaled."));
+        return 1;
+    }
+    const double before = class_averages(*book->table, book->lists)[std::size_t(column)].to_double();
+    if (!scale_column(*book->table, book->lists, column, before, wanted)) return table_failed(c, *book->table);
+    const double after = class_averages(*book->table, book->lists)[std::size_t(column)].to_double();
+    c.out << book->lists.name(column).trimmed() << ": " << format_one_decimal(before) << " -> "
+          << format_one_decimal(after) << "\n";
+    return 0;
+}
+
+int cmd_copy_column(Context& c) {
+    auto book = open_chosen_book(c);
+    if (!book) return 1;
+    const int from = chosen_column(c, *book, "from", true);
+    const int to = from < 0 ? -1 : chosen_column(c, *book, "to", true);
+    if (to < 0) return 1;
+    if (!copy_column(*book->table, from, to)) return table_failed(c, *book->table);
+    c.out << book->lists.name(from).trimmed() << " -> " << book->lists.name(to).trimmed() << ": "
+          << book->table->RecordCount() << c.run.tr(" leerders", " learners") << "\n";
+    return 0;
+}
+
+// The clipboard's text, read from a file: one line per learner.
+int cmd_paste_column(Context& c) {
+    auto book = open_chosen_book(c);
+    if (!book) return 1;
+    const int column = chosen_column(c, *book, "column", true);
+    if (column < 0) return 1;
+    QFile file(QDir(c.invocation_folder).absoluteFilePath(c.options.value("file")));
+    if (!file.open(QIODevice::ReadOnly)) {
+        print_error(c.run.tr("Die lêer " + file.fileName() + " kan nie gelees word nie.",
+                             "The file " + file.fileName() + " can't be read."));
+        return 1;
+    }
+    const QString text = QString::fromUtf8(file.readAll());
+    if (!paste_column(*book->table, column, text)) return table_failed(c, *book->table);
+    c.out << book->lists.name(column).trimmed() << ": " << book->table->RecordCount()
+          << c.run.tr(" leerders", " learners") << "\n";
+    return 0;
 }
 
 int cmd_averages(Context& c) {
@@ -247,8 +319,8 @@ int cmd_dump(Context& c) {
 // if the user pressed PRINT, or to a workbook as if he chose Excel.
 int cmd_print(Context& c) {
     const QString what = c.positional.value(0);
-    if (what != "markbook" && what != "symbols" && what != "setup") {
-        print_error("veldo-tally: print takes markbook, symbols or setup\n\n" + usage_text());
+    if (what != "markbook" && what != "symbols" && what != "setup" && what != "meritlist") {
+        print_error("veldo-tally: print takes markbook, meritlist, symbols or setup\n\n" + usage_text());
         return 2;
     }
     const bool to_pdf = c.options.contains("pdf");
@@ -277,6 +349,18 @@ int cmd_print(Context& c) {
                     j.export_stem = file.completeBaseName();
                 }};
 
+    if (what == "meritlist") {
+        if (!c.options.contains("column")) {
+            print_error("veldo-tally: print meritlist needs --column\n\n" + usage_text());
+            return 2;
+        }
+        auto book = open_mark_book(c.store, row, series);
+        if (!book) return 1;
+        const int column = chosen_column(c, *book, "column", true);
+        if (column < 0) return 1;
+        print_merit_list(r, *book->table, book->lists.name(column), column, distribution_title(row));
+        return c.dialogs.refused ? 1 : 0;
+    }
     if (what == "symbols") {
         TextGrid grid;
         if (!build_symbol_distribution(c.store, row, series, grid)) return 1;
@@ -330,14 +414,23 @@ const QList<Command>& commands() {
         {"mark", "mark --data DIR --series N --learner T-NR --column C --value V",
          "type mark V for learner T-NR in column C (a field index, 2 to 41) of book N, as the input screen takes it",
          {"data", "series", "learner", "column", "value"}, 0, cmd_mark},
+        {"scale", "scale --data DIR --series N --column C --average X",
+         "move every mark of column C of book N by the same points, towards class average X percent",
+         {"data", "series", "column", "average"}, 0, cmd_scale},
+        {"copy-column", "copy-column --data DIR --series N --from C --to C2",
+         "copy the marks of column C of book N into column C2", {"data", "series", "from", "to"}, 0, cmd_copy_column},
+        {"paste-column", "paste-column --data DIR --series N --column C --file FILE",
+         "paste FILE, one line per learner in the book's order, into column C of book N",
+         {"data", "series", "column", "file"}, 0, cmd_paste_column},
         {"export", "export --data DIR --series N --task T [--to DIR2]",
          "send task T of book N to punte<N>.dbf and obe_p<N>.dbf in DIR2 (default DIR)", {"data", "series", "task", "to"},
          0, cmd_export},
         {"symbols", "symbols --data DIR --series N", "print the symbol distribution of mark book N",
          {"data", "series"}, 0, cmd_symbols},
-        {"print", "print markbook|symbols|setup --data DIR --series N (--pdf FILE | --xlsx FILE)",
-         "print mark book N, its symbol distribution or its setup to a PDF file or a workbook",
-         {"data", "series", "pdf", "xlsx"}, 1, cmd_print},
+        {"print", "print markbook|meritlist|symbols|setup --data DIR --series N [--column C] (--pdf FILE | --xlsx FILE)",
+         "print mark book N, the merit list of its column C, its symbol distribution or its setup to a PDF file or a "
+         "workbook",
+         {"data", "series", "column", "pdf", "xlsx"}, 1, cmd_print},
     };
     return list;
 }
@@ -385,7 +478,8 @@ int run_command_line(const QStringList& arguments, const QString& application_fo
     }
     if (c.positional.size() != command->positional) return usage_error("wrong arguments for " + command->word);
     for (const QString& required : command->options)
-        if (required != "to" && required != "pdf" && required != "xlsx" && !c.options.contains(required))
+        if (!(required == "to" && command->word == "export") && required != "pdf" && required != "xlsx" &&
+            !(required == "column" && command->word == "print") && !c.options.contains(required))
             return usage_error(command->word + " needs --" + required);
     if (c.options.contains("lang") && c.options["lang"] != "af" && c.options["lang"] != "en")
         return usage_error("--lang takes af or en");

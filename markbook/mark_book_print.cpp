@@ -1,5 +1,6 @@
 #include "markbook/mark_book_print.h"
 
+#include "markbook/column_actions.h"
 #include "reports/grid_report.h"
 #include "store/dbf_table.h"
 #include "store/run_state.h"
@@ -149,6 +150,32 @@ bool print_mark_book(ReportRun& r, const MarkBookSetup& setup, DbfTable& marks, 
     }
     for (int c = 2; c < grid.cols(); ++c) grid.set_col_width(c, widths.value(c));
     r.surface.set_CurrentY(r.surface.CurrentY() + 2);
+    end_of_print(r.surface, r.job, r.run);
+    return true;
+}
+
+bool print_merit_list(ReportRun& r, DbfTable& marks, const QString& column_name, int column, const QString& title) {
+    const bool af = r.run.language_afrikaans;
+    const TextGrid merit = merit_list(marks, column);
+    TextGrid grid(1, 4);
+    grid.set_fixed_cols(0);
+    grid.set_format_string((af ? "<NR|^  T.NR|<LEERDER|>" : "<NO|^  A.NO|<LEARNER|>") + column_name.trimmed());
+    grid.set_rows(merit.rows() + 1);
+    grid.set_fixed_rows(1);
+    for (int row = 0; row < merit.rows(); ++row) {
+        grid.set_text(row + 1, 0, QString::number(row + 1));
+        for (int c = 0; c < 3; ++c) grid.set_text(row + 1, c + 1, merit.text(row, c));
+    }
+    grid.set_col_width(0, kPrintNumberWidth);
+    grid.set_col_width(1, kPrintLearnerNumberWidth);
+    grid.set_col_width(2, kPrintLearnerWidth);
+    grid.set_col_width(3, 2 * kPrintMarkWidth);
+
+    const QString heading = (af ? "MERIETELYS " : "MERIT LIST ") + title + " - " + column_name.trimmed();
+    r.job.export_stem = heading;
+    if (!ask_output_target(r.surface, r.job, r.run, QString(), r.ask)) return false;
+    r.job.new_print_job = true;
+    print_grid_pages(r, grid, heading, kPortrait, GridReportOptions{});
     end_of_print(r.surface, r.job, r.run);
     return true;
 }

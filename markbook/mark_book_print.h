@@ -47,6 +47,12 @@ QString setup_print_title(bool afrikaans);  // "PUNTEBOEK OPSTELLING" / "MARK BO
 // 20. False when the user cancelled the output choice.
 bool print_mark_book(ReportRun& r, const MarkBookSetup& setup, DbfTable& marks, const QString& title);
 
+// The merit list of one column, highest mark first, as the input screen
+// prints it through the print screen: running number, learner's number,
+// learner and the mark, headed by the column's name, in portrait. False when
+// the user cancelled the output choice.
+bool print_merit_list(ReportRun& r, DbfTable& marks, const QString& column_name, int column, const QString& title);
+
 // The print of the setup screen's grid.
 bool print_setup(ReportRun& r, const MarkBookSetup& setup);
 

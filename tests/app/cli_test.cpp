@@ -21,6 +21,14 @@ namespace {
 using testing::run_program;
 using testing::write_bytes;
 
+// A PDF's text as a reader sees it.
+QString pdf_text(const QString& pdf) {
+    QProcess p;
+    p.start("pdftotext", {"-layout", pdf, "-"});
+    if (!p.waitForFinished(30000)) return {};
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
 struct Cli : ::testing::Test {
     QTemporaryDir drive;
     QString data() const { return drive.filePath("data"); }
@@ -281,6 +289,69 @@ TEST_F(CliBook, AMarkIsJudgedStoredAndAddedToTheRunningFigure) {
     EXPECT_EQ(nobody.err.trimmed(), "There is no learner 1 in mark book 4.");
 }
 
+// The column actions on book 1 of the demo school, each read back from the
+// table; refusals change no byte.
+TEST_F(CliBook, TheColumnActionsWorkOnTheTable) {
+    const auto field = [&](int f) {
+        QStringList out;
+        const QStringList rows = lines(run({"dump", data() + "/marks1.dbf"}));
+        for (int i = 1; i < rows.size(); ++i) out << rows[i].section('\t', f, f);
+        return out;
+    };
+    ASSERT_EQ(run({"open", "--data", data(), "--series", "1"}).exit_code, 0);
+    const QStringList task2 = field(3);
+    const QByteArray start = testing::read_bytes(data() + "/marks1.dbf");
+    struct Refusal {
+        QStringList args;
+        QString message;
+    };
+    const Refusal refusals[] = {
+        {{"scale", "--column", "6", "--average", "50"}, "Scaling not possible on total columns ..."},
+        {{"scale", "--column", "2", "--average", "0"}, "The new average must be a number above 0: nothing was scaled."},
+        {{"scale", "--column", "1", "--average", "50"}, "Column 1 of mark book 1 takes no marks: choose a task's column (2 to 41)."},
+        {{"copy-column", "--from", "2", "--to", "42"}, "Column 42 of mark book 1 takes no marks: choose a task's column (2 to 41)."},
+        {{"paste-column", "--column", "3", "--file", "missing.txt"}, "The file " + QDir::current().absoluteFilePath("missing.txt") + " can't be read."},
+        {{"print", "meritlist", "--column", "24", "--pdf", "m.pdf"}, "Column 24 of mark book 1 takes no marks: choose a task's column (2 to 41)."},
+    };
+    for (const Refusal& r : refusals) {
+        const auto result = run(QStringList{r.args[0]} + QStringList{"--data", data(), "--series", "1"} + r.args.mid(1));
+        EXPECT_EQ(result.exit_code, 1) << r.args.join(' ').toStdString();
+        EXPECT_EQ(result.err.trimmed().toStdString(), r.message.toStdString());
+        EXPECT_EQ(testing::read_bytes(data() + "/marks1.dbf"), start) << r.args.join(' ').toStdString();
+    }
+
+    // TAAK 2 (out of 10) to an average of 80 %, then past 100: every mark at the total.
+    auto r = run({"scale", "--data", data(), "--series", "1", "--column", "3", "--average", "80"});
+    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
+    EXPECT_TRUE(QRegularExpression("^TAAK 2: 59\\.7 -> \\d+\\.\\d$").match(r.out.trimmed()).hasMatch()) << r.out.toStdString();
+    r = run({"scale", "--data", data(), "--series", "1", "--column", "3", "--average", "250"});
+    ASSERT_EQ(r.exit_code, 0);
+    for (int i = 0; i < task2.size(); ++i) {
+        const QString t = task2[i].trimmed();
+        EXPECT_EQ(field(3)[i], t.isEmpty() || t == "A" || t == "a" ? task2[i] : "10.0") << i;
+    }
+
+    // Copy TAAK 1 over TAAK 2, then paste three lines into TAAK 2.
+    ASSERT_EQ(run({"copy-column", "--data", data(), "--series", "1", "--from", "2", "--to", "3"}).exit_code, 0);
+    EXPECT_EQ(field(3), field(2));
+    testing::write_bytes(drive.filePath("clip.txt"), "7\r\n-1\r\n8.25\r\n");
+    r = run({"paste-column", "--data", data(), "--series", "1", "--column", "3", "--file", drive.filePath("clip.txt")});
+    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out.trimmed(), "TAAK 2: 32 learners");
+    const QStringList pasted = field(3);
+    EXPECT_EQ(pasted.mid(0, 1), QStringList{"7.0"});
+    EXPECT_EQ(pasted[1], field(2)[1]);  // a negative line is left out
+    EXPECT_EQ(pasted[2], "8.3");
+    EXPECT_EQ(pasted.mid(3), QStringList(pasted.size() - 3, "0.0"));
+
+    // The merit list of TAAK 2 as a PDF: the highest mark first.
+    r = run({"print", "meritlist", "--data", data(), "--series", "1", "--column", "3", "--pdf", drive.filePath("merit.pdf")});
+    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
+    const QString text = pdf_text(drive.filePath("merit.pdf"));
+    EXPECT_TRUE(text.contains("MERIT LIST 8 AFR 8A - TAAK 2")) << text.toStdString();
+    EXPECT_LT(text.indexOf(" 8.3"), text.indexOf(" 7.0"));
+}
+
 TEST_F(CliBook, ExportAppendsToTheChosenFolder) {
     const auto r = run({"export", "--data", data(), "--series", "5", "--task", "14"});
     ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
@@ -334,16 +405,9 @@ struct CliPrint : ::testing::Test {
     QString data() const { return drive.filePath("data"); }
     testing::ProgramResult run(const QStringList& args) { return testing::run_program(drive.path(), args); }
     void SetUp() override { ASSERT_EQ(run({"demo", "--data", data()}).exit_code, 0); }
-    static QString pdf_text(const QString& pdf) {
-        QProcess p;
-        p.start("pdftotext", {"-layout", pdf, "-"});
-        if (!p.waitForFinished(30000)) return {};
-        return QString::fromUtf8(p.readAllStandardOutput());
-    }
 };
 
 TEST_F(CliPrint, TheMarkBookGoesToAPdfWithItsHeadTableAndLegend) {
-    if (QStandardPaths::findExecutable("pdftotext").isEmpty()) GTEST_SKIP() << "no pdftotext";
     const QString pdf = drive.filePath("book.pdf");
     const auto r = run({"print", "markbook", "--data", data(), "--series", "5", "--pdf", pdf, "--lang", "af"});
     ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();

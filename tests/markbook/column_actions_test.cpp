@@ -1,0 +1,170 @@
+// The actions on a whole column: scaling, copying, pasting, the merit list.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "markbook/column_actions.h"
+#include "markbook/totals_engine.h"
+#include "store/run_state.h"
+#include "tests/support/mark_book_fixture.h"
+#include "tests/support/temp_drive.h"
+#include "util/legacy_number.h"
+
+namespace veldo {
+namespace {
+
+using testing::fill_marks_table;
+using testing::marks_row;
+using testing::stored_row;
+
+struct ColumnActions : ::testing::Test {
+    QTemporaryDir dir;
+    QString path = dir.filePath("marks1.dbf");
+    MarkBookSetup setup;
+    ColumnActions() {
+        setup.rows[0] = {"TAAK 1", "20", "3", "", ""};
+        setup.rows[1] = {"TAAK 2", "50", "3", "", ""};
+        setup.rows[2] = {"TOTAAL", "100", "", "", ""};
+    }
+    ColumnLists lists() const { return ColumnLists::from_setup(setup); }
+    // Field `f` of every record, in table order.
+    QStringList column(int f) {
+        auto t = DbfTable::open(path);
+        QStringList out;
+        for (int r = 0; r < t->RecordCount(); ++r) out << stored_row(*t, r)[f];
+        return out;
+    }
+    std::unique_ptr<DbfTable> book(const QList<QStringList>& marks) {
+        QList<QStringList> rows;
+        for (int i = 0; i < marks.size(); ++i) rows << marks_row(10001 + i, "Leerder " + QString::number(i), marks[i]);
+        fill_marks_table(path, rows);
+        return DbfTable::open(path);
+    }
+};
+
+// Scaling moves every mark by the same percentage points and clamps at 0 and
+// at the column's total; A, a and blank stay.
+TEST_F(ColumnActions, ScalingMovesMarksByPointsAndClamps) {
+    struct Case {
+        const char* what;
+        double current, wanted;
+        QStringList before, after;
+    };
+    const Case cases[] = {
+        // 10 of 20 = 50 %: 50 - 40 + 60 = 70 % = 14.0
+        {"up by 20 points", 40, 60, {"10", "4", "A", "a", "", "19.5"}, {"14.0", "8.0", "A", "a", "", "20.0"}},
+        {"down past 0", 60, 20, {"10", "4", "0.1"}, {"2.0", "0.0", "0.0"}},
+        {"above 100 clamps at the total", 50, 150, {"1", "0", "19"}, {"20.0", "20.0", "20.0"}},
+        {"a class at 0", 0, 25, {"0", "2"}, {"5.0", "7.0"}},
+        {"just below the top stays below", 50, 50.5, {"19.8"}, {"19.9"}},
+        {"text reads by its leading number", 50, 50, {"12x"}, {"12.0"}},
+    };
+    for (const Case& c : cases) {
+        QList<QStringList> marks;
+        for (const QString& m : c.before) marks << QStringList{m};
+        auto t = book(marks);
+        ASSERT_TRUE(scale_column(*t, lists(), 2, c.current, c.wanted)) << c.what;
+        t.reset();
+        EXPECT_EQ(column(2), c.after) << c.what;
+    }
+}
+
+TEST_F(ColumnActions, ScalingLeavesTheOtherColumnsAndAColumnOutOfZero) {
+    setup.rows[0].total = "0";
+    auto t = book({{"10", "30", "40.0"}, {"A", "50", "60.0"}});
+    const QByteArray before = testing::read_bytes(path);
+    ASSERT_TRUE(scale_column(*t, lists(), 2, 10, 90));
+    EXPECT_EQ(testing::read_bytes(path), before);
+    setup.rows[0].total = "20";
+    ASSERT_TRUE(scale_column(*t, lists(), 2, 50, 100));
+    t.reset();
+    EXPECT_EQ(column(2), (QStringList{"20.0", "A"}));
+    EXPECT_EQ(column(3), (QStringList{"30", "50"}));
+    EXPECT_EQ(column(4), (QStringList{"40.0", "60.0"}));
+}
+
+// Over generated classes: every scaled mark lies in 0..total with one
+// decimal, and the marks keep their order.
+TEST_F(ColumnActions, ScaledMarksStayInRangeAndInOrder) {
+    std::mt19937 random(20261124);
+    for (int round = 0; round < 40; ++round) {
+        const int total = 1 + int(random() % 150);
+        setup.rows[0].total = QString::number(total);
+        QList<QStringList> marks;
+        const int learners = 1 + int(random() % 30);
+        for (int i = 0; i < learners; ++i) marks << QStringList{format_one_decimal((random() % (total * 10 + 1)) / 10.0)};
+        auto t = book(marks);
+        const double current = class_averages(*t, lists())[2].to_double();
+        const double wanted = double(random() % 1200) / 10.0;
+        ASSERT_TRUE(scale_column(*t, lists(), 2, current, wanted));
+        t.reset();
+        const QStringList after = column(2);
+        for (int i = 0; i < learners; ++i) {
+            const double m = after[i].toDouble();
+            EXPECT_GE(m, 0) << after[i].toStdString();
+            EXPECT_LE(m, total) << after[i].toStdString();
+            EXPECT_EQ(after[i], format_one_decimal(m));
+            for (int j = 0; j < learners; ++j)
+                if (marks[i][0].toDouble() > marks[j][0].toDouble()) EXPECT_GE(m, after[j].toDouble());
+        }
+    }
+}
+
+TEST_F(ColumnActions, CopyTakesEachValueAsItStands) {
+    auto t = book({{"12.5", "3"}, {"A", ""}, {"", "7"}, {"abc", "1"}});
+    ASSERT_TRUE(copy_column(*t, 2, 3));
+    EXPECT_EQ(column(3), (QStringList{"12.5", "A", "", "abc"}));
+    const QByteArray before = testing::read_bytes(path);
+    ASSERT_TRUE(copy_column(*t, 3, 3));  // onto itself: nothing changes
+    EXPECT_EQ(testing::read_bytes(path), before);
+    EXPECT_FALSE(copy_column(*t, 99, 3));
+}
+
+TEST_F(ColumnActions, PasteGivesEachLearnerALine) {
+    struct Case {
+        const char* what;
+        QString text;
+        QStringList after;
+    };
+    const Case cases[] = {
+        {"Windows line ends", "12\r\n13.25\r\n7\r\n", {"12.0", "13.3", "7.0"}},
+        {"fewer lines than learners", "5\n", {"5.0", "0.0", "0.0"}},
+        {"text and a negative", "abc\n-2\n150", {"0.0", "9", "150.0"}},
+        {"more lines than learners", "1\n2\n3\n4\n5", {"1.0", "2.0", "3.0"}},
+        {"a tab ends the cell", "4\t99\n\t5\n6", {"4.0", "0.0", "6.0"}},
+    };
+    for (const Case& c : cases) {
+        auto t = book({{"1"}, {"9"}, {"A"}});
+        ASSERT_TRUE(paste_column(*t, 2, c.text)) << c.what;
+        t.reset();
+        EXPECT_EQ(column(2), c.after) << c.what;
+    }
+}
+
+TEST_F(ColumnActions, TheMeritListIsHighestFirstWithTiesInTableOrder) {
+    auto t = book({{"12.5"}, {"A"}, {"30"}, {"12.5"}, {""}, {"4"}});
+    const TextGrid grid = merit_list(*t, 2);
+    QStringList rows;
+    for (int r = 0; r < grid.rows(); ++r) rows << grid.text(r, 0) + " " + grid.text(r, 2).trimmed();
+    EXPECT_EQ(rows, (QStringList{"10003 30", "10001 12.5", "10004 12.5", "10006 4", "10002 A", "10005 "}));
+    EXPECT_EQ(grid.text(0, 1), "Leerder 2");
+}
+
+TEST_F(ColumnActions, TheMessagesInBothLanguages) {
+    RunState run;
+    run.language_afrikaans = true;
+    EXPECT_EQ(scaling_prompt(run, 61.8966), "Huidige gemiddeld 61.8966\r\n\r\nNuwe gemiddeld ...");
+    EXPECT_EQ(copy_column_question(run, "TAAK 1", "TAAK 2"), "WIL U DEFNITIEF PUNTE VANAF \r\nTAAK 1 KOPIEER NA TAAK 2 ?");
+    EXPECT_TRUE(paste_warning(run).endsWith("(oorweeg LEERDERVOLGORDE en VAKTOTAAL)\r\n\r\nWIL U DEFNITIEF VOORTGAAN ?"));
+    EXPECT_EQ(paste_warning(run).count("\r\n"), 7);
+    run.language_afrikaans = false;
+    EXPECT_EQ(scaling_prompt(run, 0), "Current average 0\r\n\r\nNew average ...");
+    EXPECT_EQ(copy_column_question(run, "A", "B"), "DO YOU WISH TO COPY MARK BOOK SETUP FOR A TO B ?");
+    EXPECT_TRUE(paste_warning(run).startsWith("This function will indiscriminately paste any information from\r\n"));
+    EXPECT_TRUE(paste_warning(run).endsWith("\r\n\r\nDO YOU REALY WANT TO CONTINUE ?"));
+    EXPECT_EQ(scaling_total_column_message(run), "Scaling not possible on total columns ...");
+    EXPECT_EQ(paste_no_column_message(run), "First select marks column into which marks must be pasted !");
+}
+
+}  // namespace
+}  // namespace veldo
