@@ -358,7 +358,7 @@ int cmd_print(Context& c) {
         if (!book) return 1;
         const int column = chosen_column(c, *book, "column", true);
         if (column < 0) return 1;
-        print_merit_list(r, *book->table, book->lists.name(column), column, distribution_title(row));
+        print_merit_list(r, *book->table, book->lists.name(column), column, series_title(row));
         return c.dialogs.refused ? 1 : 0;
     }
     if (what == "symbols") {
@@ -393,7 +393,7 @@ int cmd_print(Context& c) {
         print_error(old_export_message(c.run));
         return 1;
     }
-    print_mark_book(r, setup, *marks, distribution_title(row));
+    print_mark_book(r, setup, *marks, series_title(row));
     return c.dialogs.refused ? 1 : 0;
 }
 

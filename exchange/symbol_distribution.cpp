@@ -15,14 +15,6 @@
 
 namespace veldo {
 
-QString distribution_title(const QStringList& row) {
-    QString class_part = row.value(3).trimmed();
-    if (class_part.isEmpty()) class_part = row.value(5).trimmed();
-    QString title = row.value(0).trimmed() + " " + row.value(1).trimmed() + " " + class_part;
-    const QString second = row.value(4).trimmed();
-    if (!second.isEmpty()) title += " " + second;
-    return title;
-}
 
 bool build_symbol_distribution(RecordStore& store, const QStringList& row, int series, TextGrid& grid) {
     RunState& run = store.run();
@@ -119,7 +111,7 @@ bool build_symbol_distribution(RecordStore& store, const QStringList& row, int s
 }
 
 bool print_symbol_distribution(ReportRun& r, TextGrid& grid, const QStringList& series_row) {
-    const QString title = r.run.tr("SIMBOLE ", "SYMBOLS ") + distribution_title(series_row);
+    const QString title = r.run.tr("SIMBOLE ", "SYMBOLS ") + series_title(series_row);
     if (!ask_output_target(r.surface, r.job, r.run, QString(), r.ask)) return false;
     r.job.new_print_job = true;
     GridReportOptions options;

@@ -12,9 +12,6 @@ namespace veldo {
 
 class RecordStore;
 
-// The series' title: trimmed grade, subject and class part (class or
-// group, with the second class part behind it), with blanks between.
-QString distribution_title(const QStringList& series_row);
 
 // Builds the grid for series N: heading row, totals row, one row per symbol
 // of `pi2_dta.dbf`, the average row. False, with the system's message shown,

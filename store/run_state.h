@@ -61,6 +61,10 @@ struct RunState {
     }
     // The folder a "\name" path lands in when its folder variable is empty.
     QString in_folder(const QString& folder, const QString& name) const;
+
+    // The series row (0-based) the input screen's print button hands to the
+    // print screen; -1 when the print screen starts on its own list.
+    int print_series_row = -1;
 };
 
 // The drive root from the environment (KESTRALIN_DRIVE, else home).

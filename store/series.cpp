@@ -104,4 +104,13 @@ bool has_marks_files(const QString& data_folder) {
            file_exists_ignoring_case(data_folder, "Exp_Control.dbf");
 }
 
+QString series_title(const QStringList& row) {
+    QString class_part = row.value(3).trimmed();
+    if (class_part.isEmpty()) class_part = row.value(5).trimmed();
+    QString title = row.value(0).trimmed() + " " + row.value(1).trimmed() + " " + class_part;
+    const QString second = row.value(4).trimmed();
+    if (!second.isEmpty()) title += " " + second;
+    return title;
+}
+
 }  // namespace veldo

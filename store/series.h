@@ -24,6 +24,10 @@ QList<QStringList> series_rows(RecordStore& store);
 // Fills a grid (no heading row, nine columns) with series_rows.
 void fill_series_grid(RecordStore& store, TextGrid& grid);
 
+// The title of a series on prints: grade, subject, class (or else group)
+// and the second class part, as "8 AFR 8A".
+QString series_title(const QStringList& row);
+
 // The key that names a series' setup file, from a grid row.
 QString series_key(const QStringList& row);
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "exchange/symbol_distribution.h"
+#include "store/series.h"
 #include "markbook/setup_file.h"
 #include "store/record_store.h"
 #include "tests/support/mark_book_fixture.h"
@@ -52,7 +53,7 @@ TEST_F(Symbols, CountsLearnersPerRangeAndAveragesPerTask) {
     EXPECT_EQ(grid.cols(), 42);
     EXPECT_EQ(grid.col_width(2), -1);
     EXPECT_EQ(grid.col_width(3), 0);
-    EXPECT_EQ(distribution_title(row), "9 NW 9A B");
+    EXPECT_EQ(series_title(row), "9 NW 9A B");
 }
 
 TEST_F(Symbols, OverlappingRangesGoToTheFirstAndAnEmptyTaskHasNoAverage) {

@@ -1,0 +1,230 @@
+// The mark book input screen and the print screen, driven as a teacher
+// drives them, on the demo school.
+#include <gtest/gtest.h>
+
+#include <QProcess>
+
+#include "markbook/mark_book_input.h"
+#include "markbook/mark_book_print_screen.h"
+#include "shell/demo_school.h"
+#include "store/dbf_table.h"
+#include "tests/support/mark_book_fixture.h"
+#include "tests/support/pdf_printer.h"
+#include "tests/support/shell_fixture.h"
+
+namespace veldo {
+namespace {
+
+QString pdf_text(const QString& pdf) {
+    QProcess p;
+    p.start("pdftotext", {"-layout", pdf, "-"});
+    p.waitForFinished(30000);
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+struct MarkBookScreens : ::testing::Test, testing::ShellFixture {
+    testing::PdfPrinter printer{run, dir.path()};
+    MarkBookScreens() {
+        run.data_folder = path("school");
+        EXPECT_TRUE(write_demo_school(run, run.data_folder).ok);
+    }
+    QString book_path() const { return run.data_folder + "/marks1.dbf"; }
+    // Column `f` of marks1.dbf as stored, right-trimmed.
+    QStringList stored_column(int f) {
+        auto t = DbfTable::open(book_path());
+        QStringList out;
+        for (int r = 0; r < t->RecordCount(); ++r) out << testing::stored_row(*t, r)[f];
+        return out;
+    }
+};
+
+TEST_F(MarkBookScreens, TheLoadRefusesAFolderWithoutMarksFiles) {
+    struct Case {
+        QString folder;
+        bool afrikaans;
+        QString message;
+    };
+    const QString empty = path("empty");
+    QDir().mkpath(empty);
+    const Case cases[] = {
+        {path("nowhere"), false, "1 See 'MARK BOOK - IMPORT' to create records"},
+        {path("nowhere"), true, "1 Sien 'PUNTEBOEK - INVOER' om rekords te skep"},
+        {empty, false, "2 See 'MARK BOOK IMPORT' to ceate records"},
+        {empty, true, "2 Sien 'PUNTEBOEK - INVOER' om rekords te skep"},
+    };
+    for (const Case& c : cases) {
+        run.data_folder = c.folder;
+        run.language_afrikaans = c.afrikaans;
+        dialogs.messages.clear();
+        screens.unloaded.clear();
+        screens.shown.clear();
+        MarkBookInput input(ctx, printer);
+        EXPECT_FALSE(input.load());
+        EXPECT_EQ(dialogs.texts(), QStringList{c.message});
+        EXPECT_EQ(screens.unloaded, QStringList{"pboek_inlees"});
+        EXPECT_EQ(screens.shown, QStringList{"punte_menu2"});
+    }
+}
+
+// Open a book, type marks (one refused, "A" over a mark), recalculate.
+TEST_F(MarkBookScreens, ATeacherTypesMarksAndRecalculates) {
+    MarkBookInput input(ctx, printer);
+    ASSERT_TRUE(input.load());
+    EXPECT_EQ(input.captions().first(), "MARK BOOK INPUT");
+    EXPECT_EQ(input.series().size(), 9);
+    ASSERT_TRUE(input.vak_grid_click(0));
+    EXPECT_EQ(input.vak_info(), "8 AFR");
+    EXPECT_EQ(input.learner_count(), 32);
+    EXPECT_EQ(input.heading(0), "A-NO");
+    EXPECT_EQ(input.heading(2), "TAAK 1\n10\n 61.9");
+    EXPECT_TRUE(input.column_hidden(30));
+    EXPECT_FALSE(input.column_takes_marks(6));  // KLASWERK is a total
+
+    struct Move {
+        int column, from, lands;
+    };
+    for (const Move& m : {Move{0, 2, 2}, Move{1, 2, 2}, Move{3, 2, 3}, Move{6, 5, 7}, Move{6, 7, 5}, Move{41, 40, 19}})
+        EXPECT_EQ(input.column_entered(m.column, m.from), m.lands) << m.column << " from " << m.from;
+
+    const QString first = input.cell(0, 1);
+    struct Typed {
+        const char* text;
+        bool accepted;
+        const char* stored;
+    };
+    const Typed typed[] = {{"10", true, "10.0"}, {"10.1", false, "10.0"}, {"-1", false, "10.0"},
+                           {"0", true, "0.0"},   {"7.25", true, "7.3"},   {"A", true, "A"}};
+    for (const Typed& t : typed) {
+        const int beeps = dialogs.beeps;
+        dialogs.messages.clear();
+        EXPECT_EQ(input.cell_changed(0, 2, t.text), t.accepted) << t.text;
+        EXPECT_EQ(input.cell(0, 2).trimmed(), QString(t.stored)) << t.text;
+        EXPECT_EQ(stored_column(2)[0], QString(t.stored)) << t.text;
+        EXPECT_EQ(dialogs.beeps - beeps, t.accepted ? 0 : 1) << t.text;
+        EXPECT_EQ(dialogs.texts(), t.accepted ? QStringList() : QStringList{"Marks can only be ' ', 'A', 'a' or 0-10"});
+    }
+    EXPECT_FALSE(input.cell_changed(0, 6, "5"));  // a total takes no typing
+    EXPECT_EQ(input.cell(0, 1), first);
+
+    int last_done = 0, count = 0;
+    ASSERT_TRUE(input.pboek_inlees_totale([&](int done, int of) { last_done = done, count = of; }));
+    EXPECT_GT(count, 0);
+    EXPECT_EQ(last_done, count);
+    EXPECT_FALSE(input.book_open());
+    EXPECT_NE(stored_column(6)[0], "");
+}
+
+// The column actions from the screen: scaling, undo, copy, paste, the merit
+// list, each through the system's words.
+TEST_F(MarkBookScreens, TheColumnActionsAskAndWrite) {
+    MarkBookInput input(ctx, printer);
+    ASSERT_TRUE(input.load());
+    ASSERT_TRUE(input.vak_grid_click(0));
+    const QByteArray before = testing::read_bytes(book_path());
+
+    input.pboek_inlees_undo();
+    ASSERT_EQ(dialogs.messages.size(), 1);
+    EXPECT_EQ(dialogs.messages[0].text, "'UNDO' reset marks to previous values!");
+    EXPECT_EQ(dialogs.messages[0].buttons, MsgButtons::OkCancel);
+    EXPECT_EQ(testing::read_bytes(book_path()), before);
+
+    EXPECT_FALSE(input.heading_click(1));
+    ASSERT_TRUE(input.heading_click(6));
+    input.kol_opsie_click(1);
+    EXPECT_EQ(dialogs.messages.last().text, "Scaling not possible on total columns ...");
+    EXPECT_EQ(testing::read_bytes(book_path()), before);
+
+    ASSERT_TRUE(input.heading_click(3));
+    dialogs.inputs << "";  // a cancelled box scales nothing
+    input.kol_opsie_click(1);
+    EXPECT_EQ(dialogs.prompts.last(), "Current average 59.6667\r\n\r\nNew average ...");
+    EXPECT_EQ(testing::read_bytes(book_path()), before);
+    dialogs.inputs << "250";
+    input.kol_opsie_click(1);
+    EXPECT_EQ(input.heading(3), "TAAK 2\n10\n 100.0");
+    for (const QString& m : stored_column(3)) EXPECT_TRUE(m == "10.0" || m == "A" || m == "") << m.toStdString();
+
+    dialogs.answers << MsgAnswer::No;
+    input.copy_ok(0, 1);
+    EXPECT_EQ(dialogs.messages.last().text, "DO YOU WISH TO COPY MARK BOOK SETUP FOR TAAK 1 TO TAAK 2 ?");
+    EXPECT_NE(stored_column(3), stored_column(2));
+    input.copy_ok(0, -1);
+    input.copy_ok(0, 1);
+    EXPECT_EQ(stored_column(3), stored_column(2));
+
+    const int shown = dialogs.messages.size();
+    input.paste_into_flex(0);
+    EXPECT_EQ(dialogs.messages.last().text, "First select marks column into which marks must be pasted !");
+    dialogs.clipboard = "7\r\n8.25\r\n";
+    input.paste_into_flex(4);
+    EXPECT_EQ(dialogs.messages.size(), shown + 2);
+    EXPECT_EQ(dialogs.messages.last().icon, MsgIcon::Critical);
+    EXPECT_TRUE(dialogs.messages.last().text.endsWith("DO YOU REALY WANT TO CONTINUE ?"));
+    const QStringList pasted = stored_column(4);
+    EXPECT_EQ(pasted.mid(0, 3), (QStringList{"7.0", "8.3", "0.0"}));
+
+    ASSERT_TRUE(input.heading_click(4));
+    input.kol_opsie_click(2);
+    ASSERT_EQ(printer.files.size(), 1);
+    EXPECT_EQ(printer.stems[0], "MERIT LIST 8 AFR 8A - TAAK 3");
+    const QString text = pdf_text(printer.files[0]);
+    EXPECT_TRUE(text.contains("MERIT LIST 8 AFR 8A - TAAK 3")) << text.toStdString();
+    EXPECT_LT(text.indexOf("8.3"), text.indexOf("7.0"));
+}
+
+// Leaving: EXIT closes the book, EXIT again offers the mark list print and
+// goes back to the menu; the print button hands the book to pboek_druk.
+TEST_F(MarkBookScreens, LeavingOffersThePrintAndTheMenuComesBack) {
+    MarkBookInput input(ctx, printer);
+    ASSERT_TRUE(input.load());
+    ASSERT_TRUE(input.vak_grid_click(0));
+    int handed = -2;
+    screens.modal_handlers[screen::pboek_druk] = [&] { handed = run.print_series_row; };
+    input.pboek_inlees_print();
+    EXPECT_EQ(handed, 0);
+    EXPECT_EQ(run.print_series_row, -1);
+    input.marks_exit();
+    EXPECT_FALSE(input.book_open());
+    EXPECT_TRUE(screens.unloaded.isEmpty());
+    run.language_afrikaans = true;
+    dialogs.answers << MsgAnswer::No;
+    input.marks_exit();
+    EXPECT_EQ(dialogs.messages.last().text, "DRUK 'N PUNTELYS ?");
+    EXPECT_EQ(screens.modal, QStringList{"pboek_druk"});
+    EXPECT_EQ(screens.unloaded, QStringList{"pboek_inlees"});
+    EXPECT_EQ(screens.shown.last(), "punte_menu2");
+}
+
+TEST_F(MarkBookScreens, ThePrintScreenPrintsTheChosenBook) {
+    MarkBookPrintScreen screen(ctx, printer);
+    ASSERT_TRUE(screen.load());
+    EXPECT_EQ(screen.caption(), "MARK BOOK PRINT");
+    ASSERT_TRUE(screen.open_print_series(0));
+    EXPECT_EQ(screen.vak_ops(), "8 AFR 8A");
+    ASSERT_TRUE(screen.pboek_druk_print());
+    ASSERT_EQ(printer.files.size(), 1);
+    EXPECT_EQ(printer.stems[0], "MARK BOOK 8 AFR 8A");
+    const QString text = pdf_text(printer.files[0]);
+    EXPECT_TRUE(text.contains("LEARNER")) << text.toStdString();
+    EXPECT_TRUE(text.contains("M1 TAAK 1"));
+    EXPECT_EQ(screen.vak_ops(), "");
+
+    printer.cancel = true;
+    ASSERT_TRUE(screen.open_print_series(0));
+    EXPECT_FALSE(screen.pboek_druk_print());
+
+    // Series 2 has no book yet: the message, and the menu.
+    EXPECT_FALSE(screen.open_print_series(1));
+    EXPECT_EQ(dialogs.texts().last(), "3 See 'MARK BOOK SETUP' to create mark book");
+    EXPECT_EQ(screens.unloaded, QStringList{"pboek_druk"});
+    EXPECT_EQ(screens.shown.last(), "punte_menu2");
+
+    // Handed over by the input screen: the book is chosen at once.
+    run.print_series_row = 0;
+    MarkBookPrintScreen handed(ctx, printer);
+    ASSERT_TRUE(handed.load());
+    EXPECT_EQ(handed.vak_ops(), "8 AFR 8A");
+}
+
+}  // namespace
+}  // namespace veldo
