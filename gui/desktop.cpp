@@ -19,7 +19,11 @@
 #include "gui/closing_message_widget.h"
 #include "gui/floating_menu_widget.h"
 #include "gui/manual_viewer_dialog.h"
+#include "gui/mark_book_input_widget.h"
+#include "gui/mark_book_print_widget.h"
 #include "gui/menu_widget.h"
+#include "markbook/mark_book_input.h"
+#include "markbook/mark_book_print_screen.h"
 #include "gui/password_prompt_dialog.h"
 #include "gui/placeholder_screen.h"
 #include "gui/refused_folder_form.h"
@@ -45,8 +49,6 @@ const QList<PendingScreen>& pending_screens() {
         {screen::obe_inlees, screen::punte_menu1, "UGO INLEES", "OBE INPUT"},
         {screen::punte_druk, screen::punte_menu1, "DRUK PUNTELYS(TE)", "PRINT MARK LIST(S)"},
         {screen::pboek_opstel, screen::punte_menu2, "PUNTEBOEK OPSTEL", "MARK BOOK SETUP"},
-        {screen::pboek_inlees, QString(), "PUNTEBOEK INLEES", "MARK BOOK INPUT"},
-        {screen::pboek_druk, screen::punte_menu2, "PUNTEBOEK DRUK", "MARK BOOK PRINT"},
         {screen::simbole_druk, screen::punte_menu2, "SIMBOOLVERSPREIDING DRUK", "SYMBOL DISTRIBUTION PRINT"},
         {screen::pboek_uitvoer, screen::punte_menu2, "PUNTEBOEK UITVOER", "MARK BOOK EXPORT"},
     };
@@ -127,6 +129,12 @@ QWidget* Desktop::make(const QString& name) {
         auto* w = new FloatingMenuWidget(*menu, this);
         return w;
     }
+    if (name == screen::pboek_inlees) {
+        auto input = std::make_shared<MarkBookInput>(ctx_, printer_);
+        if (!input->load()) return nullptr;
+        logic_.insert(name, input);
+        return new MarkBookInputWidget(*input, this);
+    }
     for (const PendingScreen& p : pending_screens())
         if (p.name == name) return new PlaceholderScreen(name, run_.tr(p.afrikaans, p.english), p.menu, *this, this);
     return nullptr;
@@ -163,6 +171,23 @@ void Desktop::run_modal(const QString& name) {
         dialog.exec();
         return;
     }
+    if (name == screen::pboek_druk) {
+        MarkBookPrintScreen print(ctx_, printer_);
+        QDialog dialog(this);
+        dialog.setObjectName(name);
+        modal_name_ = name;
+        modal_dialog_ = &dialog;
+        if (print.load() && modal_dialog_) {
+            dialog.setWindowTitle(print.caption());
+            auto* layout = new QVBoxLayout(&dialog);
+            layout->setContentsMargins(0, 0, 0, 0);
+            layout->addWidget(new MarkBookPrintWidget(print, &dialog));
+            dialog.exec();
+        }
+        modal_dialog_ = nullptr;
+        modal_name_.clear();
+        return;
+    }
     if (name == screen::change_folder) {
         ChangeFolder folder(ctx_);
         folder.load();
@@ -184,6 +209,12 @@ void Desktop::show_modal(const QString& name) {
 }
 
 void Desktop::unload(const QString& name) {
+    if (name == modal_name_ && modal_dialog_) {
+        // A modal screen that unloads itself closes its dialog.
+        modal_dialog_->done(QDialog::Accepted);
+        modal_dialog_ = nullptr;
+        return;
+    }
     if (name == screen::punte_mnu && tray_) {
         tray_->hide();
         tray_->deleteLater();

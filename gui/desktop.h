@@ -3,6 +3,7 @@
 // other screen as a child, and the Qt side of `Screens`. Screens are made on
 // first use from a table of factories and destroyed when they are unloaded.
 
+#include <QDialog>
 #include <QHash>
 #include <QMainWindow>
 #include <QPointer>
@@ -11,6 +12,7 @@
 #include <functional>
 #include <memory>
 
+#include "gui/desktop_printer.h"
 #include "gui/qt_dialogs.h"
 #include "shell/passwords.h"
 #include "shell/screens.h"
@@ -64,6 +66,7 @@ private:
     RunState run_;
     std::unique_ptr<RecordStore> store_;
     QtDialogs dialogs_;
+    DesktopPrinter printer_{run_, this};
     ShellContext ctx_;
     PasswordLists passwords_;
     MainFrame frame_;
@@ -75,6 +78,8 @@ private:
     QHash<QString, QWidget*> widgets_;
     QHash<QString, std::shared_ptr<void>> logic_;
     QStringList order_;
+    QString modal_name_;
+    QPointer<QDialog> modal_dialog_;
     bool ended_ = false;
 };
 

@@ -9,7 +9,13 @@
 #include <QTemporaryDir>
 
 #include "gui/desktop.h"
+#include "gui/mark_book_input_widget.h"
 #include "gui/menu_widget.h"
+#include "shell/demo_school.h"
+#include "store/dbf_table.h"
+#include <QTableView>
+#include <QTableWidget>
+#include <QTimer>
 #include "gui/refused_folder_form.h"
 #include "shell/change_folder.h"
 #include <QLabel>
@@ -190,6 +196,53 @@ TEST_F(DesktopWidgets, TheRefusedFolderFormCarriesItsTitleAndWhatToDo) {
     form.findChild<QPushButton*>("exit")->click();
     EXPECT_EQ(form.result(), QDialog::Accepted);
     EXPECT_FALSE(form.isVisible());
+}
+
+}  // namespace
+}  // namespace veldo
+
+namespace veldo {
+namespace {
+
+// A teacher at the keyboard: the mark book menu, the first book, a mark and
+// Return, a refused mark; the table holds what was accepted.
+TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridFromTheKeyboard) {
+    Desktop desktop(program, [] { return false; });
+    ASSERT_TRUE(desktop.start());
+    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
+    const QString data = drive.filePath("school");
+    ASSERT_TRUE(write_demo_school(desktop.context().run, data).ok);
+    desktop.context().run.data_folder = data;
+    qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"))->entry_button(2)->click();
+    qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"))->entry_button(2)->click();
+    auto* input = qobject_cast<MarkBookInputWidget*>(desktop.screen_widget("pboek_inlees"));
+    ASSERT_TRUE(input);
+    EXPECT_EQ(input->series_list()->rowCount(), 9);
+    input->series_list()->setCurrentCell(0, 0);
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(input->series_list(), &enter);
+    QTableView* grid = input->grid();
+    ASSERT_FALSE(grid->isHidden());
+    ASSERT_EQ(grid->model()->rowCount(), 32);
+    EXPECT_EQ(grid->currentIndex().column(), 2);
+    EXPECT_TRUE(grid->isColumnHidden(30));
+    EXPECT_TRUE(grid->model()->headerData(2, Qt::Horizontal).toString().startsWith("TAAK 1\n10\n"));
+
+    // The model judges nothing itself: an edit goes to the screen's handler.
+    EXPECT_TRUE(grid->model()->setData(grid->model()->index(1, 2), "9.5"));
+    QTimer::singleShot(0, [] {
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (w->inherits("QMessageBox")) w->close();
+    });
+    EXPECT_FALSE(grid->model()->setData(grid->model()->index(2, 2), "11"));
+    EXPECT_FALSE(grid->model()->flags(grid->model()->index(0, 6)) & Qt::ItemIsEditable);
+    auto t = DbfTable::open(data + "/marks1.dbf");
+    t->MoveFirst();
+    t->Move(1);
+    EXPECT_EQ(t->value(2).toString().trimmed(), "9.5");
+    EXPECT_EQ(grid->model()->data(grid->model()->index(1, 2)).toString(), "9.5");
+    input->button("marks_exit")->click();
+    EXPECT_FALSE(input->series_list()->isHidden());
 }
 
 }  // namespace

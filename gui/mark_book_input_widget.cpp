@@ -1,0 +1,238 @@
+#include "gui/mark_book_input_widget.h"
+
+#include <QAbstractItemDelegate>
+#include <QApplication>
+#include <utility>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTableView>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+#include "gui/marks_grid_model.h"
+#include "markbook/mark_book_input.h"
+
+namespace veldo {
+
+MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
+    : QWidget(parent), input_(input), model_(new MarksGridModel(input, this)) {
+    setObjectName("pboek_inlees");
+    setAutoFillBackground(true);
+    QPalette pal = palette();
+    pal.setColor(QPalette::Window, QColor(0xF4, 0xEE, 0xE2));
+    setPalette(pal);
+    resize(1180, 700);
+    const QStringList captions = input_.captions();
+
+    auto* layout = new QVBoxLayout(this);
+    title_ = new QLabel(captions.value(0), this);
+    QFont f = title_->font();
+    f.setPointSize(15);
+    f.setBold(true);
+    title_->setFont(f);
+    title_->setAlignment(Qt::AlignCenter);
+    layout->addWidget(title_);
+    vak_info_ = new QLabel(this);
+    vak_info_->setObjectName("vak_info");
+    vak_info_->setAlignment(Qt::AlignCenter);
+    layout->addWidget(vak_info_);
+
+    vak_grid_ = new QTableWidget(this);
+    vak_grid_->setObjectName("vak_grid");
+    vak_grid_->setColumnCount(9);
+    vak_grid_->horizontalHeader()->setVisible(false);
+    vak_grid_->verticalHeader()->setVisible(false);
+    vak_grid_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    vak_grid_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    vak_grid_->setSelectionMode(QAbstractItemView::SingleSelection);
+    const auto& rows = input_.series();
+    vak_grid_->setRowCount(int(rows.size()));
+    for (int r = 0; r < rows.size(); ++r)
+        for (int c = 0; c < 9; ++c) vak_grid_->setItem(r, c, new QTableWidgetItem(rows[r].value(c).trimmed()));
+    vak_grid_->resizeColumnsToContents();
+    connect(vak_grid_, &QTableWidget::cellClicked, this, [this](int row, int) { open_row(row); });
+    connect(vak_grid_, &QTableWidget::cellActivated, this, [this](int row, int) { open_row(row); });
+    vak_grid_->installEventFilter(this);
+    layout->addWidget(vak_grid_, 1);
+
+    grid_ = new QTableView(this);
+    grid_->setObjectName("DBGrid1");
+    grid_->setModel(model_);
+    grid_->setEditTriggers(QAbstractItemView::AnyKeyPressed | QAbstractItemView::DoubleClicked |
+                           QAbstractItemView::EditKeyPressed);
+    grid_->setSelectionMode(QAbstractItemView::SingleSelection);
+    grid_->horizontalHeader()->setDefaultSectionSize(64);
+    grid_->horizontalHeader()->setMinimumHeight(64);
+    grid_->verticalHeader()->setDefaultSectionSize(22);
+    grid_->installEventFilter(this);
+    // Return after typing a mark: the next learner in the same column,
+    // unless the mark was refused.
+    connect(model_, &MarksGridModel::refused, this, [this] { refused_ = true; });
+    connect(grid_->itemDelegate(), &QAbstractItemDelegate::closeEditor, this,
+            [this](QWidget*, QAbstractItemDelegate::EndEditHint hint) {
+                const bool refused = std::exchange(refused_, false);
+                const QModelIndex at = grid_->currentIndex();
+                if (hint == QAbstractItemDelegate::SubmitModelCache && !refused && at.isValid() &&
+                    at.row() + 1 < model_->rowCount())
+                    grid_->setCurrentIndex(model_->index(at.row() + 1, at.column()));
+            });
+    connect(grid_->horizontalHeader(), &QHeaderView::sectionClicked, this, &MarkBookInputWidget::heading_clicked);
+    connect(grid_->selectionModel(), &QItemSelectionModel::currentChanged, this, &MarkBookInputWidget::column_moved);
+    layout->addWidget(grid_, 1);
+
+    progress_ = new QProgressBar(this);
+    progress_->setObjectName("ProgressBar1");
+    progress_->hide();
+    layout->addWidget(progress_);
+
+    kopieer_raam_ = new QFrame(this);
+    kopieer_raam_->setObjectName("kopieer_raam");
+    kopieer_raam_->setFrameShape(QFrame::StyledPanel);
+    auto* copy_row = new QHBoxLayout(kopieer_raam_);
+    for (int i = 0; i < 2; ++i) {
+        kopieer_reeks_[i] = new QComboBox(kopieer_raam_);
+        kopieer_reeks_[i]->setObjectName(QString("kopieer_reeks_%1").arg(i));
+        copy_row->addWidget(kopieer_reeks_[i], 1);
+    }
+    auto* copy_ok = new QPushButton("OK", kopieer_raam_);
+    copy_ok->setObjectName("copy_ok");
+    copy_row->addWidget(copy_ok);
+    connect(copy_ok, &QPushButton::clicked, this, [this] {
+        input_.copy_ok(kopieer_reeks_[0]->currentIndex(), kopieer_reeks_[1]->currentIndex());
+        model_->reload();
+        grid_->setFocus();
+    });
+    kopieer_raam_->hide();
+    layout->addWidget(kopieer_raam_);
+
+    auto* buttons = new QHBoxLayout;
+    auto add = [&](const QString& name, const QString& caption, bool book_only, auto handler) {
+        auto* b = new QPushButton(caption, this);
+        b->setObjectName(name);
+        connect(b, &QPushButton::clicked, this, [this, handler] {
+            input_.activity();
+            handler();
+            refresh();
+        });
+        buttons->addWidget(b);
+        if (book_only) book_buttons_ << b;
+        return b;
+    };
+    add("pboek_inlees_calculator", captions.value(1), false, [this] {
+        input_.pboek_inlees_calculator();
+        grid_->setFocus();
+    });
+    add("pboek_inlees_undo", captions.value(2), true, [this] { input_.pboek_inlees_undo(); });
+    add("pboek_inlees_totale", captions.value(3), true, [this] {
+        progress_->show();
+        input_.pboek_inlees_totale([this](int done, int count) {
+            progress_->setMaximum(count);
+            progress_->setValue(std::min(done, count));
+        });
+        progress_->hide();
+    });
+    add("pboek_inlees_print", captions.value(4), false, [this] { input_.pboek_inlees_print(); });
+    add("marks_copy", captions.value(5), true, [this] { kopieer_raam_->show(); });
+    add("marks_paste", captions.value(6), true, [this] {
+        input_.paste_into_flex(grid_->currentIndex().isValid() ? grid_->currentIndex().column() : 0);
+    });
+    add("marks_exit", captions.value(8), false, [this] { input_.marks_exit(); });
+    layout->addLayout(buttons);
+    refresh();
+}
+
+QPushButton* MarkBookInputWidget::button(const QString& name) const { return findChild<QPushButton*>(name); }
+
+void MarkBookInputWidget::refresh() {
+    const bool open = input_.book_open();
+    vak_info_->setText(open ? input_.vak_info() : QString());
+    vak_grid_->setVisible(!open);
+    grid_->setVisible(open);
+    for (QPushButton* b : book_buttons_) b->setEnabled(open);
+    if (!open) {
+        kopieer_raam_->hide();
+        model_->reload();
+        vak_grid_->setFocus();
+        return;
+    }
+    if (model_->rowCount() != grid_->model()->rowCount() || !grid_->currentIndex().isValid()) model_->reload();
+    for (int c = 0; c < model_->columnCount(); ++c) grid_->setColumnHidden(c, input_.column_hidden(c));
+    grid_->setColumnWidth(1, 220);
+    grid_->horizontalHeader()->setMinimumSectionSize(40);
+    for (int i = 0; i < 2; ++i) {
+        kopieer_reeks_[i]->clear();
+        for (const auto& [name, field] : input_.book()->lists.kopieer_reeks) kopieer_reeks_[i]->addItem(name, field);
+    }
+}
+
+void MarkBookInputWidget::open_row(int row) {
+    input_.activity();
+    if (!input_.vak_grid_click(row)) return;
+    model_->reload();
+    refresh();
+    grid_->setCurrentIndex(model_->index(0, input_.column_entered(2, 1)));
+    grid_->setFocus();
+}
+
+void MarkBookInputWidget::heading_clicked(int column) {
+    if (!input_.heading_click(column)) return;
+    QMenu kol_opsies(this);
+    kol_opsies.setObjectName("kol_opsies");
+    const QStringList choices = input_.column_choices();
+    const QStringList help = input_.column_choice_help();
+    for (int i = 0; i < choices.size(); ++i) {
+        QAction* a = kol_opsies.addAction(choices[i]);
+        a->setToolTip(help.value(i));
+        a->setStatusTip(help.value(i));
+        a->setData(i + 1);
+    }
+    kol_opsies.setToolTipsVisible(true);
+    QAction* chosen = kol_opsies.exec(QCursor::pos());
+    if (!chosen) return;
+    input_.kol_opsie_click(chosen->data().toInt());
+    model_->reload();
+    refresh();
+}
+
+void MarkBookInputWidget::column_moved(const QModelIndex& now, const QModelIndex& before) {
+    if (moving_ || !now.isValid()) return;
+    const int from = before.isValid() ? before.column() : 2;
+    const int lands = input_.column_entered(now.column(), from);
+    if (lands == now.column()) return;
+    moving_ = true;
+    grid_->setCurrentIndex(model_->index(now.row(), lands));
+    moving_ = false;
+}
+
+bool MarkBookInputWidget::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress) input_.activity();
+    if (event->type() == QEvent::KeyPress) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+        if (watched == vak_grid_ && enter && vak_grid_->currentRow() >= 0) {
+            open_row(vak_grid_->currentRow());
+            return true;
+        }
+        if (watched == grid_ && enter) {
+            // Return: the next learner in the same column.
+            const QModelIndex at = grid_->currentIndex();
+            if (at.isValid() && at.row() + 1 < model_->rowCount())
+                grid_->setCurrentIndex(model_->index(at.row() + 1, at.column()));
+            return true;
+        }
+        if (watched == grid_ && key->key() == Qt::Key_Escape) {
+            input_.marks_exit();
+            refresh();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+}  // namespace veldo

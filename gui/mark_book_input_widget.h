@@ -1,0 +1,54 @@
+#pragma once
+// pboek_inlees's window: the series list, then the marks grid with its
+// buttons, the column menu on a heading click and the copy frame. Every
+// event goes to MarkBookInput.
+
+#include <QWidget>
+
+class QComboBox;
+class QFrame;
+class QLabel;
+class QProgressBar;
+class QPushButton;
+class QTableView;
+class QTableWidget;
+
+namespace veldo {
+
+class MarkBookInput;
+class MarksGridModel;
+
+class MarkBookInputWidget : public QWidget {
+    Q_OBJECT
+public:
+    MarkBookInputWidget(MarkBookInput& input, QWidget* parent = nullptr);
+
+    QTableWidget* series_list() const { return vak_grid_; }
+    QTableView* grid() const { return grid_; }
+    QPushButton* button(const QString& name) const;
+    // Shows the state the screen's logic is in.
+    void refresh();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void open_row(int row);
+    void heading_clicked(int column);
+    void column_moved(const QModelIndex& now, const QModelIndex& before);
+
+    MarkBookInput& input_;
+    MarksGridModel* model_;
+    QLabel* title_;
+    QLabel* vak_info_;
+    QTableWidget* vak_grid_;
+    QTableView* grid_;
+    QProgressBar* progress_;
+    QFrame* kopieer_raam_;
+    QComboBox* kopieer_reeks_[2];
+    QList<QPushButton*> book_buttons_;
+    bool moving_ = false;
+    bool refused_ = false;
+};
+
+}  // namespace veldo
