@@ -56,6 +56,8 @@ MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
     for (int r = 0; r < rows.size(); ++r)
         for (int c = 0; c < 9; ++c) vak_grid_->setItem(r, c, new QTableWidgetItem(rows[r].value(c).trimmed()));
     vak_grid_->resizeColumnsToContents();
+    // The keyboard starts on the first book: Enter opens it.
+    if (!rows.isEmpty()) vak_grid_->setCurrentCell(0, 0);
     connect(vak_grid_, &QTableWidget::cellClicked, this, [this](int row, int) { open_row(row); });
     connect(vak_grid_, &QTableWidget::cellActivated, this, [this](int row, int) { open_row(row); });
     vak_grid_->installEventFilter(this);
@@ -76,10 +78,12 @@ MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
     connect(model_, &MarksGridModel::refused, this, [this] { refused_ = true; });
     connect(grid_->itemDelegate(), &QAbstractItemDelegate::closeEditor, this,
             [this](QWidget*, QAbstractItemDelegate::EndEditHint hint) {
+                // A refusal's message box takes the focus and closes the
+                // editor once more before Return's own close comes here.
+                if (hint != QAbstractItemDelegate::SubmitModelCache) return;
                 const bool refused = std::exchange(refused_, false);
                 const QModelIndex at = grid_->currentIndex();
-                if (hint == QAbstractItemDelegate::SubmitModelCache && !refused && at.isValid() &&
-                    at.row() + 1 < model_->rowCount())
+                if (!refused && at.isValid() && at.row() + 1 < model_->rowCount())
                     grid_->setCurrentIndex(model_->index(at.row() + 1, at.column()));
             });
     connect(grid_->horizontalHeader(), &QHeaderView::sectionClicked, this, &MarkBookInputWidget::heading_clicked);
@@ -151,6 +155,8 @@ QPushButton* MarkBookInputWidget::button(const QString& name) const { return fin
 
 void MarkBookInputWidget::refresh() {
     const bool open = input_.book_open();
+    // Whoever gives the screen the keyboard gives it to the list or the grid.
+    setFocusProxy(open ? static_cast<QWidget*>(grid_) : vak_grid_);
     vak_info_->setText(open ? input_.vak_info() : QString());
     vak_grid_->setVisible(!open);
     grid_->setVisible(open);
