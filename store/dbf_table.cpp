@@ -1086,7 +1086,9 @@ int DbfTable::disk_record_count(bool* ok) {
 // Records first..last from memory to the disk in one write.
 bool DbfTable::write_records(int first, int last) {
     const qint64 from = record_offset(first);
-    return file_.write_at(from, image_.constData() + from, end_of_span(last) - from);
+    // end_of_span may grow the image: take the span's end before its start.
+    const qint64 end = end_of_span(last);
+    return file_.write_at(from, image_.constData() + from, end - from);
 }
 
 // Where a write that ends with record `last` ends: after the record, and
@@ -1118,7 +1120,8 @@ bool DbfTable::stamp_header(int count) {
 // end-of-file mark when `last` is the table's last record.
 bool DbfTable::write_through(int last, int count) {
     stamp_header(count);
-    const bool ok = file_.write_at(1, image_.constData() + 1, end_of_span(last) - 1);
+    const qint64 end = end_of_span(last);  // may grow the image
+    const bool ok = file_.write_at(1, image_.constData() + 1, end - 1);
     stamped_ = ok;
     return ok;
 }
