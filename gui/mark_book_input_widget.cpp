@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include "gui/marks_grid_model.h"
+#include "gui/screen_parts.h"
 #include "markbook/mark_book_input.h"
 
 namespace veldo {
@@ -23,41 +24,19 @@ namespace veldo {
 MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
     : QWidget(parent), input_(input), model_(new MarksGridModel(input, this)) {
     setObjectName("pboek_inlees");
-    setAutoFillBackground(true);
-    QPalette pal = palette();
-    pal.setColor(QPalette::Window, QColor(0xF4, 0xEE, 0xE2));
-    setPalette(pal);
+    paint_form(this);
     resize(1180, 700);
     const QStringList captions = input_.captions();
 
     auto* layout = new QVBoxLayout(this);
-    title_ = new QLabel(captions.value(0), this);
-    QFont f = title_->font();
-    f.setPointSize(15);
-    f.setBold(true);
-    title_->setFont(f);
-    title_->setAlignment(Qt::AlignCenter);
+    title_ = screen_title(captions.value(0), this);
     layout->addWidget(title_);
     vak_info_ = new QLabel(this);
     vak_info_->setObjectName("vak_info");
     vak_info_->setAlignment(Qt::AlignCenter);
     layout->addWidget(vak_info_);
 
-    vak_grid_ = new QTableWidget(this);
-    vak_grid_->setObjectName("vak_grid");
-    vak_grid_->setColumnCount(9);
-    vak_grid_->horizontalHeader()->setVisible(false);
-    vak_grid_->verticalHeader()->setVisible(false);
-    vak_grid_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    vak_grid_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    vak_grid_->setSelectionMode(QAbstractItemView::SingleSelection);
-    const auto& rows = input_.series();
-    vak_grid_->setRowCount(int(rows.size()));
-    for (int r = 0; r < rows.size(); ++r)
-        for (int c = 0; c < 9; ++c) vak_grid_->setItem(r, c, new QTableWidgetItem(rows[r].value(c).trimmed()));
-    vak_grid_->resizeColumnsToContents();
-    // The keyboard starts on the first book: Enter opens it.
-    if (!rows.isEmpty()) vak_grid_->setCurrentCell(0, 0);
+    vak_grid_ = veldo::series_list(input_.series(), this);
     connect(vak_grid_, &QTableWidget::cellClicked, this, [this](int row, int) { open_row(row); });
     connect(vak_grid_, &QTableWidget::cellActivated, this, [this](int row, int) { open_row(row); });
     vak_grid_->installEventFilter(this);
