@@ -19,6 +19,8 @@ public:
 private:
     RunState& run_;
     QWidget* parent_;
+    // The printer chosen last: the next print offers it again.
+    QString printer_name_;
 };
 
 }  // namespace veldo

@@ -13,9 +13,11 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTableWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "gui/marks_grid_model.h"
+#include "gui/marks_grid_view.h"
 #include "gui/screen_parts.h"
 #include "markbook/mark_book_input.h"
 
@@ -42,7 +44,7 @@ MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
     vak_grid_->installEventFilter(this);
     layout->addWidget(vak_grid_, 1);
 
-    grid_ = new QTableView(this);
+    grid_ = new MarksGridView(2, this);
     grid_->setObjectName("DBGrid1");
     grid_->setModel(model_);
     grid_->setEditTriggers(QAbstractItemView::AnyKeyPressed | QAbstractItemView::DoubleClicked |
@@ -52,17 +54,23 @@ MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
     grid_->horizontalHeader()->setMinimumHeight(64);
     grid_->verticalHeader()->setDefaultSectionSize(22);
     grid_->installEventFilter(this);
-    // Return after typing a mark: the next learner in the same column,
-    // unless the mark was refused.
-    connect(model_, &MarksGridModel::refused, this, [this] { refused_ = true; });
+    // A refused mark: the message has been shown and the cell keeps its
+    // value; the cursor goes back to it, whatever key or click ended the
+    // edit, once the view has finished closing the editor.
+    connect(model_, &MarksGridModel::refused, this, [this](const QModelIndex& at) {
+        refused_ = true;
+        QTimer::singleShot(0, this, [this, at = QPersistentModelIndex(at)] {
+            refused_ = false;
+            if (at.isValid()) grid_->setCurrentIndex(at);
+            grid_->setFocus();
+        });
+    });
+    // Return after typing a mark: the next learner in the same column.
     connect(grid_->itemDelegate(), &QAbstractItemDelegate::closeEditor, this,
             [this](QWidget*, QAbstractItemDelegate::EndEditHint hint) {
-                // A refusal's message box takes the focus and closes the
-                // editor once more before Return's own close comes here.
-                if (hint != QAbstractItemDelegate::SubmitModelCache) return;
-                const bool refused = std::exchange(refused_, false);
+                if (hint != QAbstractItemDelegate::SubmitModelCache || refused_) return;
                 const QModelIndex at = grid_->currentIndex();
-                if (!refused && at.isValid() && at.row() + 1 < model_->rowCount())
+                if (at.isValid() && at.row() + 1 < model_->rowCount())
                     grid_->setCurrentIndex(model_->index(at.row() + 1, at.column()));
             });
     connect(grid_->horizontalHeader(), &QHeaderView::sectionClicked, this, &MarkBookInputWidget::heading_clicked);
@@ -147,9 +155,15 @@ void MarkBookInputWidget::refresh() {
         return;
     }
     if (model_->rowCount() != grid_->model()->rowCount() || !grid_->currentIndex().isValid()) model_->reload();
-    for (int c = 0; c < model_->columnCount(); ++c) grid_->setColumnHidden(c, input_.column_hidden(c));
+    // Each marks column is as wide as its heading (name, total, average).
+    QHeaderView* headings = grid_->horizontalHeader();
+    headings->setMinimumSectionSize(40);
+    for (int c = 0; c < model_->columnCount(); ++c) {
+        grid_->setColumnHidden(c, input_.column_hidden(c));
+        if (c >= 2) grid_->setColumnWidth(c, std::max(64, headings->sectionSizeHint(c)));
+    }
     grid_->setColumnWidth(1, 220);
-    grid_->horizontalHeader()->setMinimumSectionSize(40);
+    grid_->refresh_frozen();
     for (int i = 0; i < 2; ++i) {
         kopieer_reeks_[i]->clear();
         for (const auto& [name, field] : input_.book()->lists.kopieer_reeks) kopieer_reeks_[i]->addItem(name, field);
@@ -205,7 +219,9 @@ bool MarkBookInputWidget::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
         if (watched == grid_ && enter) {
-            // Return: the next learner in the same column.
+            // Return while typing: the editor hands its text in and closes,
+            // and the move comes after the mark was judged.
+            if (grid_->editing()) return true;
             const QModelIndex at = grid_->currentIndex();
             if (at.isValid() && at.row() + 1 < model_->rowCount())
                 grid_->setCurrentIndex(model_->index(at.row() + 1, at.column()));

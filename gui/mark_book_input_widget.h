@@ -10,13 +10,13 @@ class QFrame;
 class QLabel;
 class QProgressBar;
 class QPushButton;
-class QTableView;
 class QTableWidget;
 
 namespace veldo {
 
 class MarkBookInput;
 class MarksGridModel;
+class MarksGridView;
 
 class MarkBookInputWidget : public QWidget {
     Q_OBJECT
@@ -24,7 +24,7 @@ public:
     MarkBookInputWidget(MarkBookInput& input, QWidget* parent = nullptr);
 
     QTableWidget* series_list() const { return vak_grid_; }
-    QTableView* grid() const { return grid_; }
+    MarksGridView* grid() const { return grid_; }
     QPushButton* button(const QString& name) const;
     // Shows the state the screen's logic is in.
     void refresh();
@@ -42,7 +42,7 @@ private:
     QLabel* title_;
     QLabel* vak_info_;
     QTableWidget* vak_grid_;
-    QTableView* grid_;
+    MarksGridView* grid_;
     QProgressBar* progress_;
     QFrame* kopieer_raam_;
     QComboBox* kopieer_reeks_[2];

@@ -1,6 +1,7 @@
 #include "gui/marks_grid_model.h"
 
 #include <QColor>
+#include <QScopedValueRollback>
 
 #include "markbook/mark_book_input.h"
 
@@ -41,8 +42,14 @@ bool MarksGridModel::setData(const QModelIndex& index, const QVariant& value, in
     if (role != Qt::EditRole || !index.isValid()) return false;
     const QString typed = value.toString();
     if (typed.trimmed() == input_.cell(index.row(), index.column()).trimmed()) return true;  // left unchanged
-    if (!input_.cell_changed(index.row(), index.column(), typed)) {
-        emit refused();
+    if (judging_) return false;
+    bool accepted;
+    {
+        const QScopedValueRollback<bool> busy(judging_, true);
+        accepted = input_.cell_changed(index.row(), index.column(), typed);
+    }
+    if (!accepted) {
+        emit refused(index);
         return false;
     }
     // The running figure of another column of the row moved too.

@@ -28,10 +28,14 @@ public:
 signals:
     // An edit the screen refused: the cell keeps its value and the cursor
     // stays on it.
-    void refused();
+    void refused(const QModelIndex& index);
 
 private:
     MarkBookInput& input_;
+    // The refusal's message box takes the focus from the editor, which
+    // hands its text in once more while the box is up: that second time
+    // is not judged again.
+    bool judging_ = false;
 };
 
 }  // namespace veldo

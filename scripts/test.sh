@@ -4,6 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
+bash scripts/pdf-printer.sh
 
 # The fuzz targets need clang's libFuzzer; they get a build of their own,
 # under AddressSanitizer and UndefinedBehaviorSanitizer, which also builds

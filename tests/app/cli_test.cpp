@@ -5,6 +5,8 @@
 #include <QDirIterator>
 #include <QFileInfo>
 #include <QProcess>
+
+#include "tests/support/pdf_printer.h"
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <unistd.h>
@@ -22,12 +24,7 @@ using testing::run_program;
 using testing::write_bytes;
 
 // A PDF's text as a reader sees it.
-QString pdf_text(const QString& pdf) {
-    QProcess p;
-    p.start("pdftotext", {"-layout", pdf, "-"});
-    if (!p.waitForFinished(30000)) return {};
-    return QString::fromUtf8(p.readAllStandardOutput());
-}
+using veldo::testing::pdf_text;
 
 struct Cli : ::testing::Test {
     QTemporaryDir drive;

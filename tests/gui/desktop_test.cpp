@@ -10,6 +10,10 @@
 
 #include "gui/desktop.h"
 #include "gui/mark_book_input_widget.h"
+#include "gui/marks_grid_view.h"
+#include <QHeaderView>
+#include <QMessageBox>
+#include <QTest>
 #include "gui/menu_widget.h"
 #include "shell/demo_school.h"
 #include "store/dbf_table.h"
@@ -31,7 +35,14 @@ struct DesktopWidgets : ::testing::Test {
         qputenv("KESTRALIN_DRIVE", drive.path().toUtf8());
         QDir().mkpath(program);
     }
-    void TearDown() override { qunsetenv("KESTRALIN_DRIVE"); }
+    void TearDown() override {
+        qunsetenv("KESTRALIN_DRIVE");
+        // A desktop that ended the program leaves Qt's quit request standing,
+        // which would end every later dialog the moment it opens; one turn of
+        // the application's own loop clears it.
+        QTimer::singleShot(0, [] { QCoreApplication::exit(0); });
+        QCoreApplication::exec();
+    }
 };
 
 TEST_F(DesktopWidgets, ALanguageClickLeadsFromTheSplashToTheMenus) {
@@ -204,43 +215,86 @@ TEST_F(DesktopWidgets, TheRefusedFolderFormCarriesItsTitleAndWhatToDo) {
 namespace veldo {
 namespace {
 
-// A teacher at the keyboard: the mark book menu, the first book, a mark and
-// Return, a refused mark; the table holds what was accepted.
-TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridFromTheKeyboard) {
+// A teacher at the keyboard, key by key: the mark book menu, the first book,
+// marks with Return, a refused mark (the message, the cursor kept on its
+// cell, the keyboard back in the grid), Escape over an edit; every key counts
+// as activity; the table holds what was accepted.
+TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     Desktop desktop(program, [] { return false; });
     ASSERT_TRUE(desktop.start());
     qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
     const QString data = drive.filePath("school");
     ASSERT_TRUE(write_demo_school(desktop.context().run, data).ok);
     desktop.context().run.data_folder = data;
+    desktop.QMainWindow::show();
+    QApplication::setActiveWindow(&desktop);
     qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"))->entry_button(2)->click();
     qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"))->entry_button(2)->click();
     auto* input = qobject_cast<MarkBookInputWidget*>(desktop.screen_widget("pboek_inlees"));
     ASSERT_TRUE(input);
     EXPECT_EQ(input->series_list()->rowCount(), 9);
     input->series_list()->setCurrentCell(0, 0);
-    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
-    QApplication::sendEvent(input->series_list(), &enter);
-    QTableView* grid = input->grid();
+    QTest::keyClick(input->series_list(), Qt::Key_Return);
+    MarksGridView* grid = input->grid();
     ASSERT_FALSE(grid->isHidden());
     ASSERT_EQ(grid->model()->rowCount(), 32);
-    EXPECT_EQ(grid->currentIndex().column(), 2);
+    EXPECT_EQ(grid->currentIndex(), grid->model()->index(0, 2));
     EXPECT_TRUE(grid->isColumnHidden(30));
     EXPECT_TRUE(grid->model()->headerData(2, Qt::Horizontal).toString().startsWith("TAAK 1\n10\n"));
+    // The learner columns stay on the left; a heading is never cut.
+    EXPECT_FALSE(grid->frozen_view()->isColumnHidden(1));
+    EXPECT_TRUE(grid->frozen_view()->isColumnHidden(2));
+    for (int c = 2; c < grid->model()->columnCount(); ++c)
+        if (!grid->isColumnHidden(c))
+            EXPECT_GE(grid->columnWidth(c), grid->horizontalHeader()->sectionSizeHint(c)) << c;
 
-    // The model judges nothing itself: an edit goes to the screen's handler.
-    EXPECT_TRUE(grid->model()->setData(grid->model()->index(1, 2), "9.5"));
-    QTimer::singleShot(0, [] {
+    int boxes = 0;
+    QString said;
+    QTimer closer;
+    QObject::connect(&closer, &QTimer::timeout, [&] {
         for (QWidget* w : QApplication::topLevelWidgets())
-            if (w->inherits("QMessageBox")) w->close();
+            if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
+                ++boxes;
+                said = box->text();
+                box->close();
+            }
     });
-    EXPECT_FALSE(grid->model()->setData(grid->model()->index(2, 2), "11"));
-    EXPECT_FALSE(grid->model()->flags(grid->model()->index(0, 6)) & Qt::ItemIsEditable);
+    closer.start(20);
+    auto type = [&](const QString& keys, Qt::Key end) {
+        for (const QChar key : keys) QTest::keyClicks(QApplication::focusWidget(), QString(key));
+        QTest::keyClick(QApplication::focusWidget(), end);
+        QTest::qWait(80);
+    };
+    auto shown = [&](int row) { return grid->model()->data(grid->model()->index(row, 2)).toString(); };
+    const QString kept = shown(2);
+    desktop.context().run.last_activity = 0;
+    type("7", Qt::Key_Return);
+    EXPECT_GT(desktop.context().run.last_activity, 0);
+    EXPECT_EQ(shown(0), "7.0");
+    EXPECT_EQ(grid->currentIndex(), grid->model()->index(1, 2));
+
+    type("11", Qt::Key_Return);
+    EXPECT_EQ(boxes, 1);
+    EXPECT_TRUE(said.contains("10")) << said.toStdString();
+    EXPECT_EQ(grid->currentIndex(), grid->model()->index(1, 2));
+    // The keyboard is back in the grid once the frame is active again (the
+    // window manager's part when the box closes).
+    EXPECT_EQ(desktop.focusWidget(), grid);
+    QApplication::setActiveWindow(&desktop);
+    EXPECT_EQ(QApplication::focusWidget(), grid);
+    const QString refused_over = shown(1);
+
+    type("9.5", Qt::Key_Return);
+    type("4", Qt::Key_Escape);
+    EXPECT_EQ(grid->currentIndex(), grid->model()->index(2, 2));
+    EXPECT_EQ(shown(2), kept);
+    EXPECT_EQ(boxes, 1);
+    EXPECT_NE(refused_over, "11.0");
+
     auto t = DbfTable::open(data + "/marks1.dbf");
-    t->MoveFirst();
-    t->Move(1);
-    EXPECT_EQ(t->value(2).toString().trimmed(), "9.5");
-    EXPECT_EQ(grid->model()->data(grid->model()->index(1, 2)).toString(), "9.5");
+    QStringList column;
+    for (t->MoveFirst(); !t->Eof() && column.size() < 3; t->MoveNext()) column << t->value(2).toString().trimmed();
+    EXPECT_EQ(column, QStringList({"7.0", "9.5", kept}));
     input->button("marks_exit")->click();
     EXPECT_FALSE(input->series_list()->isHidden());
 }

@@ -15,12 +15,7 @@
 namespace veldo {
 namespace {
 
-QString pdf_text(const QString& pdf) {
-    QProcess p;
-    p.start("pdftotext", {"-layout", pdf, "-"});
-    p.waitForFinished(30000);
-    return QString::fromUtf8(p.readAllStandardOutput());
-}
+using veldo::testing::pdf_text;
 
 struct MarkBookScreens : ::testing::Test, testing::ShellFixture {
     testing::PdfPrinter printer{run, dir.path()};

@@ -7,6 +7,8 @@
 #include <QFontInfo>
 #include <QPrinter>
 #include <QProcess>
+
+#include "tests/support/pdf_printer.h"
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -22,12 +24,7 @@ using namespace veldo::testing;
 
 namespace {
 
-QString pdf_text(const QString& pdf) {
-    QProcess p;
-    p.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
-    p.waitForFinished(30000);
-    return QString::fromUtf8(p.readAllStandardOutput());
-}
+using veldo::testing::pdf_text;
 
 bool have_pdftotext() { return !QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty(); }
 

@@ -2,12 +2,21 @@
 // A print service for tests: every print goes to a numbered PDF file, with
 // the output choice answered "print" (or "cancel" when told so).
 
+#include <QProcess>
 #include <QStringList>
 
 #include "reports/print_service.h"
 #include "reports/qt_print_surface.h"
 
 namespace veldo::testing {
+
+// A PDF's text as poppler's pdftotext lays it out.
+inline QString pdf_text(const QString& pdf) {
+    QProcess p;
+    p.start("pdftotext", {"-layout", pdf, "-"});
+    if (!p.waitForFinished(30000)) return {};
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
 
 class PdfPrinter : public PrintService {
 public:
