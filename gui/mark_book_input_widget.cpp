@@ -47,6 +47,7 @@ MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
     grid_ = new MarksGridView(2, this);
     grid_->setObjectName("DBGrid1");
     grid_->setModel(model_);
+    grid_->set_landing([this](int column, int from) { return input_.column_entered(column, from); });
     grid_->setEditTriggers(QAbstractItemView::AnyKeyPressed | QAbstractItemView::DoubleClicked |
                            QAbstractItemView::EditKeyPressed);
     grid_->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -95,9 +96,9 @@ MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
     copy_ok->setObjectName("copy_ok");
     copy_row->addWidget(copy_ok);
     connect(copy_ok, &QPushButton::clicked, this, [this] {
+        const QModelIndex at = grid_->currentIndex();
         input_.copy_ok(kopieer_reeks_[0]->currentIndex(), kopieer_reeks_[1]->currentIndex());
-        model_->reload();
-        grid_->setFocus();
+        reload_at(at.row(), at.column());
     });
     kopieer_raam_->hide();
     layout->addWidget(kopieer_raam_);
@@ -119,7 +120,11 @@ MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
         input_.pboek_inlees_calculator();
         grid_->setFocus();
     });
-    add("pboek_inlees_undo", captions.value(2), true, [this] { input_.pboek_inlees_undo(); });
+    add("pboek_inlees_undo", captions.value(2), true, [this] {
+        const QModelIndex at = grid_->currentIndex();
+        input_.pboek_inlees_undo();
+        reload_at(at.row(), at.column());
+    });
     add("pboek_inlees_totale", captions.value(3), true, [this] {
         progress_->show();
         input_.pboek_inlees_totale([this](int done, int count) {
@@ -131,7 +136,9 @@ MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
     add("pboek_inlees_print", captions.value(4), false, [this] { input_.pboek_inlees_print(); });
     add("marks_copy", captions.value(5), true, [this] { kopieer_raam_->show(); });
     add("marks_paste", captions.value(6), true, [this] {
-        input_.paste_into_flex(grid_->currentIndex().isValid() ? grid_->currentIndex().column() : 0);
+        const QModelIndex at = grid_->currentIndex();
+        input_.paste_into_flex(at.isValid() ? at.column() : 0);
+        reload_at(at.row(), at.column());
     });
     add("marks_exit", captions.value(8), false, [this] { input_.marks_exit(); });
     layout->addLayout(buttons);
@@ -195,18 +202,35 @@ void MarkBookInputWidget::heading_clicked(int column) {
     QAction* chosen = kol_opsies.exec(QCursor::pos());
     if (!chosen) return;
     input_.kol_opsie_click(chosen->data().toInt());
-    model_->reload();
-    refresh();
+    // Scaling leaves the recordset on its first row, in the chosen column.
+    reload_at(0, column);
 }
 
+void MarkBookInputWidget::reload_at(int row, int column) {
+    model_->reload();
+    refresh();
+    if (!input_.book_open() || model_->rowCount() == 0) return;
+    row = std::clamp(row, 0, model_->rowCount() - 1);
+    column = input_.column_entered(std::max(column, 2), 1);
+    grid_->setCurrentIndex(model_->index(row, column));
+    grid_->setFocus();
+}
+
+// The keyboard's moves land through the grid's own cursor; a click on a
+// learner or total column is set right once the click has been handled, so
+// that the selection moves with the cursor.
 void MarkBookInputWidget::column_moved(const QModelIndex& now, const QModelIndex& before) {
-    if (moving_ || !now.isValid()) return;
+    if (!now.isValid()) return;
     const int from = before.isValid() ? before.column() : 2;
     const int lands = input_.column_entered(now.column(), from);
     if (lands == now.column()) return;
-    moving_ = true;
-    grid_->setCurrentIndex(model_->index(now.row(), lands));
-    moving_ = false;
+    QMetaObject::invokeMethod(
+        this,
+        [this, row = now.row(), column = now.column(), lands] {
+            const QModelIndex at = grid_->currentIndex();
+            if (at.row() == row && at.column() == column) grid_->setCurrentIndex(model_->index(row, lands));
+        },
+        Qt::QueuedConnection);
 }
 
 bool MarkBookInputWidget::eventFilter(QObject* watched, QEvent* event) {

@@ -34,6 +34,10 @@ protected:
 
 private:
     void open_row(int row);
+    // Reads the grid anew after a column action and puts the cursor back on
+    // `row` of `column` (a learner column or a total column lands where the
+    // grid's movement would), with the keyboard in the grid.
+    void reload_at(int row, int column);
     void heading_clicked(int column);
     void column_moved(const QModelIndex& now, const QModelIndex& before);
 
@@ -47,7 +51,6 @@ private:
     QFrame* kopieer_raam_;
     QComboBox* kopieer_reeks_[2];
     QList<QPushButton*> book_buttons_;
-    bool moving_ = false;
     bool refused_ = false;
 };
 

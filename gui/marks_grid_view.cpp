@@ -82,7 +82,11 @@ void MarksGridView::updateGeometries() {
 
 // Moving left past the frozen columns scrolls the marks back into view.
 QModelIndex MarksGridView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
-    const QModelIndex current = QTableView::moveCursor(action, modifiers);
+    QModelIndex current = QTableView::moveCursor(action, modifiers);
+    // The move lands on its column at once, so that the selection follows it.
+    const int from = currentIndex().column();
+    if (landing_ && current.isValid() && current.column() != from)
+        current = model()->index(current.row(), landing_(current.column(), from));
     if (action == MoveLeft && current.column() >= frozen_columns_ &&
         visualRect(current).topLeft().x() < frozen_width()) {
         const int shift = horizontalScrollBar()->value() + visualRect(current).topLeft().x() - frozen_width();
@@ -104,6 +108,16 @@ void MarksGridView::scrollTo(const QModelIndex& index, ScrollHint hint) {
     const int across = horizontalScrollBar()->value();
     QTableView::scrollTo(index, hint);
     horizontalScrollBar()->setValue(across);
+}
+
+// The keyboard stays in the grid when the closing editor held it. Qt gives it
+// back only while the window is the active one; the window's own focus is
+// what keys reach, active or not.
+void MarksGridView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+    QWidget* keys = window()->focusWidget();
+    const bool held = keys && (keys == editor || editor->isAncestorOf(keys));
+    QTableView::closeEditor(editor, hint);
+    if (held) setFocus();
 }
 
 }  // namespace veldo

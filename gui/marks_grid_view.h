@@ -5,6 +5,8 @@
 
 #include <QTableView>
 
+#include <functional>
+
 namespace veldo {
 
 class MarksGridView : public QTableView {
@@ -19,8 +21,12 @@ public:
     bool editing() const { return state() == EditingState; }
     // After the model reset or columns were shown or hidden.
     void refresh_frozen();
+    // Where a keyboard move into `column` from `from` lands (past columns
+    // that take no marks); unset, it lands where it was aimed.
+    void set_landing(std::function<int(int column, int from)> landing) { landing_ = std::move(landing); }
 
 protected:
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
     void resizeEvent(QResizeEvent* event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
@@ -32,6 +38,7 @@ private:
 
     int frozen_columns_;
     QTableView* frozen_;
+    std::function<int(int, int)> landing_;
 };
 
 }  // namespace veldo

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Starts the desktop program under Xvfb on the demo school and saves what a
-# teacher sees: the splash and the three menus, in Afrikaans and in English.
+# teacher sees: the splash, the three menus, the mark book list, an open
+# book with marks typed and one refused, and a column's menu, in Afrikaans
+# and in English.
 # Usage: scripts/screenshots.sh [OUTPUT_FOLDER]   (default: shots/)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -9,10 +11,15 @@ mkdir -p "$out"
 program=$PWD/build/veldo-tally
 [ -x "$program" ] || bash scripts/build.sh
 
+[ -f build/user_info.txt ] && cp build/user_info.txt "$out/.user_info.txt"
 display=:97
 Xvfb $display -screen 0 1280x800x24 -nolisten tcp >/dev/null 2>&1 &
 xvfb=$!
-trap 'kill $xvfb 2>/dev/null || true' EXIT
+restore() {
+    kill $xvfb 2>/dev/null || true
+    if [ -f "$out/.user_info.txt" ]; then mv "$out/.user_info.txt" build/user_info.txt; else rm -f build/user_info.txt; fi
+}
+trap restore EXIT
 sleep 1
 export DISPLAY=$display QT_QPA_PLATFORM=xcb
 
@@ -35,6 +42,9 @@ for lang in af en; do
     flag=$([ $lang = af ] && echo '#TRUE#' || echo '#FALSE#')
     mkdir -p "$drive/ProgramData/KESTRALIN"
     printf '""\r\n%s\r\n' "$flag" > "$drive/ProgramData/KESTRALIN/setup.txt"
+    # The folder dialog of DATA FOLDER opens on the demo's data folder (the
+    # program's folder holds the folder last chosen; put back afterwards).
+    printf '"%s"\r\n""\r\n""\r\n' "$drive/data" > build/user_info.txt
 
     start_program
     sleep 0.8; shoot "splash-$lang"
@@ -44,7 +54,23 @@ for lang in af en; do
 
     start_program
     sleep 3
+    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
+    shoot "data_folder-$lang"
+    key Return
     key 2; shoot "punte_menu2-$lang"
+    key 2; shoot "pboek_inlees-list-$lang"
+    key Return; shoot "pboek_inlees-book-$lang"
+    for k in 7 Return 9 period 5 Return 1 1; do xdotool key $k; sleep 0.2; done
+    shoot "pboek_inlees-typing-$lang"
+    key Return; shoot "pboek_inlees-refused-$lang"
+    key Return
+    # A heading's click opens the column's menu.
+    xdotool mousemove 460 110 click 1; sleep 0.8
+    shoot "kol_opsies-$lang"
+    xdotool mousemove 530 120 click 1; sleep 0.8   # scaling
+    shoot "scaling-$lang"
+    xdotool type 65; key Return
+    shoot "scaled-$lang"
     stop_program
     rm -rf "$drive"
 done

@@ -291,6 +291,34 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     EXPECT_EQ(boxes, 1);
     EXPECT_NE(refused_over, "11.0");
 
+    // Moves land past the learner and total columns, the selection with the
+    // cursor; so does a click on a total.
+    auto takes_marks = [&](int c) {
+        return !grid->isColumnHidden(c) && !grid->model()->data(grid->model()->index(0, c), Qt::BackgroundRole).isValid();
+    };
+    int last = grid->model()->columnCount() - 1;
+    while (!takes_marks(last)) --last;
+    QTest::keyClick(grid, Qt::Key_End);
+    EXPECT_EQ(grid->currentIndex(), grid->model()->index(2, last));
+    EXPECT_EQ(grid->selectionModel()->selectedIndexes(), QModelIndexList{grid->currentIndex()});
+    QTest::keyClick(grid, Qt::Key_Home);
+    EXPECT_EQ(grid->currentIndex(), grid->model()->index(2, 2));
+    int total = 3;
+    while (takes_marks(total)) ++total;
+    int after = total + 1;
+    while (!takes_marks(after)) ++after;
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(grid->model()->index(4, total)).center());
+    QTest::qWait(20);
+    EXPECT_EQ(grid->currentIndex(), grid->model()->index(4, after));
+    EXPECT_EQ(grid->selectionModel()->selectedIndexes(), QModelIndexList{grid->currentIndex()});
+    // Keys reach the grid from one mark to the next even while the window
+    // is not the active one (a desktop without a window manager).
+    QApplication::setActiveWindow(nullptr);
+    type("1", Qt::Key_Return);
+    type("2", Qt::Key_Return);
+    EXPECT_EQ(grid->model()->data(grid->model()->index(5, after)).toString(), "2.0");
+    QApplication::setActiveWindow(&desktop);
+
     auto t = DbfTable::open(data + "/marks1.dbf");
     QStringList column;
     for (t->MoveFirst(); !t->Eof() && column.size() < 3; t->MoveNext()) column << t->value(2).toString().trimmed();
