@@ -141,6 +141,12 @@ QWidget* Desktop::make(const QString& name) {
 }
 
 void Desktop::show(const QString& name) {
+    // The print screen is a dialog over whatever opened it, from the menu as
+    // from the input screen.
+    if (name == screen::pboek_druk) {
+        show_modal(name);
+        return;
+    }
     QWidget* w = widgets_.value(name);
     if (!w) {
         w = make(name);
@@ -181,7 +187,10 @@ void Desktop::run_modal(const QString& name) {
             dialog.setWindowTitle(print.caption());
             auto* layout = new QVBoxLayout(&dialog);
             layout->setContentsMargins(0, 0, 0, 0);
-            layout->addWidget(new MarkBookPrintWidget(print, &dialog));
+            auto* widget = new MarkBookPrintWidget(print, &dialog);
+            const QSize size = widget->size();  // the form's own size, not the layout's least
+            layout->addWidget(widget);
+            dialog.resize(size);
             dialog.exec();
         }
         modal_dialog_ = nullptr;

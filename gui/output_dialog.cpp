@@ -110,7 +110,12 @@ QString OutputTargetDialog::choose_printer(QWidget* parent, const QString& curre
     return printer.printerName();
 }
 
-QString OutputTargetDialog::default_printer_name() { return QPrinterInfo::defaultPrinterName(); }
+// The machine's default printer; a machine with printers but no default
+// (a fresh CUPS install) offers its first, as the printer dialog would.
+QString OutputTargetDialog::default_printer_name() {
+    const QString chosen = QPrinterInfo::defaultPrinterName();
+    return chosen.isEmpty() ? QPrinterInfo::availablePrinterNames().value(0) : chosen;
+}
 
 OutputDialog desktop_output_dialog(RunState& run, QWidget* parent) {
     return [&run, parent](PrintJob& job) {

@@ -3,27 +3,28 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QKeyEvent>
-#include <QPushButton>
+#include <QDialog>
 #include <QDir>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTableView>
+#include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
 
 #include "gui/desktop.h"
 #include "gui/mark_book_input_widget.h"
 #include "gui/marks_grid_view.h"
-#include <QHeaderView>
-#include <QMessageBox>
-#include <QTest>
 #include "gui/menu_widget.h"
+#include "gui/refused_folder_form.h"
+#include "gui/splash_widget.h"
+#include "shell/change_folder.h"
 #include "shell/demo_school.h"
 #include "store/dbf_table.h"
-#include <QTableView>
-#include <QTableWidget>
-#include <QTimer>
-#include "gui/refused_folder_form.h"
-#include "shell/change_folder.h"
-#include <QLabel>
-#include "gui/splash_widget.h"
 
 namespace veldo {
 namespace {
@@ -325,6 +326,54 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     EXPECT_EQ(column, QStringList({"7.0", "9.5", kept}));
     input->button("marks_exit")->click();
     EXPECT_FALSE(input->series_list()->isHidden());
+}
+
+}  // namespace
+}  // namespace veldo
+
+namespace veldo {
+namespace {
+
+// Entry 3 of the mark book menu opens the print screen over the menu: the
+// series list, a book chosen, EXIT back to the menu.
+TEST_F(DesktopWidgets, TheMarkBookMenuOpensThePrintScreen) {
+    Desktop desktop(program, [] { return false; });
+    ASSERT_TRUE(desktop.start());
+    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
+    const QString data = drive.filePath("school");
+    ASSERT_TRUE(write_demo_school(desktop.context().run, data).ok);
+    desktop.context().run.data_folder = data;
+    desktop.QMainWindow::show();
+    qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"))->entry_button(2)->click();
+    auto* menu = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
+    ASSERT_TRUE(menu);
+
+    int rows = -1;
+    QString chosen;
+    QTimer::singleShot(50, [&] {
+        auto* dialog = desktop.findChild<QDialog*>("pboek_druk");
+        if (!dialog || !dialog->isVisible()) return;
+        auto* list = dialog->findChild<QTableWidget*>();
+        rows = list->rowCount();
+        list->cellClicked(0, 0);
+        chosen = dialog->findChild<QLabel*>("vak_ops")->text();
+        dialog->findChild<QPushButton*>("pboek_druk_exit")->click();
+    });
+    QStringList said;  // none expected; a box left open would hang the test
+    QTimer closer;
+    QObject::connect(&closer, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            said << box->text();
+            box->close();
+        }
+    });
+    closer.start(100);
+    menu->entry_button(3)->click();
+    EXPECT_EQ(said, QStringList());
+    EXPECT_EQ(rows, 9);
+    EXPECT_EQ(chosen, "8 AFR 8A");
+    EXPECT_FALSE(desktop.is_loaded("pboek_druk"));
+    EXPECT_TRUE(desktop.is_loaded("punte_menu2"));
 }
 
 }  // namespace
