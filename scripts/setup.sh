@@ -11,5 +11,5 @@ $SUDO apt-get install -y -qq --no-install-recommends \
   libshp-dev libxlsxwriter-dev libfreexl-dev libzip-dev \
   googletest libgtest-dev libgmock-dev libbenchmark-dev \
   fonts-dejavu-core fonts-liberation poppler-utils xvfb xauth imagemagick xdotool \
-  libreoffice-calc-nogui dbview strace cups printer-driver-cups-pdf \
+  libreoffice-calc-nogui dbview strace cups printer-driver-cups-pdf gcovr \
   >/dev/null

@@ -5,12 +5,12 @@
 
 #include <QProcess>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <memory>
 #include <vector>
 
 #include "store/dbf_table.h"
 #include "tests/support/program_run.h"
-#include "util/legacy_number.h"
 #include "util/text_helpers.h"
 
 namespace veldo {
@@ -79,25 +79,22 @@ TEST_F(Workstations, ConcurrentMarksOnOneBookAreAllStored) {
     int round = 0;
     for (int k : {2, 4, 8}) {
         SCOPED_TRACE(k);
-        ++round;
+        const auto value = [&](int i) { return QString::number(round * 8 + i) + ".5"; };
         QList<QStringList> commands;
         for (int i = 0; i < k; ++i)
-            commands << QStringList{"mark",     "--data",   data,       "--series",
-                                    "4",        "--learner", learners[i][0], "--column",
-                                    "3",        "--value",  QString::number((round - 1) * 8 + i) + ".5"};
+            commands << QStringList{"mark", "--data", data, "--series", "4", "--learner", learners[i][0],
+                                    "--column", "3", "--value", value(i)};
         commands << QStringList{"open", "--data", data, "--series", "4"} << QStringList{"recalc", "--data", data, "--series", "4"};
         all_at_once(commands);
         const QList<QStringList> after = rows("marks4.dbf");
         ASSERT_EQ(after.size(), 26);
         for (int i = 0; i < k; ++i) {
-            bool seen = false;
-            for (const QStringList& r : after)
-                if (r[0] == learners[i][0]) {
-                    seen = true;
-                    EXPECT_EQ(r[3], QString::number((round - 1) * 8 + i) + ".5") << "learner " << r[0].toStdString();
-                }
-            EXPECT_TRUE(seen) << learners[i][0].toStdString();
+            const auto row =
+                std::find_if(after.begin(), after.end(), [&](const QStringList& r) { return r[0] == learners[i][0]; });
+            ASSERT_NE(row, after.end()) << learners[i][0].toStdString();
+            EXPECT_EQ((*row)[3], value(i)) << "learner " << learners[i][0].toStdString();
         }
+        ++round;
     }
 }
 

@@ -105,7 +105,7 @@ TEST_F(ColumnActions, ScaledMarksStayInRangeAndInOrder) {
             EXPECT_LE(m, total) << after[i].toStdString();
             EXPECT_EQ(after[i], format_one_decimal(m));
             for (int j = 0; j < learners; ++j)
-                if (marks[i][0].toDouble() > marks[j][0].toDouble()) EXPECT_GE(m, after[j].toDouble());
+                if (marks[i][0].toDouble() > marks[j][0].toDouble()) { EXPECT_GE(m, after[j].toDouble()); }
         }
     }
 }

@@ -40,87 +40,82 @@ TEST_F(Totals, TheWorkedExampleOfTheExampleBook) {
     EXPECT_EQ(f[11], "");      // PRAKTIESE WERK: nothing fed
     EXPECT_EQ(f[17], "");
     EXPECT_EQ(f[21], "");
-}
 
-TEST_F(Totals, AllAbsentLeavesTheTotalBlankWithoutZero) {
+    // All absent leaves the totals blank, without a zero.
     apply_example_book(setup, false);
-    const QStringList f = recalc_one({"A", "a", "", "A"});
-    EXPECT_EQ(f[6], "");
-    EXPECT_EQ(f[12], "");
-    EXPECT_EQ(f[22], "");
+    const QStringList absent = recalc_one({"A", "a", "", "A"});
+    EXPECT_EQ(absent[6], "");
+    EXPECT_EQ(absent[12], "");
+    EXPECT_EQ(absent[22], "");
 }
 
-TEST_F(Totals, AFeederWithTotalZeroCountsInFull) {
-    setup.rows[0] = {"TASK", "0", "2", "", ""};
-    setup.rows[1] = {"TOTAL", "10", "", "", ""};
-    const QStringList f = recalc_one({"7", "99"});
-    // X = 1, Y = 1: the mark 7 goes over as 7; then 7 of 1 on a scale of 10.
-    EXPECT_EQ(f[3], "70.0");
-}
-
-TEST_F(Totals, ARowNamingItselfIsBlankedAndStaysBlank) {
-    setup.rows[0] = {"SELF", "10", "1", "", ""};
-    setup.rows[1] = {"OTHER", "10", "", "", ""};
-    const QStringList f = recalc_one({"5", "6"});
-    EXPECT_EQ(f[2], "");
-    EXPECT_EQ(f[3], "6");
-}
-
-TEST_F(Totals, ATypedMarkInATotalIsBlankedAway) {
-    setup.rows[0] = {"T1", "10", "2", "", ""};
-    setup.rows[1] = {"TOT", "20", "", "", ""};
-    EXPECT_EQ(recalc_one({"", "a"})[3], "");
-    EXPECT_EQ(recalc_one({"5", "a"})[3], "10.0");  // 5 of 10 on a scale of 20
-}
-
-TEST_F(Totals, OutOfWeightsAFeederInsideItsTotal) {
-    // Two tests of 50 counted 30 and 70 in a total of 100.
-    setup.rows[0] = {"TOETS A", "50", "3", "30", ""};
-    setup.rows[1] = {"TOETS B", "50", "3", "70", ""};
-    setup.rows[2] = {"TOTAAL", "100", "", "", ""};
-    EXPECT_EQ(recalc_one({"40", "25"})[4], "59.0");  // 24.0 + 35.0
-    // An absent test leaves the other on its own scale: 35 of 70 on 100.
-    EXPECT_EQ(recalc_one({"A", "25"})[4], "50.0");
-}
-
-TEST_F(Totals, RoundingHappensBetweenTheSteps) {
-    // 1 of 3 weighted 10 is 3.3 (not 3.333...); two of them sum to 6.6,
-    // which on a scale of 20 of 20 stays 6.6.
-    setup.rows[0] = {"A", "3", "3", "10", ""};
-    setup.rows[1] = {"B", "3", "3", "10", ""};
-    setup.rows[2] = {"SUM", "20", "", "", ""};
-    EXPECT_EQ(recalc_one({"1", "1"})[4], "6.6");
-    // Half away from zero: 0.25 of 1 weighted 1 is 0.3, and 0.05 stays 0.1.
-    setup.rows[0] = {"A", "1", "3", "1", ""};
-    setup.rows[1] = {"B", "10", "3", "1", ""};
-    setup.rows[2] = {"SUM", "2", "", "", ""};
-    EXPECT_EQ(recalc_one({"0.25", "0.5"})[4], "0.4");  // 0.3 + 0.1 of 2 on 2
-}
-
-TEST_F(Totals, ATargetAboveItsSourceGetsNoCorrectionInTime) {
-    // Row 1 is the final total; row 3 feeds it and is fed by row 2.
-    setup.rows[0] = {"FINAL", "100", "", "", ""};
-    setup.rows[1] = {"TEST", "10", "3", "", ""};
-    setup.rows[2] = {"SUB", "20", "1", "100", ""};
-    const QStringList f = recalc_one({"", "5"});
-    // Feeding: SUB gets 5.0 from TEST, then FINAL gets SUB's unconverted
-    // 5.0 weighted 100 of 20: 25.0.
-    EXPECT_EQ(f[4], "10.0");  // SUB: 5 of 10 on 20
-    // FINAL (field 2) is converted before SUB (field 4): 25 of 100 stays
-    // 25.0. SUB's correction of 5 then arrives as 25 more, and the sum of 50
-    // is capped at SUB's own total of 20, written as a plain number.
-    EXPECT_EQ(f[2], "20");
-}
-
-TEST_F(Totals, AGapAmongTheRowsWipesTheLastNamedRows) {
-    setup.rows[0] = {"T1", "10", "", "", ""};
-    setup.rows[2] = {"T3", "10", "", "", ""};  // row 2 left blank
-    const QStringList f = recalc_one({"4", "9", "6"});
-    EXPECT_EQ(f[2], "4");
-    // Two named rows: fields from 2 + 2 on are emptied, T3's mark with them,
-    // while the stray mark under the unnamed row 2 stays.
-    EXPECT_EQ(f[3], "9");
-    EXPECT_EQ(f[4], "");
+// One learner's marks under a small setup; the stored fields after a
+// recalculation (field 2 is setup row 1).
+TEST_F(Totals, EachRuleOfTheArithmeticToTheLastDecimal) {
+    struct Case {
+        const char* why;
+        std::vector<SetupRow> rows;
+        QStringList marks;
+        std::vector<std::pair<int, const char*>> fields;
+    };
+    const std::vector<SetupRow> weighted = {
+        {"TOETS A", "50", "3", "30", ""}, {"TOETS B", "50", "3", "70", ""}, {"TOTAAL", "100", "", "", ""}};
+    const std::vector<SetupRow> into_total = {{"T1", "10", "2", "", ""}, {"TOT", "20", "", "", ""}};
+    const std::vector<SetupRow> two_tests = {
+        {"T1", "10", "3", "", ""}, {"T2", "10", "3", "", ""}, {"TOT", "20", "", "", ""}};
+    const Case cases[] = {
+        // X = 1, Y = 1: the mark 7 goes over as 7; then 7 of 1 on a scale of 10.
+        {"a feeder with total 0 counts in full", {{"TASK", "0", "2", "", ""}, {"TOTAL", "10", "", "", ""}},
+         {"7", "99"}, {{3, "70.0"}}},
+        {"a row naming itself is blanked and stays blank", {{"SELF", "10", "1", "", ""}, {"OTHER", "10", "", "", ""}},
+         {"5", "6"}, {{2, ""}, {3, "6"}}},
+        {"a typed mark in a total is blanked away", into_total, {"", "a"}, {{3, ""}}},
+        {"a typed mark in a total is blanked away: 5 of 10 on a scale of 20", into_total, {"5", "a"}, {{3, "10.0"}}},
+        {"out-of weights a feeder inside its total: 24.0 + 35.0", weighted, {"40", "25"}, {{4, "59.0"}}},
+        {"an absent test leaves the other on its own scale: 35 of 70 on 100", weighted, {"A", "25"}, {{4, "50.0"}}},
+        // 1 of 3 weighted 10 is 3.3 (not 3.333...); two of them sum to 6.6,
+        // which on a scale of 20 of 20 stays 6.6.
+        {"rounding happens between the steps",
+         {{"A", "3", "3", "10", ""}, {"B", "3", "3", "10", ""}, {"SUM", "20", "", "", ""}}, {"1", "1"}, {{4, "6.6"}}},
+        // 0.25 of 1 weighted 1 is 0.3, and 0.05 stays 0.1: 0.3 + 0.1 of 2 on 2.
+        {"half away from zero", {{"A", "1", "3", "1", ""}, {"B", "10", "3", "1", ""}, {"SUM", "2", "", "", ""}},
+         {"0.25", "0.5"}, {{4, "0.4"}}},
+        // Row 1 is the final total; row 3 feeds it and is fed by row 2. SUB
+        // gets 5.0 from TEST (5 of 10 on 20), then FINAL gets SUB's
+        // unconverted 5.0 weighted 100 of 20: 25.0. FINAL (field 2) is
+        // converted before SUB (field 4): 25 of 100 stays 25.0. SUB's
+        // correction of 5 then arrives as 25 more, and the sum of 50 is capped
+        // at SUB's own total of 20, written as a plain number.
+        {"a target above its source gets no correction in time",
+         {{"FINAL", "100", "", "", ""}, {"TEST", "10", "3", "", ""}, {"SUB", "20", "1", "100", ""}}, {"", "5"},
+         {{4, "10.0"}, {2, "20"}}},
+        // Two named rows: fields from 2 + 2 on are emptied, T3's mark with
+        // them, while the stray mark under the unnamed row 2 stays.
+        {"a gap among the rows wipes the last named rows",
+         {{"T1", "10", "", "", ""}, SetupRow(), {"T3", "10", "", "", ""}}, {"4", "9", "6"},
+         {{2, "4"}, {3, "9"}, {4, ""}}},
+        // "abc" is no absence: it is a mark of 0 and its scale counts.
+        {"text in a mark reads as its leading number", two_tests, {"abc", "8x"}, {{4, "8.0"}}},
+        {"text in a mark reads as its leading number: a comma ends it", two_tests, {"  7.5 ", "8,5"}, {{4, "15.5"}}},
+        // 1 of 3 on a scale of 20 is 6.7. FINAL is fed SUB's 1 of 20
+        // weighted 3, 0.2; the 5.666... that SUB gained is passed up read
+        // back from its fifteen-digit text before the weight:
+        // 0.283333333333333 * 3 is 0.8 (0.2833...33 * 3 straight would be
+        // 0.9). 1.0 of 3 on a scale of 100 is 33.3 (not 36.7).
+        {"the share passed up is read back from its text before the weight",
+         {{"T", "3", "2", "", ""}, {"SUB", "20", "3", "3", ""}, {"FINAL", "100", "", "", ""}}, {"1"},
+         {{3, "6.7"}, {4, "33.3"}}},
+        // Target 0 would be the name; target 41 is past the last field.
+        {"a target outside the mark fields never touches the name",
+         {{"ODD", "10", "0", "", ""}, {"FAR", "10", "41", "", ""}}, {"5", "6"}, {{1, "Botha, Anri"}, {0, "10001"}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        setup = MarkBookSetup();
+        for (size_t r = 0; r < c.rows.size(); ++r) setup.rows[r] = c.rows[r];
+        const QStringList f = recalc_one(c.marks);
+        for (const auto& [field, text] : c.fields) EXPECT_EQ(f[field], text) << "field " << field;
+    }
 }
 
 TEST_F(Totals, EmptyRowsOfTheTableAreLeftAndOthersWorkedInTableOrder) {
@@ -138,23 +133,6 @@ TEST_F(Totals, EmptyRowsOfTheTableAreLeftAndOthersWorkedInTableOrder) {
     EXPECT_EQ(stored_row(*t, 0)[3], "50.0");
     EXPECT_EQ(stored_row(*t, 1)[3], "");
     EXPECT_EQ(stored_row(*t, 2)[3], "100.0");
-}
-
-TEST_F(Totals, TextInAMarkReadsAsItsLeadingNumber) {
-    setup.rows[0] = {"T1", "10", "3", "", ""};
-    setup.rows[1] = {"T2", "10", "3", "", ""};
-    setup.rows[2] = {"TOT", "20", "", "", ""};
-    // "abc" is no absence: it is a mark of 0 and its scale counts.
-    EXPECT_EQ(recalc_one({"abc", "8x"})[4], "8.0");
-    EXPECT_EQ(recalc_one({"  7.5 ", "8,5"})[4], "15.5");  // a comma ends the number
-}
-
-TEST_F(Totals, ATargetOutsideTheMarkFieldsNeverTouchesTheName) {
-    setup.rows[0] = {"ODD", "10", "0", "", ""};   // target 0: would be the name
-    setup.rows[1] = {"FAR", "10", "41", "", ""};  // target 41: past the last field
-    const QStringList f = recalc_one({"5", "6"});
-    EXPECT_EQ(f[1], "Botha, Anri");
-    EXPECT_EQ(f[0], "10001");
 }
 
 // The record's bytes of field f as they stand in the file.

@@ -48,6 +48,7 @@ protected:
     QString colour_file() const { return drive.path("kleur_drukker.txt"); }
     QString excel_gids() const { return drive.run.family_folder + "/excel_uitvoer_gids"; }
     QString html_gids() const { return drive.run.family_folder + "/html_uitvoer_gids"; }
+    static QByteArray remembered(const QString& folder) { return ("\"" + folder + "\"\r\n").toUtf8(); }
     // Files anywhere under the temporary drive, by relative path.
     QStringList all_files() const {
         QStringList out;
@@ -67,40 +68,36 @@ protected:
 // ---- opening ------------------------------------------------------------------------
 
 TEST_F(OutputTargetTest, LoadClearsTheFileTargetsAndReadsTheColourSwitch) {
-    write_bytes(colour_file(), "-1\r\n");
-    choice.output_to_excel = true;
-    choice.output_to_html = true;
-    target.load();
-    EXPECT_FALSE(choice.output_to_excel);
-    EXPECT_FALSE(choice.output_to_html);
-    EXPECT_EQ(choice.print_colour, -1);
-    EXPECT_TRUE(target.colour_pressed());
-    EXPECT_FALSE(target.closed());
+    struct Case {
+        const char* file;
+        const char* bytes;
+        int colour;
+        const char* why;
+    };
+    const Case cases[] = {
+        {"kleur_drukker.txt", "-1\r\n", -1, "colour as the family writes True"},
+        {"Kleur_Drukker.TXT", "1\r\n", 1, "the switch is found in any case"},
+        {"kleur_drukker.txt", "\"kleur\"\r\n", 0, "an unreadable switch is black"},
+        {"kleur_drukker.txt", "", 0, "an empty switch is black"},
+        {nullptr, nullptr, 0, "no switch is black"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        QFile::remove(colour_file());
+        QFile::remove(drive.path("Kleur_Drukker.TXT"));
+        if (c.file) write_bytes(drive.path(c.file), c.bytes);
+        choice.output_to_excel = choice.output_to_html = true;
+        choice.print_colour = 7;
+        target.load();
+        EXPECT_FALSE(choice.output_to_excel);
+        EXPECT_FALSE(choice.output_to_html);
+        EXPECT_EQ(choice.print_colour, c.colour);
+        EXPECT_EQ(target.colour_pressed(), c.colour != 0);
+        EXPECT_FALSE(target.closed());
+    }
 }
 
-TEST_F(OutputTargetTest, LoadWithoutTheSwitchIsBlack) {
-    choice.print_colour = -1;
-    target.load();
-    EXPECT_EQ(choice.print_colour, 0);
-    EXPECT_FALSE(target.colour_pressed());
-}
-
-TEST_F(OutputTargetTest, AnUnreadableSwitchIsBlack) {
-    write_bytes(colour_file(), "\"kleur\"\r\n");
-    target.load();
-    EXPECT_EQ(choice.print_colour, 0);
-    write_bytes(colour_file(), "");
-    target.load();
-    EXPECT_EQ(choice.print_colour, 0);
-}
-
-TEST_F(OutputTargetTest, TheSwitchIsFoundInAnyCase) {
-    write_bytes(drive.path("Kleur_Drukker.TXT"), "1\r\n");
-    target.load();
-    EXPECT_EQ(choice.print_colour, 1);
-}
-
-// ---- print, cancel, printer, colour ---------------------------------------------------
+// ---- print, colour, cancel, printer ---------------------------------------------------
 
 TEST_F(OutputTargetTest, PrintChoosesThePrinterAndWritesTheColourSwitch) {
     // Without a settings folder there is nowhere to keep the switch.
@@ -118,6 +115,8 @@ TEST_F(OutputTargetTest, PrintChoosesThePrinterAndWritesTheColourSwitch) {
     drive.run.shared_settings_folder = drive.dir.path();
     target.load();
     target.kies_kleur();
+    EXPECT_TRUE(target.colour_pressed());
+    EXPECT_FALSE(target.closed());  // colour and black leave the dialog open
     target.druk_ok();
     EXPECT_TRUE(choice.print_chosen);
     EXPECT_TRUE(target.closed());
@@ -125,6 +124,8 @@ TEST_F(OutputTargetTest, PrintChoosesThePrinterAndWritesTheColourSwitch) {
 
     target.load();
     target.kies_mono();
+    EXPECT_FALSE(target.colour_pressed());
+    EXPECT_FALSE(target.closed());
     target.druk_ok();
     EXPECT_EQ(read_bytes(colour_file()), QByteArray("0\r\n"));
 }
@@ -136,17 +137,6 @@ TEST_F(OutputTargetTest, CancelClearsThePrint) {
     EXPECT_FALSE(choice.print_chosen);
     EXPECT_TRUE(target.closed());
     EXPECT_FALSE(QFileInfo::exists(colour_file()));
-}
-
-TEST_F(OutputTargetTest, ColourAndBlackSwapTheirLook) {
-    target.load();
-    target.kies_kleur();
-    EXPECT_NE(choice.print_colour, 0);
-    EXPECT_TRUE(target.colour_pressed());
-    target.kies_mono();
-    EXPECT_EQ(choice.print_colour, 0);
-    EXPECT_FALSE(target.colour_pressed());
-    EXPECT_FALSE(target.closed());
 }
 
 TEST_F(OutputTargetTest, SelectKeepsTheNewPrinter) {
@@ -162,37 +152,30 @@ TEST_F(OutputTargetTest, SelectKeepsTheNewPrinter) {
     EXPECT_FALSE(target.closed());
 }
 
-TEST_F(OutputTargetTest, CaptionsInEnglish) {
-    EXPECT_EQ(target.druk_ok_caption(), "PRINT");
-    EXPECT_EQ(target.druk_ok_tooltip(), " Print to HP LaserJet");
-    EXPECT_EQ(target.druk_stop_caption(), "CANCEL");
-    EXPECT_EQ(target.druk_stop_tooltip(), " Cancel printing ");
-    EXPECT_EQ(target.druk_wysig_caption(), "SELECT");
-    EXPECT_EQ(target.druk_wysig_tooltip(), " Select a different printer ");
-    EXPECT_EQ(target.kies_kleur_caption(), "COLOUR");
-    EXPECT_EQ(target.kies_kleur_tooltip(), " Do printing in colour ");
-    EXPECT_EQ(target.kies_mono_tooltip(), " Do printing in black ");
-    EXPECT_EQ(target.kies_mono_caption(), "BLACK");
-    EXPECT_EQ(target.excel_folder_title(), "FOLDER ADDRESS FOR EXCEL EXPORT");
-    EXPECT_EQ(target.html_folder_title(), "FOLDER ADDRESS FOR HTML EXPORT");
-}
-
-TEST_F(OutputTargetTest, CaptionsInAfrikaans) {
-    drive.run.language_afrikaans = true;
-    EXPECT_EQ(target.druk_ok_caption(), "DRUK");
-    EXPECT_EQ(target.druk_ok_tooltip(), " Druk na HP LaserJet");
-    EXPECT_EQ(target.druk_stop_caption(), "KANSELLEER");
-    EXPECT_EQ(target.druk_stop_tooltip(), " Kanselleer drukwerk ");
-    EXPECT_EQ(target.druk_wysig_caption(), "VERANDER");
-    EXPECT_EQ(target.druk_wysig_tooltip(), " Kies 'n ander drukker ");
-    EXPECT_EQ(target.kies_kleur_caption(), "KLEUR");
-    EXPECT_EQ(target.kies_kleur_tooltip(), " Doen drukwerk in kleur ");
-    EXPECT_EQ(target.kies_mono_tooltip(), " Doen drukwerk in swart ");
-    EXPECT_EQ(target.kies_mono_caption(), "SWART");
-    EXPECT_EQ(target.excel_folder_title(), "GIDSADRES VIR EXCEL-UITVOER");
-    EXPECT_EQ(target.excel_file_title(), "EXCEL UITVOER LE\u00eaRNAAM");
-    EXPECT_EQ(target.html_folder_title(), "GIDSADRES VIR HTML-UITVOER");
-    EXPECT_EQ(target.html_file_title(), "HTML UITVOER LE\u00eaRNAAM");
+TEST_F(OutputTargetTest, CaptionsInBothLanguages) {
+    using Text = QString (OutputTarget::*)() const;
+    const std::tuple<Text, const char*, const char*> texts[] = {
+        {&OutputTarget::druk_ok_caption, "PRINT", "DRUK"},
+        {&OutputTarget::druk_ok_tooltip, " Print to HP LaserJet", " Druk na HP LaserJet"},
+        {&OutputTarget::druk_stop_caption, "CANCEL", "KANSELLEER"},
+        {&OutputTarget::druk_stop_tooltip, " Cancel printing ", " Kanselleer drukwerk "},
+        {&OutputTarget::druk_wysig_caption, "SELECT", "VERANDER"},
+        {&OutputTarget::druk_wysig_tooltip, " Select a different printer ", " Kies 'n ander drukker "},
+        {&OutputTarget::kies_kleur_caption, "COLOUR", "KLEUR"},
+        {&OutputTarget::kies_kleur_tooltip, " Do printing in colour ", " Doen drukwerk in kleur "},
+        {&OutputTarget::kies_mono_tooltip, " Do printing in black ", " Doen drukwerk in swart "},
+        {&OutputTarget::kies_mono_caption, "BLACK", "SWART"},
+        {&OutputTarget::excel_folder_title, "FOLDER ADDRESS FOR EXCEL EXPORT", "GIDSADRES VIR EXCEL-UITVOER"},
+        {&OutputTarget::excel_file_title, "EXCEL EXPORT FILE NAME", "EXCEL UITVOER LE\u00eaRNAAM"},
+        {&OutputTarget::html_folder_title, "FOLDER ADDRESS FOR HTML EXPORT", "GIDSADRES VIR HTML-UITVOER"},
+        {&OutputTarget::html_file_title, "HTML EXPORT FILE NAME", "HTML UITVOER LE\u00eaRNAAM"},
+    };
+    for (const auto& [text, english, afrikaans] : texts) {
+        drive.run.language_afrikaans = false;
+        EXPECT_EQ((target.*text)(), QString::fromUtf8(english));
+        drive.run.language_afrikaans = true;
+        EXPECT_EQ((target.*text)(), QString::fromUtf8(afrikaans));
+    }
 }
 
 // ---- Excel ----------------------------------------------------------------------------
@@ -213,26 +196,29 @@ TEST_F(OutputTargetTest, ExcelOkSetsTheFileAndRemembersTheFolder) {
     EXPECT_EQ(choice.export_folder, drive.path("uitvoer") + "/");
     EXPECT_EQ(choice.export_stem, "Punte 8A");
     EXPECT_TRUE(target.closed());
-    EXPECT_EQ(read_bytes(excel_gids()), ("\"" + drive.path("uitvoer") + "\"\r\n").toUtf8());
+    EXPECT_EQ(read_bytes(excel_gids()), remembered(drive.path("uitvoer")));
     // Only the remembered folder was written: the workbook comes at the end of the job.
     EXPECT_EQ(all_files(), QStringList{"ProgramData/KESTRALIN/excel_uitvoer_gids"});
 }
 
-TEST_F(OutputTargetTest, ExcelStartsFromTheRememberedFolder) {
-    write_bytes(excel_gids(), ("\"" + drive.path("uitvoer") + "\"\r\n").toUtf8());
+// The save dialog starts in the remembered folder, or in the program's
+// folder when that is gone; a typed ".XLS" is dropped from the name.
+TEST_F(OutputTargetTest, ExcelStartsFromTheRememberedFolderWhileItIsThere) {
+    write_bytes(excel_gids(), remembered(drive.path("uitvoer")));
     choice.export_stem = "lys";
     target.load();
     dialogs.files.enqueue(drive.path("uitvoer") + "/lys");
     target.kies_excel();
-    EXPECT_EQ(dialogs.starts, QStringList{drive.path("uitvoer") + "/lys"});
     EXPECT_EQ(choice.export_stem, "lys");
-}
+    dialogs.files.enqueue(drive.path("uitvoer") + "/ou lys.XLS");
+    target.kies_excel();
+    EXPECT_EQ(choice.export_stem, "ou lys");
 
-TEST_F(OutputTargetTest, ARememberedFolderThatIsGoneIsPassedOver) {
-    write_bytes(excel_gids(), ("\"" + drive.path("weg") + "\"\r\n").toUtf8());
-    target.load();
+    write_bytes(excel_gids(), remembered(drive.path("weg")));
+    choice.export_stem.clear();
     target.kies_excel();  // cancelled
-    EXPECT_EQ(dialogs.starts, QStringList{drive.run.program_folder});
+    const QString lys = drive.path("uitvoer") + "/lys";
+    EXPECT_EQ(dialogs.starts, (QStringList{lys, lys, drive.run.program_folder}));
 }
 
 TEST_F(OutputTargetTest, ExcelCancelKeepsTheDialogOpen) {
@@ -245,13 +231,6 @@ TEST_F(OutputTargetTest, ExcelCancelKeepsTheDialogOpen) {
     EXPECT_FALSE(choice.print_chosen);
     EXPECT_FALSE(target.closed());
     EXPECT_FALSE(QFileInfo::exists(excel_gids()));
-}
-
-TEST_F(OutputTargetTest, AnOldExtensionIsDropped) {
-    target.load();
-    dialogs.files.enqueue(drive.path("uitvoer") + "/ou lys.XLS");
-    target.kies_excel();
-    EXPECT_EQ(choice.export_stem, "ou lys");
 }
 
 // ---- HTML ------------------------------------------------------------------------------
@@ -268,7 +247,7 @@ TEST_F(OutputTargetTest, HtmlRecordsItsTargetAndNothingElse) {
     EXPECT_FALSE(choice.print_chosen);
     EXPECT_FALSE(choice.output_to_excel);
     EXPECT_TRUE(target.closed());
-    EXPECT_EQ(read_bytes(html_gids()), ("\"" + drive.path("uitvoer") + "\"\r\n").toUtf8());
+    EXPECT_EQ(read_bytes(html_gids()), remembered(drive.path("uitvoer")));
     EXPECT_EQ(all_files(), QStringList{"ProgramData/KESTRALIN/html_uitvoer_gids"});
 
     // The page engine goes no further with such a choice.
@@ -278,23 +257,18 @@ TEST_F(OutputTargetTest, HtmlRecordsItsTargetAndNothingElse) {
     EXPECT_FALSE(job.output_to_excel);
 }
 
-TEST_F(OutputTargetTest, HtmlCancelKeepsTheDialogOpen) {
+TEST_F(OutputTargetTest, HtmlCancelKeepsTheDialogOpenAndStartsFromItsOwnRememberedFolder) {
+    QDir().mkpath(drive.path("web"));
+    write_bytes(html_gids(), remembered(drive.path("web")));
+    write_bytes(excel_gids(), remembered(drive.path("uitvoer")));
     drive.run.language_afrikaans = true;
     target.load();
     target.kies_html();
+    EXPECT_EQ(dialogs.starts, QStringList{drive.path("web")});
     EXPECT_EQ(dialogs.prompts, QStringList{"HTML UITVOER LE\u00eaRNAAM"});
     EXPECT_FALSE(choice.output_to_html);
     EXPECT_FALSE(target.closed());
-    EXPECT_FALSE(QFileInfo::exists(html_gids()));
-}
-
-TEST_F(OutputTargetTest, HtmlStartsFromItsOwnRememberedFolder) {
-    QDir().mkpath(drive.path("web"));
-    write_bytes(html_gids(), ("\"" + drive.path("web") + "\"\r\n").toUtf8());
-    write_bytes(excel_gids(), ("\"" + drive.path("uitvoer") + "\"\r\n").toUtf8());
-    target.load();
-    target.kies_html();
-    EXPECT_EQ(dialogs.starts, QStringList{drive.path("web")});
+    EXPECT_EQ(read_bytes(html_gids()), remembered(drive.path("web")));
 }
 
 // ---- the job ------------------------------------------------------------------------------

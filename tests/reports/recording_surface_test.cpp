@@ -7,23 +7,29 @@ using Kind = PrintRecord::Kind;
 
 // ---- Metrics -----------------------------------------------------------------
 
-TEST(RecordingSurfaceMetrics, PortraitPageInCharactersOfTheFont) {
-    RecordingSurface s;
-    s.set_font_size(10);
-    EXPECT_FLOAT_EQ(s.ScaleWidth(), 523.0f / 6.0f);
-    EXPECT_FLOAT_EQ(s.ScaleHeight(), 770.0f / 12.0f);
-    s.set_font_size(8);
-    EXPECT_FLOAT_EQ(s.ScaleWidth(), 523.0f / 4.8f);
-    EXPECT_FLOAT_EQ(s.ScaleHeight(), 770.0f / 9.6f);
-}
-
-TEST(RecordingSurfaceMetrics, LandscapeSwapsTheSides) {
-    RecordingSurface s;
-    s.set_orientation(PageOrientation::Landscape);
-    s.set_font_size(10);
-    EXPECT_EQ(s.orientation(), PageOrientation::Landscape);
-    EXPECT_FLOAT_EQ(s.ScaleWidth(), 770.0f / 6.0f);
-    EXPECT_FLOAT_EQ(s.ScaleHeight(), 523.0f / 12.0f);
+TEST(RecordingSurfaceMetrics, ThePageInCharactersOfTheFontByOrientationAndZoom) {
+    struct Case {
+        PageOrientation orientation;
+        float size, zoom, width, height;
+    };
+    const Case cases[] = {
+        {PageOrientation::Portrait, 10, 1, 523.0f / 6.0f, 770.0f / 12.0f},
+        {PageOrientation::Portrait, 8, 1, 523.0f / 4.8f, 770.0f / 9.6f},
+        {PageOrientation::Landscape, 10, 1, 770.0f / 6.0f, 523.0f / 12.0f},  // the sides swap
+        {PageOrientation::Portrait, 10, 2, 523.0f / 6.0f, 2 * 770.0f / 12.0f},  // zoom stretches the lines
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::Message() << c.size << " zoom " << c.zoom);
+        RecordingSurface s;
+        s.set_orientation(c.orientation);
+        s.set_font_size(c.size);
+        s.set_character_scale(c.zoom);
+        EXPECT_EQ(s.orientation(), c.orientation);
+        EXPECT_FLOAT_EQ(s.ScaleWidth(), c.width);
+        EXPECT_FLOAT_EQ(s.ScaleHeight(), c.height);
+        s.set_character_scale();
+        EXPECT_FLOAT_EQ(s.ScaleHeight(), c.height / c.zoom);
+    }
 }
 
 TEST(RecordingSurfaceMetrics, TextIsMeasuredInCharactersAndLines) {
@@ -33,14 +39,6 @@ TEST(RecordingSurfaceMetrics, TextIsMeasuredInCharactersAndLines) {
     EXPECT_FLOAT_EQ(s.TextHeight(QStringLiteral("AB\nCD\nEF")), 3.0f);
     EXPECT_FLOAT_EQ(s.columns_to_lines(2), 1.0f);  // a cell is half as wide as high
     EXPECT_FLOAT_EQ(s.lines_to_columns(1), 2.0f);
-}
-
-TEST(RecordingSurfaceMetrics, ZoomStretchesTheLines) {
-    RecordingSurface s;
-    s.set_character_scale(2);
-    EXPECT_FLOAT_EQ(s.ScaleHeight(), 2 * 770.0f / 12.0f);
-    s.set_character_scale();
-    EXPECT_FLOAT_EQ(s.ScaleHeight(), 770.0f / 12.0f);
 }
 
 // ---- Position ----------------------------------------------------------------

@@ -27,6 +27,7 @@ namespace {
 using testing::TempDrive;
 using testing::read_bytes;
 using testing::write_bytes;
+using Rows = QList<QStringList>;
 
 // One part of a saved workbook, as text.
 QString zip_entry(const QString& path, const char* name) {
@@ -45,16 +46,8 @@ QString zip_entry(const QString& path, const char* name) {
 }
 
 SheetHead head(const QString& page, const QString& title) {
-    SheetHead h;
-    h.date = "2026.11.23";
-    h.time = "14:05:00";
-    h.school = "HOëRSKOOL DIE KRANS (PRETORIA)";
-    h.program = kProgramTitle;
-    h.os_product = "Debian GNU/Linux 13";
-    h.page = page;
-    h.title = title;
-    h.build = "";
-    return h;
+    return SheetHead{"2026.11.23", "14:05:00", "HOëRSKOOL DIE KRANS (PRETORIA)", kProgramTitle, "Debian GNU/Linux 13",
+                     page, title, ""};
 }
 
 // A small list as a report fills it: names, an upright heading, marks.
@@ -82,168 +75,107 @@ protected:
     TempDrive drive;
     QString out_folder() const { return drive.path("uitvoer") + "/"; }
     void SetUp() override { QDir().mkpath(drive.path("uitvoer")); }
+    // The first sheet of a workbook in the output folder.
+    Rows first_sheet(const QString& name) const {
+        const auto rows = read_first_sheet(out_folder() + name);
+        EXPECT_TRUE(rows) << name.toStdString();
+        return rows.value_or(Rows());
+    }
 };
 
-// ---- column letters ---------------------------------------------------------
+// ---- column letters and cell texts ----------------------------------------------
 
-TEST(ColumnLetters, OneLetterUpToZ) {
-    EXPECT_EQ(column_letters(1), "A");
-    EXPECT_EQ(column_letters(2), "B");
-    EXPECT_EQ(column_letters(26), "Z");
-}
-
-TEST(ColumnLetters, TwoLettersByWholeDivisionAndRemainder) {
-    EXPECT_EQ(column_letters(27), "AA");
-    EXPECT_EQ(column_letters(51), "AY");
+TEST(ColumnLetters, OneLetterUpToZThenWholeDivisionAndRemainderNothingBelowOne) {
     // 52 = 2 * 26 + 0: the remainder's letter is character 64.
-    EXPECT_EQ(column_letters(52), "B@");
-    EXPECT_EQ(column_letters(53), "BA");
-    EXPECT_EQ(column_letters(78), "C@");
-    EXPECT_EQ(column_letters(79), "CA");
+    const std::pair<int, const char*> cases[] = {{1, "A"},   {2, "B"},   {26, "Z"},  {27, "AA"}, {51, "AY"}, {52, "B@"},
+                                                 {53, "BA"}, {78, "C@"}, {79, "CA"}, {0, ""},    {-5, ""}};
+    for (const auto& [n, letters] : cases) EXPECT_EQ(column_letters(n), letters) << n;
 }
 
-TEST(ColumnLetters, NothingBelowOne) {
-    EXPECT_EQ(column_letters(0), "");
-    EXPECT_EQ(column_letters(-5), "");
-}
-
-// ---- cell texts ---------------------------------------------------------------
-
-TEST(WorksheetCells, PlainDecimalNumbersBecomeNumbers) {
-    auto c = sheet_cell_from_text(" 45.5");
-    EXPECT_TRUE(c.is_number);
-    EXPECT_DOUBLE_EQ(c.number, 45.5);
-    EXPECT_TRUE(sheet_cell_from_text("-3").is_number);
-    EXPECT_TRUE(sheet_cell_from_text("0").is_number);
-    EXPECT_TRUE(sheet_cell_from_text("0.5").is_number);
-    EXPECT_FALSE(sheet_cell_from_text("12a").is_number);
-    EXPECT_FALSE(sheet_cell_from_text("A").is_number);
-    EXPECT_FALSE(sheet_cell_from_text("1,5").is_number);
-    EXPECT_FALSE(sheet_cell_from_text("1E5").is_number);
-    EXPECT_FALSE(sheet_cell_from_text("").is_number);
-}
-
-TEST(WorksheetCells, LeadingZerosStayText) {
-    auto c = sheet_cell_from_text("007");
-    EXPECT_FALSE(c.is_number);
-    EXPECT_EQ(c.text, "007");
-}
-
-TEST(WorksheetCells, LongNumbersGetThirteenDigits) {
-    auto quoted = sheet_cell_from_text("'0123456789012");
-    EXPECT_FALSE(quoted.is_number);
-    EXPECT_EQ(quoted.text, "0123456789012");
-    EXPECT_TRUE(quoted.thirteen_digits);
-
-    auto big = sheet_cell_from_text("12345678901");
-    EXPECT_TRUE(big.is_number);
-    EXPECT_TRUE(big.thirteen_digits);
-    EXPECT_FALSE(sheet_cell_from_text("9999999999").thirteen_digits);
-}
-
-TEST(WorksheetCells, SentinelIsEmpty) {
-    EXPECT_EQ(sheet_cell_from_text("a\u00a6a").text, "");
-    EXPECT_EQ(sheet_cell_from_text(" a\u00a6a ").text, "");
-}
-
-TEST(WorksheetCells, ForcedLineBreakWraps) {
-    auto c = sheet_cell_from_text("EEN~NL~TWEE");
-    EXPECT_EQ(c.text, "EEN\nTWEE");
-    EXPECT_TRUE(c.wrap);
+TEST(WorksheetCells, PlainDecimalsBecomeNumbersAndTheRestStaysText) {
+    struct Case {
+        const char* text;
+        bool number;
+        const char* shown;
+        bool thirteen_digits, wrap;
+        const char* why;
+    };
+    const Case cases[] = {
+        {" 45.5", true, "45.5", false, false, "a plain decimal, trimmed"},
+        {"-3", true, "-3", false, false, "a sign"},
+        {"0", true, "0", false, false, "zero"},
+        {"0.5", true, "0.5", false, false, "a zero before the point"},
+        {"12a", false, "12a", false, false, "a letter after the digits"},
+        {"A", false, "A", false, false, "an absence"},
+        {"1,5", false, "1,5", false, false, "a decimal comma"},
+        {"1E5", false, "1E5", false, false, "an exponent"},
+        {"", false, "", false, false, "empty"},
+        {"007", false, "007", false, false, "a leading zero stays text"},
+        {"'0123456789012", false, "0123456789012", true, false, "a quoted long number"},
+        {"12345678901", true, "12345678901", true, false, "above ten digits"},
+        {"9999999999", true, "9999999999", false, false, "ten digits"},
+        {"a\u00a6a", false, "", false, false, "the sentinel is empty"},
+        {" a\u00a6a ", false, "", false, false, "the sentinel between blanks"},
+        {"EEN~NL~TWEE", false, "EEN\nTWEE", false, true, "a forced line break wraps"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const WorkbookOutput::Cell cell = sheet_cell_from_text(QString::fromUtf8(c.text));
+        EXPECT_EQ(cell.is_number, c.number);
+        EXPECT_EQ(cell.text, QString::fromUtf8(c.shown));
+        EXPECT_EQ(cell.thirteen_digits, c.thirteen_digits);
+        EXPECT_EQ(cell.wrap, c.wrap);
+    }
+    EXPECT_DOUBLE_EQ(sheet_cell_from_text(" 45.5").number, 45.5);
 }
 
 // ---- heads and grids ------------------------------------------------------------
 
-TEST_F(WorksheetTest, HeadGoesToItsCellsAndTheBodyStartsAtRowSix) {
+TEST_F(WorksheetTest, HeadAndGridCellsReadBackWithTheirStylesAndEachHeadStartsASheet) {
     WorkbookOutput book(drive.run);
-    book.begin_sheet_head(head("PAGE : 1", "MARK LIST [GR 8A]"));
-    EXPECT_EQ(book.excel_row(), 6);
-    EXPECT_EQ(book.excel_sheet_number(), 1);
-    ASSERT_TRUE(book.save_to(out_folder() + "kop.xlsx", nullptr));
-
-    const auto rows = read_first_sheet(out_folder() + "kop.xlsx");
-    ASSERT_TRUE(rows);
-    ASSERT_EQ(rows->size(), 3);
-    EXPECT_EQ(rows->at(0), (QStringList{"2026.11.23", "", "", "", "VELDO-TALLY"}));
-    EXPECT_EQ(rows->at(1), (QStringList{"14:05:00", "", "HOëRSKOOL DIE KRANS (PRETORIA)", "", "Debian GNU/Linux 13"}));
-    EXPECT_EQ(rows->at(2), (QStringList{"PAGE : 1", "", "MARK LIST [GR 8A]"}));
-}
-
-TEST_F(WorksheetTest, HeadTextsFromThePageEngine) {
-    drive.run.language_afrikaans = true;
-    drive.run.school_name = "HOëRSKOOL DIE KRANS";
-    drive.run.os_product_name = "Debian";
-    WorkbookOutput book(drive.run);
-    SheetHead h = head("BLADSY : 2", "PUNTELYS");
+    SheetHead h = head("PAGE : 1", "MARK LIST [GR 8A]");
     h.build = "2026 build";
     book.begin_sheet_head(h);
-    const auto& cells = book.sheets().back().cells;
-    EXPECT_EQ(cells.at({3, 1}).text, "BLADSY : 2");
-    EXPECT_EQ(cells.at({3, 3}).text, "PUNTELYS");
-    EXPECT_EQ(cells.at({3, 5}).text, "2026 build");
-    EXPECT_EQ(cells.count({1, 3}), 0u);
-}
-
-TEST_F(WorksheetTest, EachHeadStartsTheNextSheet) {
-    WorkbookOutput book(drive.run);
-    book.begin_sheet_head(head("PAGE : 1", "A"));
-    TextGrid g = mark_list();
-    book.write_grid_to_sheet(g);
+    EXPECT_EQ(book.excel_row(), 6);  // the body starts at row 6
+    EXPECT_EQ(book.excel_sheet_number(), 1);
+    EXPECT_EQ(book.sheets().back().cells.count({1, 3}), 0u);
+    book.write_grid_to_sheet(mark_list());
+    EXPECT_EQ(book.excel_row(), 10);  // rows 6 to 9 written
     book.begin_sheet_head(head("PAGE : 2", "B"));
     EXPECT_EQ(book.excel_sheet_number(), 2);
     EXPECT_EQ(book.excel_row(), 6);
-    ASSERT_TRUE(book.save_to(out_folder() + "twee.xlsx", nullptr));
-    const QString workbook = zip_entry(out_folder() + "twee.xlsx", "xl/workbook.xml");
-    EXPECT_TRUE(workbook.contains("name=\"Sheet1\""));
-    EXPECT_TRUE(workbook.contains("name=\"Sheet2\""));
-}
-
-TEST_F(WorksheetTest, GridCellsReadBackBelowTheHead) {
-    WorkbookOutput book(drive.run);
-    book.begin_sheet_head(head("PAGE : 1", "LIST"));
-    TextGrid g = mark_list();
-    book.write_grid_to_sheet(g);
-    EXPECT_EQ(book.excel_row(), 10);  // rows 6 to 9 written
     const QString path = out_folder() + "lys.xlsx";
     ASSERT_TRUE(book.save_to(path, nullptr));
 
-    const auto rows = read_first_sheet(path);
-    ASSERT_TRUE(rows);
-    ASSERT_EQ(rows->size(), 9);
-    EXPECT_EQ(rows->at(4), QStringList());
-    EXPECT_EQ(rows->at(5), (QStringList{"Naam", "Punt", "Nr", "Kode"}));
-    EXPECT_EQ(rows->at(6), (QStringList{"ABRAHAMS, JAN", "45.5", "0123456789012"}));  // "a¦a" is empty
-    EXPECT_EQ(rows->at(7), (QStringList{"BOTHA, ANNA", "A", "12345678901", "007"}));
-    EXPECT_EQ(rows->at(8), (QStringList{"CELE, SIPHO", "-3", "12a"}));
+    EXPECT_EQ(first_sheet("lys.xlsx"),
+              (Rows{{"2026.11.23", "", "", "", "VELDO-TALLY"},
+                    {"14:05:00", "", "HOëRSKOOL DIE KRANS (PRETORIA)", "", "Debian GNU/Linux 13"},
+                    {"PAGE : 1", "", "MARK LIST [GR 8A]", "", "2026 build"},
+                    {},
+                    {},
+                    {"Naam", "Punt", "Nr", "Kode"},
+                    {"ABRAHAMS, JAN", "45.5", "0123456789012"},  // "a¦a" is empty
+                    {"BOTHA, ANNA", "A", "12345678901", "007"},
+                    {"CELE, SIPHO", "-3", "12a"}}));
+    const QString workbook = zip_entry(path, "xl/workbook.xml");
+    EXPECT_TRUE(workbook.contains("name=\"Sheet1\""));
+    EXPECT_TRUE(workbook.contains("name=\"Sheet2\""));
 
-    // Numbers as numbers, the rest as shared strings.
+    // Numbers as numbers, the rest as shared strings; the upright heading
+    // raises its row.
     const QString sheet = zip_entry(path, "xl/worksheets/sheet1.xml");
-    EXPECT_TRUE(sheet.contains(QRegularExpression("<c r=\"B7\"( s=\"\\d+\")?><v>45.5</v>")));
-    EXPECT_TRUE(sheet.contains(QRegularExpression("<c r=\"C8\"( s=\"\\d+\")?><v>12345678901</v>")));
-    EXPECT_TRUE(sheet.contains(QRegularExpression("<c r=\"D8\"( s=\"\\d+\")? t=\"s\">")));
-    EXPECT_TRUE(sheet.contains(QRegularExpression("<c r=\"C7\"( s=\"\\d+\")? t=\"s\">")));
+    for (const char* cell : {"<c r=\"B7\"( s=\"\\d+\")?><v>45.5</v>", "<c r=\"C8\"( s=\"\\d+\")?><v>12345678901</v>",
+                             "<c r=\"D8\"( s=\"\\d+\")? t=\"s\">", "<c r=\"C7\"( s=\"\\d+\")? t=\"s\">",
+                             "<row r=\"6\"[^>]*customHeight=\"1\""})
+        EXPECT_TRUE(sheet.contains(QRegularExpression(cell))) << cell;
     EXPECT_FALSE(sheet.contains("r=\"D7\""));
-}
-
-TEST_F(WorksheetTest, StylesCarryRotationFormatFillAndArial) {
-    WorkbookOutput book(drive.run);
-    book.begin_sheet_head(head("PAGE : 1", "LIST"));
-    TextGrid g = mark_list();
-    book.write_grid_to_sheet(g);
-    const QString path = out_folder() + "styl.xlsx";
-    ASSERT_TRUE(book.save_to(path, nullptr));
+    EXPECT_TRUE(sheet.contains("<cols>"));  // the columns are fitted
 
     const QString styles = zip_entry(path, "xl/styles.xml");
-    EXPECT_TRUE(styles.contains("textRotation=\"90\""));
-    EXPECT_TRUE(styles.contains("formatCode=\"0000000000000\""));
-    EXPECT_TRUE(styles.contains("rgb=\"FFFF0000\""));  // 0xBBGGRR red as ARGB
-    EXPECT_TRUE(styles.contains("<name val=\"Arial\"/>"));
-    EXPECT_TRUE(styles.contains("<sz val=\"8.25\"/>"));  // the grid's font size
-
-    // The upright heading raises its row; the columns are fitted.
-    const QString sheet = zip_entry(path, "xl/worksheets/sheet1.xml");
-    EXPECT_TRUE(sheet.contains(QRegularExpression("<row r=\"6\"[^>]*customHeight=\"1\"")));
-    EXPECT_TRUE(sheet.contains("<cols>"));
+    for (const char* style : {"textRotation=\"90\"", "formatCode=\"0000000000000\"",
+                              "rgb=\"FFFF0000\"",  // 0xBBGGRR red as ARGB
+                              "<name val=\"Arial\"/>", "<sz val=\"8.25\"/>" /* the grid's font size */})
+        EXPECT_TRUE(styles.contains(style)) << style;
 }
 
 TEST_F(WorksheetTest, FittedWidthsFollowTheLongestText) {
@@ -264,111 +196,93 @@ TEST_F(WorksheetTest, FittedWidthsFollowTheLongestText) {
     EXPECT_GE(widths[1], 2.0);
 }
 
-TEST_F(WorksheetTest, ZeroWidthColumnsAreHidden) {
+TEST_F(WorksheetTest, AGridWithoutAHeadStartsAtTheTopAndZeroWidthColumnsAreHidden) {
     WorkbookOutput book(drive.run);
     TextGrid g = mark_list();
     g.set_col_width(3, 0);
     book.write_grid_to_sheet(g);
-    ASSERT_TRUE(book.save_to(out_folder() + "versteek.xlsx", nullptr));
-    const QString sheet = zip_entry(out_folder() + "versteek.xlsx", "xl/worksheets/sheet1.xml");
-    EXPECT_TRUE(sheet.contains(QRegularExpression("<col min=\"4\" max=\"4\"[^>]*hidden=\"1\"")));
-}
-
-TEST_F(WorksheetTest, AGridWithoutAHeadStartsAtTheTop) {
-    WorkbookOutput book(drive.run);
-    TextGrid g = mark_list();
-    book.write_grid_to_sheet(g);
     EXPECT_EQ(book.excel_sheet_number(), 1);
     EXPECT_EQ(book.excel_row(), 5);
     ASSERT_TRUE(book.save_to(out_folder() + "los.xlsx", nullptr));
-    const auto rows = read_first_sheet(out_folder() + "los.xlsx");
-    ASSERT_TRUE(rows);
-    EXPECT_EQ(rows->at(0).value(0), "Naam");
+    EXPECT_EQ(first_sheet("los.xlsx").value(0).value(0), "Naam");
+    const QString sheet = zip_entry(out_folder() + "los.xlsx", "xl/worksheets/sheet1.xml");
+    EXPECT_TRUE(sheet.contains(QRegularExpression("<col min=\"4\" max=\"4\"[^>]*hidden=\"1\"")));
 }
 
 // ---- saving ---------------------------------------------------------------------
 
-TEST_F(WorksheetTest, SaveTellsTheUserInEnglish) {
+TEST_F(WorksheetTest, SaveReplacesAnOldWorkbookAndTellsTheUserInEitherLanguage) {
+    struct Case {
+        bool afrikaans;
+        const char* stem;
+        QString message;
+    };
+    const Case cases[] = {
+        {false, "Punte 8A", "EXPORT OF Punte 8A TO " + out_folder() + "Punte 8A COMPLETE !!"},
+        {true, "punte", "UITVOER VAN punte NA " + out_folder() + "punte VOLTOOI !!"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.stem);
+        write_bytes(out_folder() + c.stem + ".xlsx", "old bytes");
+        drive.run.language_afrikaans = c.afrikaans;
+        drive.dialogs.messages.clear();
+        WorkbookOutput book(drive.run);
+        book.begin_sheet_head(head("PAGE : 1", "NEW"));
+        ASSERT_TRUE(book.save(out_folder(), c.stem));
+        EXPECT_EQ(first_sheet(QString(c.stem) + ".xlsx").value(2).value(2), "NEW");
+        ASSERT_EQ(drive.dialogs.messages.size(), 1);
+        EXPECT_EQ(drive.dialogs.messages[0].text, c.message);
+        EXPECT_EQ(drive.dialogs.messages[0].icon, MsgIcon::Information);
+    }
+    // No scratch file is left beside them.
+    QStringList files = QDir(out_folder()).entryList(QDir::Files);
+    files.sort();
+    EXPECT_EQ(files, (QStringList{"Punte 8A.xlsx", "punte.xlsx"}));
+}
+
+// A missing folder, a read-only workbook, one open in another program, a
+// folder in the way: the user is told why and the old file stays as it was.
+TEST_F(WorksheetTest, ASaveThatCannotBeDoneSaysWhyAndLeavesWhatWasThere) {
+    const QString weg = drive.path("weg");
+    const QString read_only = out_folder() + "vas.xlsx", open = out_folder() + "oop.xlsx";
+    write_bytes(read_only, "kept");
+    QFile::setPermissions(read_only, QFile::ReadOwner | QFile::ReadGroup);
+    write_bytes(open, "kept");
+    write_bytes(out_folder() + ".~lock.oop.xlsx#", "someone,host");
+    QDir().mkpath(out_folder() + "gids.xlsx");  // a folder can't be replaced by a file
+    struct Case {
+        QString folder;
+        const char* stem;
+        bool afrikaans;
+        QString message;
+    };
+    const Case cases[] = {
+        {weg + "/", "punte", false, "FOLDER " + weg + " DOES NOT EXIST - punte WAS NOT SAVED !!"},
+        {weg + "/", "punte", true, "GIDS " + weg + " BESTAAN NIE - punte IS NIE GESTOOR NIE !!"},
+        {out_folder(), "vas", false, read_only + " IS READ-ONLY - vas WAS NOT SAVED !!"},
+        {out_folder(), "oop", true, open + " IS OOP IN 'N ANDER PROGRAM - MAAK DIT TOE EN PROBEER WEER !!"},
+        {out_folder(), "gids", false, "COULD NOT WRITE " + out_folder() + "gids.xlsx - gids WAS NOT SAVED !!"},
+    };
     WorkbookOutput book(drive.run);
     book.begin_sheet_head(head("PAGE : 1", "LIST"));
-    ASSERT_TRUE(book.save(out_folder(), "Punte 8A"));
-    EXPECT_TRUE(QFileInfo::exists(out_folder() + "Punte 8A.xlsx"));
-    ASSERT_EQ(drive.dialogs.messages.size(), 1);
-    EXPECT_EQ(drive.dialogs.messages[0].text,
-              "EXPORT OF Punte 8A TO " + out_folder() + "Punte 8A COMPLETE !!");
-    EXPECT_EQ(drive.dialogs.messages[0].icon, MsgIcon::Information);
-}
-
-TEST_F(WorksheetTest, SaveTellsTheUserInAfrikaans) {
-    drive.run.language_afrikaans = true;
-    WorkbookOutput book(drive.run);
-    book.begin_sheet_head(head("BLADSY : 1", "LYS"));
-    ASSERT_TRUE(book.save(out_folder(), "punte"));
-    ASSERT_EQ(drive.dialogs.messages.size(), 1);
-    EXPECT_EQ(drive.dialogs.messages[0].text, "UITVOER VAN punte NA " + out_folder() + "punte VOLTOOI !!");
-    EXPECT_EQ(drive.dialogs.messages[0].icon, MsgIcon::Information);
-}
-
-TEST_F(WorksheetTest, AnOldWorkbookIsReplaced) {
-    write_bytes(out_folder() + "ou.xlsx", "old bytes");
-    WorkbookOutput book(drive.run);
-    book.begin_sheet_head(head("PAGE : 1", "NEW"));
-    ASSERT_TRUE(book.save(out_folder(), "ou"));
-    const auto rows = read_first_sheet(out_folder() + "ou.xlsx");
-    ASSERT_TRUE(rows);
-    EXPECT_EQ(rows->at(2).value(2), "NEW");
-    // No scratch file is left beside it.
-    EXPECT_EQ(QDir(out_folder()).entryList(QDir::Files), QStringList{"ou.xlsx"});
-}
-
-TEST_F(WorksheetTest, AMissingFolderIsReportedAndNothingWritten) {
-    WorkbookOutput book(drive.run);
-    book.begin_sheet_head(head("PAGE : 1", "LIST"));
-    const QString missing = drive.path("weg") + "/";
-    EXPECT_FALSE(book.save(missing, "punte"));
-    EXPECT_FALSE(QFileInfo::exists(missing));
-    ASSERT_EQ(drive.dialogs.messages.size(), 1);
-    EXPECT_TRUE(drive.dialogs.messages[0].text.startsWith("FOLDER " + drive.path("weg") + " DOES NOT EXIST"));
-    EXPECT_EQ(drive.dialogs.messages[0].icon, MsgIcon::Exclamation);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.message.toStdString());
+        drive.run.language_afrikaans = c.afrikaans;
+        drive.dialogs.messages.clear();
+        EXPECT_FALSE(book.save(c.folder, c.stem));
+        ASSERT_EQ(drive.dialogs.messages.size(), 1);
+        EXPECT_EQ(drive.dialogs.messages[0].text, c.message);
+        EXPECT_EQ(drive.dialogs.messages[0].icon, MsgIcon::Exclamation);
+    }
+    EXPECT_FALSE(QFileInfo::exists(weg));
+    EXPECT_EQ(read_bytes(read_only), "kept");
+    EXPECT_EQ(read_bytes(open), "kept");
+    EXPECT_TRUE(QFileInfo(out_folder() + "gids.xlsx").isDir());
+    QFile::setPermissions(read_only, QFile::ReadOwner | QFile::WriteOwner);
 
     // The workbook is still there: saving it elsewhere works.
-    drive.dialogs.messages.clear();
     EXPECT_TRUE(book.save(out_folder(), "punte"));
     EXPECT_TRUE(QFileInfo::exists(out_folder() + "punte.xlsx"));
-}
-
-TEST_F(WorksheetTest, AMissingFolderInAfrikaans) {
-    drive.run.language_afrikaans = true;
-    WorkbookOutput book(drive.run);
-    EXPECT_FALSE(book.save(drive.path("weg") + "/", "punte"));
-    ASSERT_EQ(drive.dialogs.messages.size(), 1);
-    EXPECT_TRUE(drive.dialogs.messages[0].text.startsWith("GIDS " + drive.path("weg") + " BESTAAN NIE"));
-}
-
-TEST_F(WorksheetTest, AReadOnlyWorkbookIsLeftAsItWas) {
-    const QString path = out_folder() + "vas.xlsx";
-    write_bytes(path, "kept");
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup);
-    WorkbookOutput book(drive.run);
-    book.begin_sheet_head(head("PAGE : 1", "LIST"));
-    EXPECT_FALSE(book.save(out_folder(), "vas"));
-    EXPECT_EQ(read_bytes(path), "kept");
-    ASSERT_EQ(drive.dialogs.messages.size(), 1);
-    EXPECT_EQ(drive.dialogs.messages[0].text, path + " IS READ-ONLY - vas WAS NOT SAVED !!");
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
-}
-
-TEST_F(WorksheetTest, AWorkbookOpenElsewhereIsLeftAsItWas) {
-    const QString path = out_folder() + "oop.xlsx";
-    write_bytes(path, "kept");
-    write_bytes(out_folder() + ".~lock.oop.xlsx#", "someone,host");
-    drive.run.language_afrikaans = true;
-    WorkbookOutput book(drive.run);
-    EXPECT_FALSE(book.save(out_folder(), "oop"));
-    EXPECT_EQ(read_bytes(path), "kept");
-    ASSERT_EQ(drive.dialogs.messages.size(), 1);
-    EXPECT_EQ(drive.dialogs.messages[0].text,
-              path + " IS OOP IN 'N ANDER PROGRAM - MAAK DIT TOE EN PROBEER WEER !!");
 }
 
 TEST_F(WorksheetTest, AReadOnlyFolderIsReported) {
@@ -387,7 +301,6 @@ TEST_F(WorksheetTest, AReadOnlyFolderIsReported) {
 
 TEST_F(WorksheetTest, HooksFillOneWorkbookPerJobAndSaveItAtTheEnd) {
     PrintJob job;
-    job.output_to_excel = true;
     job.export_folder = out_folder();
     job.export_stem = "werk";
     install_worksheet_hooks(job, drive.run);
@@ -399,10 +312,9 @@ TEST_F(WorksheetTest, HooksFillOneWorkbookPerJobAndSaveItAtTheEnd) {
     job.worksheet.sheet_head(head("PAGE : 2", "SECOND"));
     job.worksheet.finish();
 
-    const auto rows = read_first_sheet(out_folder() + "werk.xlsx");
-    ASSERT_TRUE(rows);
-    EXPECT_EQ(rows->at(2).value(2), "FIRST");
-    EXPECT_EQ(rows->at(6).value(0), "ABRAHAMS, JAN");
+    const Rows rows = first_sheet("werk.xlsx");
+    EXPECT_EQ(rows.value(2).value(2), "FIRST");
+    EXPECT_EQ(rows.value(6).value(0), "ABRAHAMS, JAN");
     EXPECT_TRUE(zip_entry(out_folder() + "werk.xlsx", "xl/workbook.xml").contains("name=\"Sheet2\""));
     EXPECT_EQ(drive.dialogs.texts(), QStringList{"EXPORT OF werk TO " + out_folder() + "werk COMPLETE !!"});
 
@@ -417,26 +329,7 @@ TEST_F(WorksheetTest, HooksFillOneWorkbookPerJobAndSaveItAtTheEnd) {
     EXPECT_TRUE(drive.dialogs.messages.isEmpty());
 }
 
-TEST_F(WorksheetTest, HooksOfferAnotherPlaceWhenTheFolderIsGone) {
-    PrintJob job;
-    job.output_to_excel = true;
-    job.export_folder = drive.path("weg") + "/";
-    job.export_stem = "werk";
-    install_worksheet_hooks(job, drive.run);
-    job.worksheet.sheet_head(head("PAGE : 1", "KEPT"));
-    drive.dialogs.files.enqueue(out_folder() + "elders.xlsx");
-    job.worksheet.finish();
-
-    ASSERT_EQ(drive.dialogs.messages.size(), 2);
-    EXPECT_TRUE(drive.dialogs.messages[0].text.startsWith("FOLDER " + drive.path("weg") + " DOES NOT EXIST"));
-    EXPECT_EQ(drive.dialogs.prompts, QStringList{"EXCEL EXPORT FILE NAME"});
-    EXPECT_EQ(drive.dialogs.messages[1].text, "EXPORT OF elders TO " + out_folder() + "elders COMPLETE !!");
-    const auto rows = read_first_sheet(out_folder() + "elders.xlsx");
-    ASSERT_TRUE(rows);
-    EXPECT_EQ(rows->at(2).value(2), "KEPT");
-}
-
-TEST_F(WorksheetTest, HooksStopWhenTheUserGivesUp) {
+TEST_F(WorksheetTest, HooksOfferAnotherPlaceWhenTheFolderIsGoneUntilTheUserGivesUp) {
     PrintJob job;
     job.export_folder = drive.path("weg") + "/";
     job.export_stem = "werk";
@@ -446,6 +339,17 @@ TEST_F(WorksheetTest, HooksStopWhenTheUserGivesUp) {
     EXPECT_EQ(drive.dialogs.messages.size(), 1);
     EXPECT_EQ(drive.dialogs.prompts.size(), 1);
     EXPECT_FALSE(QFileInfo::exists(drive.path("weg")));
+
+    drive.dialogs.messages.clear();
+    drive.dialogs.prompts.clear();
+    job.worksheet.sheet_head(head("PAGE : 1", "KEPT"));
+    drive.dialogs.files.enqueue(out_folder() + "elders.xlsx");
+    job.worksheet.finish();
+    ASSERT_EQ(drive.dialogs.messages.size(), 2);
+    EXPECT_TRUE(drive.dialogs.messages[0].text.startsWith("FOLDER " + drive.path("weg") + " DOES NOT EXIST"));
+    EXPECT_EQ(drive.dialogs.prompts, QStringList{"EXCEL EXPORT FILE NAME"});
+    EXPECT_EQ(drive.dialogs.messages[1].text, "EXPORT OF elders TO " + out_folder() + "elders COMPLETE !!");
+    EXPECT_EQ(first_sheet("elders.xlsx").value(2).value(2), "KEPT");
 }
 
 TEST_F(WorksheetTest, HookForAGridStraightToAFileAsksTheName) {
@@ -456,9 +360,7 @@ TEST_F(WorksheetTest, HookForAGridStraightToAFileAsksTheName) {
     job.worksheet.grid_to_new_file(g);
     EXPECT_EQ(job.export_folder, out_folder());
     EXPECT_EQ(job.export_stem, "los");
-    const auto rows = read_first_sheet(out_folder() + "los.xlsx");
-    ASSERT_TRUE(rows);
-    EXPECT_EQ(rows->at(0).value(0), "Naam");
+    EXPECT_EQ(first_sheet("los.xlsx").value(0).value(0), "Naam");
 
     // Cancelled: nothing written, nothing said.
     drive.dialogs.messages.clear();
@@ -486,27 +388,15 @@ TEST_F(WorksheetTest, AReportThroughThePageEngineLandsInTheWorkbook) {
     end_of_print(surface, job, drive.run);
 
     EXPECT_FALSE(job.output_to_excel);
-    const auto rows = read_first_sheet(out_folder() + "verslag.xlsx");
-    ASSERT_TRUE(rows);
-    EXPECT_EQ(rows->at(0).value(0), "2026.11.23");
-    EXPECT_EQ(rows->at(1).value(0), "09:30:00");
-    EXPECT_EQ(rows->at(1).value(2), "DIE KRANS");
-    EXPECT_EQ(rows->at(2).value(0), "PAGE : 1");
-    EXPECT_EQ(rows->at(2).value(2), "MARK LIST [GR 8A]");
-    EXPECT_EQ(rows->at(5).value(0), "Naam");
+    const Rows rows = first_sheet("verslag.xlsx");
+    ASSERT_GE(rows.size(), 6);
+    EXPECT_EQ(rows[0].value(0), "2026.11.23");
+    EXPECT_EQ(rows[1].value(0), "09:30:00");
+    EXPECT_EQ(rows[1].value(2), "DIE KRANS");
+    EXPECT_EQ(rows[2].value(0), "PAGE : 1");
+    EXPECT_EQ(rows[2].value(2), "MARK LIST [GR 8A]");
+    EXPECT_EQ(rows[5].value(0), "Naam");
     EXPECT_EQ(drive.dialogs.texts(), QStringList{"EXPORT OF verslag TO " + out_folder() + "verslag COMPLETE !!"});
-}
-
-TEST_F(WorksheetTest, AFileInTheWayOfTheWorkbookIsReported) {
-    // A folder under the workbook's name can't be replaced by a file.
-    QDir().mkpath(out_folder() + "gids.xlsx");
-    WorkbookOutput book(drive.run);
-    book.begin_sheet_head(head("PAGE : 1", "LIST"));
-    EXPECT_FALSE(book.save(out_folder(), "gids"));
-    ASSERT_EQ(drive.dialogs.messages.size(), 1);
-    EXPECT_EQ(drive.dialogs.messages[0].text,
-              "COULD NOT WRITE " + out_folder() + "gids.xlsx - gids WAS NOT SAVED !!");
-    EXPECT_TRUE(QFileInfo(out_folder() + "gids.xlsx").isDir());
 }
 
 // ---- LibreOffice ----------------------------------------------------------------------
@@ -516,8 +406,7 @@ TEST_F(WorksheetTest, LibreOfficeOpensTheWorkbook) {
     if (soffice.isEmpty()) GTEST_SKIP() << "soffice is not installed";
     WorkbookOutput book(drive.run);
     book.begin_sheet_head(head("PAGE : 1", "LIST"));
-    TextGrid g = mark_list();
-    book.write_grid_to_sheet(g);
+    book.write_grid_to_sheet(mark_list());
     ASSERT_TRUE(book.save_to(out_folder() + "lo.xlsx", nullptr));
 
     QTemporaryDir profile;

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "shell/calculator.h"
 #include "tests/support/fake_screens.h"
 
@@ -8,381 +11,153 @@ using veldo::testing::FakeScreens;
 
 namespace {
 
-struct CalculatorTest : ::testing::Test {
-    FakeScreens screens;
-    MathCalc calc{screens};
-
-    // Types a figure digit by digit, with "." for the point.
-    void type(const char* text) {
-        for (const char* p = text; *p; ++p) {
-            if (*p == '.')
-                calc.DotBttn();
-            else
-                calc.digit(*p - '0');
+// Presses the buttons of a script: "." the point, + - * / =, "r" for 1/x,
+// "~" for +/- and "C" for clear. Any other character presses digit(c - '0'),
+// so ':' is 10 and ' ' is -16.
+void press(MathCalc& calc, const std::string& script) {
+    for (const char c : script) {
+        switch (c) {
+        case '.': calc.DotBttn(); break;
+        case '+': calc.Plus(); break;
+        case '-': calc.Minus(); break;
+        case '*': calc.Times(); break;
+        case '/': calc.Div(); break;
+        case '=': calc.Equals(); break;
+        case 'r': calc.Over(); break;
+        case '~': calc.PlusMinus(); break;
+        case 'C': calc.ClearBttn(); break;
+        default: calc.digit(c - '0'); break;
         }
     }
-    void keys(std::initializer_list<int> codes) {
-        for (int code : codes) calc.key_press(code);
-    }
-};
+}
 
 }  // namespace
 
-// Buttons.
-
-TEST_F(CalculatorTest, StartsEmptyWithNoOperator) {
-    EXPECT_EQ(calc.display(), "");
-    EXPECT_EQ(calc.pending_operator(), "");
-    EXPECT_FALSE(calc.replace_display());
+TEST(Calculator, ButtonsShowTheirFigures) {
+    const std::string e200 = "1" + std::string(200, '0');  // 1E+200
+    const struct {
+        std::string script;
+        const char* shown;
+        const char* why;
+    } rows[] = {
+        {"1203", "1203", "digits append"},
+        {"007", "007", "leading zeros stay as typed"},
+        {" :", "", "digits out of range are passed over"},
+        {"12.5+7.5=", "20", "adds"},
+        {"3-10=", "-7", "subtracts"},
+        {"6*0.5=", "3", "multiplies"},
+        {"1/8=", "0.125", "divides"},
+        {"2/3=", "0.666666666666667", "plain number text without a leading blank"},
+        {"7/=", "0", "division by an empty display shows zero"},
+        {e200 + "*" + e200 + "=", "0", "an overflow is passed over and shows zero"},
+        // Plain decimals, never an exponent, so a result reads back whole
+        // when the next operator takes it.
+        {"1000000000*1000000000=", "1000000000000000000", "a large result"},
+        {"1000000000*1000000000=/1000000000000000000=", "1", "a large result read back"},
+        {"1/40000=", "0.000025", "a small result"},
+        {"1/40000=*40000=", "1", "a small result read back"},
+        {"1/40000=*40000=0.00001r", "100000", "1/x of a small number"},
+        {"2+3+4=", "7", "a chain drops the pending sum"},
+        {"10*5-2=", "3", "a chain of mixed operators keeps only the last"},
+        {"-5=", "-5", "an operator on an empty display takes zero"},
+        {"100/4===", "25", "a third equals divides by the 4 shown again"},
+        {"2+3==", "7", "a second equals adds the shown result"},
+        {"2+3=81", "81", "the number begun after equals goes on"},
+        {"1+1.5=.", ".", "a point after equals starts a new number"},
+        {"1+1.5=.5", ".5", "and the digits follow it"},
+        {"1.2.3.", "1.23", "a second point in a number is ignored"},
+        {"..", ".", "a point on an empty display stands alone"},
+        {"0.5r", "2", "1/x"},
+        {"0.0r", "0.0", "1/x of zero leaves the display"},
+        {"r", "", "1/x of an empty display leaves it"},
+        {"4~r", "-0.25", "1/x of a negative number"},
+        {"3r", "0.333333333333333", "1/x of three"},
+        {"4r5", "0.255", "1/x does not start a new number"},
+        {"12.5~", "-12.5", "+/- turns the sign"},
+        {"12.5~~", "12.5", "and back"},
+        {"~", "0", "+/- on an empty display gives zero"},
+        {"007.50~", "-7.5", "+/- tidies the typed figure"},
+        {"2+3=~", "-5", "+/- on a result"},
+        {"2+3=~1", "1", "keeps the flag that a new number replaces it"},
+        {"8-99C3=", "5", "clear keeps the operands and the operator"},
+        {"8*2=C=", "0", "clear after equals, then equals takes zero"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.script.substr(0, 60) + ": " + r.why);
+        FakeScreens screens;
+        MathCalc calc{screens};
+        press(calc, r.script);
+        EXPECT_EQ(calc.display(), r.shown);
+    }
 }
 
-TEST_F(CalculatorTest, DigitsAppendToTheDisplay) {
-    type("1203");
-    EXPECT_EQ(calc.display(), "1203");
+TEST(Calculator, KeepsOperandsOperatorAndTheReplaceFlag) {
+    const struct {
+        std::string script;
+        const char* shown;
+        const char* op;
+        double first, second;
+        bool replace;
+        const char* why;
+    } rows[] = {
+        {"", "", "", 0, 0, false, "starts empty with no operator"},
+        {"9*", "", "*", 9, 0, false, "an operator empties the display and keeps the first operand"},
+        {"..+", "", "+", 0, 0, false, "a point alone reads as zero"},
+        {"8-99C", "", "-", 8, 0, false, "clear keeps the operands and the operator"},
+        {"42=", "0", "", 0, 42, true, "equals without an operator shows zero"},
+        {"7/0=", "0", "/", 7, 0, true, "division by zero shows zero without a message"},
+        {"100/4==", "4", "/", 100, 25, true, "a second equals takes the shown number as second operand"},
+        {"2+3===", "9", "+", 2, 7, true, "and keeps the old first operand"},
+        {"2+3=8", "8", "+", 2, 3, false, "a digit after equals starts a new number"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.script + ": " + r.why);
+        FakeScreens screens;
+        MathCalc calc{screens};
+        press(calc, r.script);
+        EXPECT_EQ(calc.display(), r.shown);
+        EXPECT_EQ(calc.pending_operator(), r.op);
+        EXPECT_DOUBLE_EQ(calc.first_operand(), r.first);
+        EXPECT_DOUBLE_EQ(calc.second_operand(), r.second);
+        EXPECT_EQ(calc.replace_display(), r.replace);
+    }
 }
 
-TEST_F(CalculatorTest, LeadingZerosStayAsTyped) {
-    type("007");
-    EXPECT_EQ(calc.display(), "007");
+TEST(Calculator, KeyCodesPressTheButtons) {
+    const struct {
+        std::vector<int> codes;
+        const char* shown;
+        const char* op;
+        const char* why;
+    } rows[] = {
+        {{48, 49, 50, 51, 52, 53, 54, 55, 56, 57}, "0123456789", "", "48-57 are the digits"},
+        {{49, 50, 107, 51, 187}, "15", "+", "107 plus, 187 equals"},
+        {{57, 109, 52, 187}, "5", "-", "109 minus"},
+        {{54, 106, 55, 187}, "42", "*", "106 times"},
+        {{57, 111, 50, 187}, "4.5", "/", "111 divide"},
+        {{49, 46, 53, 46}, "1.5", "", "46 the point"},
+        {{49, 67}, "", "", "67 clears"},
+        {{50, 99}, "", "", "so does 99"},
+        {{51, 106, 50, 187, 187}, "18", "*", "equals twice gives 3 * 6"},
+        // Enter, the keypad digits, the main '-' and '.' keys' other codes, letters.
+        {{49, 13, 96, 105, 189, 190, 65, 100, 0, 255, 1000, -1}, "1", "", "other keys do nothing"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.why);
+        FakeScreens screens;
+        MathCalc calc{screens};
+        for (int code : r.codes) calc.key_press(code);
+        EXPECT_EQ(calc.display(), r.shown);
+        EXPECT_EQ(calc.pending_operator(), r.op);
+        EXPECT_TRUE(screens.unloaded.isEmpty());
+    }
 }
 
-TEST_F(CalculatorTest, DigitOutOfRangeIsPassedOver) {
-    calc.digit(10);
-    calc.digit(-1);
-    EXPECT_EQ(calc.display(), "");
-}
-
-TEST_F(CalculatorTest, AddsSubtractsMultipliesDivides) {
-    type("12.5");
-    calc.Plus();
-    type("7.5");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "20");
-
-    type("3");
-    calc.Minus();
-    type("10");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "-7");
-
-    type("6");
-    calc.Times();
-    type("0.5");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "3");
-
-    type("1");
-    calc.Div();
-    type("8");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "0.125");
-}
-
-TEST_F(CalculatorTest, ResultIsPlainNumberTextWithoutLeadingBlank) {
-    type("2");
-    calc.Div();
-    type("3");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "0.666666666666667");
-}
-
-TEST_F(CalculatorTest, DivisionByZeroShowsZeroWithoutMessage) {
-    type("7");
-    calc.Div();
-    type("0");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "0");
-    EXPECT_EQ(calc.pending_operator(), "/");
-}
-
-TEST_F(CalculatorTest, DivisionByEmptyDisplayShowsZero) {
-    type("7");
-    calc.Div();
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "0");
-}
-
-TEST_F(CalculatorTest, OverflowIsPassedOverAndShowsZero) {
-    type("1");
-    for (int i = 0; i < 200; ++i) calc.digit(0);  // 1E+200
-    calc.Times();
-    type("1");
-    for (int i = 0; i < 200; ++i) calc.digit(0);
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "0");
-}
-
-// The display holds plain decimals, never an exponent, so that Val reads a
-// result back whole when the next operator takes it.
-TEST_F(CalculatorTest, LargeAndSmallResultsShowInPlainDecimalsAndReadBack) {
-    type("1000000000");
-    calc.Times();
-    type("1000000000");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "1000000000000000000");
-    calc.Div();
-    type("1000000000000000000");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "1");
-
-    type("1");
-    calc.Div();
-    type("40000");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "0.000025");
-    calc.Times();
-    type("40000");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "1");
-    type("0.00001");
-    calc.Over();
-    EXPECT_EQ(calc.display(), "100000");
-}
-
-TEST_F(CalculatorTest, EqualsWithoutOperatorShowsZero) {
-    type("42");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "0");
-    EXPECT_DOUBLE_EQ(calc.second_operand(), 42.0);
-}
-
-TEST_F(CalculatorTest, ChainDropsThePendingSum) {
-    type("2");
-    calc.Plus();
-    type("3");
-    calc.Plus();
-    type("4");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "7");
-}
-
-TEST_F(CalculatorTest, ChainOfMixedOperatorsKeepsOnlyTheLast) {
-    type("10");
-    calc.Times();
-    type("5");
-    calc.Minus();
-    type("2");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "3");
-}
-
-TEST_F(CalculatorTest, OperatorEmptiesDisplayAndKeepsFirstOperand) {
-    type("9");
-    calc.Times();
-    EXPECT_EQ(calc.display(), "");
-    EXPECT_DOUBLE_EQ(calc.first_operand(), 9.0);
-    EXPECT_EQ(calc.pending_operator(), "*");
-}
-
-TEST_F(CalculatorTest, OperatorOnEmptyDisplayTakesZero) {
-    calc.Minus();
-    type("5");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "-5");
-}
-
-TEST_F(CalculatorTest, SecondEqualsRepeatsWithShownNumberAsSecondOperand) {
-    type("100");
-    calc.Div();
-    type("4");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "25");
-    calc.Equals();  // 100 / 25
-    EXPECT_EQ(calc.display(), "4");
-    EXPECT_DOUBLE_EQ(calc.second_operand(), 25.0);
-    calc.Equals();  // 100 / 4
-    EXPECT_EQ(calc.display(), "25");
-}
-
-TEST_F(CalculatorTest, SecondEqualsAfterPlusKeepsTheOldFirstOperand) {
-    type("2");
-    calc.Plus();
-    type("3");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "5");
-    calc.Equals();  // 2 + 5
-    EXPECT_EQ(calc.display(), "7");
-    calc.Equals();  // 2 + 7
-    EXPECT_EQ(calc.display(), "9");
-    EXPECT_DOUBLE_EQ(calc.first_operand(), 2.0);
-}
-
-TEST_F(CalculatorTest, DigitAfterEqualsStartsNewNumber) {
-    type("2");
-    calc.Plus();
-    type("3");
-    calc.Equals();
-    EXPECT_TRUE(calc.replace_display());
-    calc.digit(8);
-    EXPECT_EQ(calc.display(), "8");
-    EXPECT_FALSE(calc.replace_display());
-    calc.digit(1);
-    EXPECT_EQ(calc.display(), "81");
-}
-
-TEST_F(CalculatorTest, PointAfterEqualsStartsNewNumber) {
-    type("1");
-    calc.Plus();
-    type("1.5");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "2.5");
-    calc.DotBttn();
-    EXPECT_EQ(calc.display(), ".");
-    calc.digit(5);
-    EXPECT_EQ(calc.display(), ".5");
-}
-
-TEST_F(CalculatorTest, SecondPointInNumberIsIgnored) {
-    type("1.2.3");
-    EXPECT_EQ(calc.display(), "1.23");
-    calc.DotBttn();
-    EXPECT_EQ(calc.display(), "1.23");
-}
-
-TEST_F(CalculatorTest, PointOnEmptyDisplayStandsAlone) {
-    calc.DotBttn();
-    calc.DotBttn();
-    EXPECT_EQ(calc.display(), ".");
-    calc.Plus();
-    EXPECT_DOUBLE_EQ(calc.first_operand(), 0.0);
-}
-
-TEST_F(CalculatorTest, OverOfHalfShowsTwo) {
-    type("0.5");
-    calc.Over();
-    EXPECT_EQ(calc.display(), "2");
-}
-
-TEST_F(CalculatorTest, OverOfZeroOrEmptyLeavesDisplay) {
-    type("0.0");
-    calc.Over();
-    EXPECT_EQ(calc.display(), "0.0");
-    calc.ClearBttn();
-    calc.Over();
-    EXPECT_EQ(calc.display(), "");
-}
-
-TEST_F(CalculatorTest, OverOfNegativeAndOfThree) {
-    type("4");
-    calc.PlusMinus();
-    calc.Over();
-    EXPECT_EQ(calc.display(), "-0.25");
-    calc.ClearBttn();
-    type("3");
-    calc.Over();
-    EXPECT_EQ(calc.display(), "0.333333333333333");
-}
-
-TEST_F(CalculatorTest, OverDoesNotStartANewNumber) {
-    type("4");
-    calc.Over();
-    calc.digit(5);
-    EXPECT_EQ(calc.display(), "0.255");
-}
-
-TEST_F(CalculatorTest, PlusMinusTurnsTheSign) {
-    type("12.5");
-    calc.PlusMinus();
-    EXPECT_EQ(calc.display(), "-12.5");
-    calc.PlusMinus();
-    EXPECT_EQ(calc.display(), "12.5");
-}
-
-TEST_F(CalculatorTest, PlusMinusOnEmptyDisplayGivesZero) {
-    calc.PlusMinus();
-    EXPECT_EQ(calc.display(), "0");
-}
-
-TEST_F(CalculatorTest, PlusMinusTidiesTheTypedFigure) {
-    type("007.50");
-    calc.PlusMinus();
-    EXPECT_EQ(calc.display(), "-7.5");
-}
-
-TEST_F(CalculatorTest, PlusMinusOnResultKeepsReplaceFlag) {
-    type("2");
-    calc.Plus();
-    type("3");
-    calc.Equals();
-    calc.PlusMinus();
-    EXPECT_EQ(calc.display(), "-5");
-    calc.digit(1);
-    EXPECT_EQ(calc.display(), "1");
-}
-
-TEST_F(CalculatorTest, ClearKeepsOperandsAndOperator) {
-    type("8");
-    calc.Minus();
-    type("99");
-    calc.ClearBttn();
-    EXPECT_EQ(calc.display(), "");
-    EXPECT_EQ(calc.pending_operator(), "-");
-    EXPECT_DOUBLE_EQ(calc.first_operand(), 8.0);
-    type("3");
-    calc.Equals();
-    EXPECT_EQ(calc.display(), "5");
-}
-
-TEST_F(CalculatorTest, ClearAfterEqualsThenEqualsUsesZero) {
-    type("8");
-    calc.Times();
-    type("2");
-    calc.Equals();
-    calc.ClearBttn();
-    calc.Equals();  // 8 * 0
-    EXPECT_EQ(calc.display(), "0");
-}
-
-TEST_F(CalculatorTest, CaptionsInBothLanguages) {
-    EXPECT_EQ(MathCalc::caption(true), "SAKREKENAAR");
-    EXPECT_EQ(MathCalc::caption(false), "CALCULATOR");
-}
-
-// Keys.
-
-TEST_F(CalculatorTest, KeyCodesOfDigitsPressDigits) {
-    for (int code = 48; code <= 57; ++code) calc.key_press(code);
-    EXPECT_EQ(calc.display(), "0123456789");
-}
-
-TEST_F(CalculatorTest, KeyCodesOfOperators) {
-    keys({49, 50, 107, 51, 187});  // 12 + 3 =
-    EXPECT_EQ(calc.display(), "15");
-    keys({57, 109, 52, 187});  // 9 - 4 =
-    EXPECT_EQ(calc.display(), "5");
-    keys({54, 106, 55, 187});  // 6 * 7 =
-    EXPECT_EQ(calc.display(), "42");
-    keys({57, 111, 50, 187});  // 9 / 2 =
-    EXPECT_EQ(calc.display(), "4.5");
-}
-
-TEST_F(CalculatorTest, KeyCodeOfPoint) {
-    keys({49, 46, 53, 46});
-    EXPECT_EQ(calc.display(), "1.5");
-}
-
-TEST_F(CalculatorTest, KeyCodesOfClearBothCases) {
-    keys({49, 67});
-    EXPECT_EQ(calc.display(), "");
-    keys({50, 99});
-    EXPECT_EQ(calc.display(), "");
-}
-
-TEST_F(CalculatorTest, EscapeUnloadsTheForm) {
+TEST(Calculator, EscapeUnloadsTheFormAndTheCaptionsAreBilingual) {
+    FakeScreens screens;
+    MathCalc calc{screens};
     calc.key_press(27);
     EXPECT_EQ(screens.unloaded, QStringList{screen::MathCalc});
-}
-
-TEST_F(CalculatorTest, OtherKeysDoNothing) {
-    keys({49});
-    // Enter, the keypad digits, the main '-' and '.' keys' other codes, letters.
-    keys({13, 96, 105, 189, 190, 65, 100, 0, 255, 1000, -1});
-    EXPECT_EQ(calc.display(), "1");
-    EXPECT_EQ(calc.pending_operator(), "");
-    EXPECT_TRUE(screens.unloaded.isEmpty());
-}
-
-TEST_F(CalculatorTest, KeyEqualsTwiceRepeats) {
-    keys({51, 106, 50, 187, 187});  // 3 * 2 = = gives 3 * 6
-    EXPECT_EQ(calc.display(), "18");
+    EXPECT_EQ(MathCalc::caption(true), "SAKREKENAAR");
+    EXPECT_EQ(MathCalc::caption(false), "CALCULATOR");
 }

@@ -11,15 +11,14 @@ using namespace veldo::testing;
 
 namespace {
 
-struct FloatingMenuTest : ::testing::Test {
+struct Window {
     TempDrive drive;
     FakeScreens screens;
     ShellContext ctx{drive.run, *drive.store, drive.dialogs, screens, Clock{}};
     FloatingMenu menu{ctx};
-    QString root;
+    QString root = drive.path("KESTRALIN");
 
-    FloatingMenuTest() {
-        root = drive.path("KESTRALIN");
+    Window() {
         QDir().mkpath(root);
         drive.run.root_folder = root;
     }
@@ -36,12 +35,13 @@ TEST(FloatingMenuTable, ButtonsCarryTheFamilysPrograms) {
     QStringList captions;
     for (const auto& b : FloatingMenu::buttons()) captions << b.caption;
     EXPECT_EQ(captions,
-              (QStringList{"VELDO-CLERK", "VELDO-KINDREDS", "VELDO-PURSE", "VELDO-SHELF",
-                           "VELDO-CREWS", "VELDO-DIARY", "VELDO-SHIFT", "VELDO-SCROL",
-                           "VELDO-TOMES", "VELDO-PLANS", "VELDO-CONDUCTOR", "VELDO-VIEWER",
-                           "VELDO-TALLY", "VELDO-VAULTS", "VELDO-CAMPUS"}));
+              (QStringList{"VELDO-CLERK", "VELDO-KINDREDS", "VELDO-PURSE", "VELDO-SHELF", "VELDO-CREWS", "VELDO-DIARY",
+                           "VELDO-SHIFT", "VELDO-SCROL", "VELDO-TOMES", "VELDO-PLANS", "VELDO-CONDUCTOR",
+                           "VELDO-VIEWER", "VELDO-TALLY", "VELDO-VAULTS", "VELDO-CAMPUS"}));
     // Every program that starts has its button under the same index.
+    QStringList rows;
     for (const auto& l : FloatingMenu::launchers()) {
+        rows << QString::number(l.index) + " " + l.program + " " + l.path;
         bool found = false;
         for (const auto& b : FloatingMenu::buttons())
             if (b.index == l.index) {
@@ -50,12 +50,6 @@ TEST(FloatingMenuTable, ButtonsCarryTheFamilysPrograms) {
             }
         EXPECT_TRUE(found) << l.index;
     }
-}
-
-TEST(FloatingMenuTable, LauncherPaths) {
-    QStringList rows;
-    for (const auto& l : FloatingMenu::launchers())
-        rows << QString::number(l.index) + " " + l.program + " " + l.path;
     EXPECT_EQ(rows, (QStringList{"2 VELDO-PURSE /VELDO-PURSE/VELDO-PURSE.EXE",
                                  "3 VELDO-SHELF /VELDO-SHELF/VELDO-SHELF.EXE",
                                  "4 VELDO-CREWS /VELDO-CREWS/VELDO-CREWS.EXE",
@@ -69,123 +63,84 @@ TEST(FloatingMenuTable, LauncherPaths) {
                                  "14 VELDO-CAMPUS /VELDO-HOUSE/VELDO-CAMPUS.EXE"}));
 }
 
-TEST(FloatingMenuTable, MakerWebAddress) { EXPECT_EQ(kMakerWebAddress, "www.kestralin.co.za"); }
-
-// Load.
-
-TEST_F(FloatingMenuTest, LoadShowsEachEnvironmentEntryOnALine) {
-    menu.load();
-    EXPECT_EQ(menu.environment_text(), "HOME=/home/juffrou\nLANG=af_ZA.UTF-8\n");
+// Each load empties the box and shows each environment entry on a line.
+TEST(FloatingMenu, LoadShowsTheEnvironmentAndExitUnloads) {
+    Window w;
+    w.menu.load();
+    EXPECT_EQ(w.menu.environment_text(), "HOME=/home/juffrou\nLANG=af_ZA.UTF-8\n");
+    w.screens.environment = QStringList{"PATH=/usr/bin"};
+    w.menu.load();
+    EXPECT_EQ(w.menu.environment_text(), "PATH=/usr/bin\n");
+    w.screens.environment.clear();
+    w.menu.load();
+    EXPECT_EQ(w.menu.environment_text(), "");
+    w.menu.sk0f_exit();
+    EXPECT_EQ(w.screens.unloaded, QStringList{screen::sk0_floating});
 }
 
-TEST_F(FloatingMenuTest, LoadEmptiesTheBoxFirst) {
-    menu.load();
-    screens.environment = QStringList{"PATH=/usr/bin"};
-    menu.load();
-    EXPECT_EQ(menu.environment_text(), "PATH=/usr/bin\n");
-}
-
-TEST_F(FloatingMenuTest, EmptyEnvironmentGivesEmptyBox) {
-    screens.environment.clear();
-    menu.load();
-    EXPECT_EQ(menu.environment_text(), "");
-}
-
-// Starting programs.
-
-TEST_F(FloatingMenuTest, InstalledProgramStartsAndWindowStaysOpen) {
-    const QString purse = install("VELDO-PURSE/VELDO-PURSE.EXE");
-    menu.sk0f_menu_click(2);
-    EXPECT_EQ(screens.started, QStringList{purse});
-    EXPECT_TRUE(screens.unloaded.isEmpty());
-    EXPECT_TRUE(drive.dialogs.messages.isEmpty());
-}
-
-TEST_F(FloatingMenuTest, EveryLauncherStartsItsOwnProgram) {
+// Every launcher starts its own program (this one and the two that share the
+// house folder too), as often as it is pressed; the window stays open.
+TEST(FloatingMenu, EveryLauncherStartsItsOwnProgram) {
+    Window w;
     QStringList expected;
-    for (const auto& l : FloatingMenu::launchers()) expected << install(l.path.mid(1));
-    for (const auto& l : FloatingMenu::launchers()) menu.sk0f_menu_click(l.index);
-    EXPECT_EQ(screens.started, expected);
-    EXPECT_TRUE(drive.dialogs.messages.isEmpty());
+    for (const auto& l : FloatingMenu::launchers()) expected << QStringList(2, w.install(l.path.mid(1)));
+    for (const auto& l : FloatingMenu::launchers()) {
+        w.menu.sk0f_menu_click(l.index);
+        w.menu.sk0f_menu_click(l.index);
+    }
+    EXPECT_EQ(w.screens.started, expected);
+    EXPECT_TRUE(w.drive.dialogs.messages.isEmpty());
+    EXPECT_TRUE(w.screens.unloaded.isEmpty());
 }
 
-TEST_F(FloatingMenuTest, HouseProgramsShareOneFolder) {
-    const QString conductor = install("VELDO-HOUSE/VELDO-CONDUCTOR.EXE");
-    const QString campus = install("VELDO-HOUSE/VELDO-CAMPUS.EXE");
-    menu.sk0f_menu_click(10);
-    menu.sk0f_menu_click(14);
-    EXPECT_EQ(screens.started, (QStringList{conductor, campus}));
+TEST(FloatingMenu, AProgramIsFoundIgnoringCaseOrElseTheUserIsToldToInstallIt) {
+    const struct {
+        const char* installed;  // nullptr: nothing; ending in '/': a folder
+        int index;
+        bool afrikaans;
+        const char* message;  // nullptr: the program starts
+        const char* why;
+    } rows[] = {
+        {"VELDO-PURSE/VELDO-PURSE.EXE", 2, false, nullptr, "installed"},
+        {"veldo-shelf/Veldo-Shelf.exe", 3, false, nullptr, "found ignoring case"},
+        {"VELDO-CREWS/VELDO-CREWS", 4, false, nullptr, "found without the .EXE ending"},
+        {nullptr, 5, false, "Please install 'VELDO-DIARY' (see www.kestralin.co.za)", "missing"},
+        {nullptr, 13, true, "Installeer asb 'VELDO-VAULTS' (sien www.kestralin.co.za)", "missing, in Afrikaans"},
+        {"VELDO-SHIFT/VELDO-SHIFT.EXE/", 6, false, "Please install 'VELDO-SHIFT' (see www.kestralin.co.za)",
+         "a folder is no program"},
+        {"VELDO-SCROL/VELDO-PURSE.EXE", 2, false, "Please install 'VELDO-PURSE' (see www.kestralin.co.za)",
+         "a program in the wrong folder"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.why);
+        Window w;
+        w.drive.run.language_afrikaans = r.afrikaans;
+        QString program;
+        if (r.installed && QString(r.installed).endsWith('/'))
+            QDir().mkpath(w.root + "/" + r.installed);
+        else if (r.installed)
+            program = w.install(r.installed);
+        w.menu.sk0f_menu_click(r.index);
+        EXPECT_TRUE(w.screens.unloaded.isEmpty());
+        if (!r.message) {
+            EXPECT_EQ(w.screens.started, QStringList{program});
+            EXPECT_TRUE(w.drive.dialogs.messages.isEmpty());
+            continue;
+        }
+        EXPECT_TRUE(w.screens.started.isEmpty());
+        ASSERT_EQ(w.drive.dialogs.messages.size(), 1);
+        EXPECT_EQ(w.drive.dialogs.messages[0].text, r.message);
+        EXPECT_EQ(w.drive.dialogs.messages[0].icon, MsgIcon::Critical);
+        EXPECT_EQ(w.drive.dialogs.messages[0].buttons, MsgButtons::Ok);
+    }
 }
 
-TEST_F(FloatingMenuTest, ProgramIsFoundIgnoringCase) {
-    const QString shelf = install("veldo-shelf/Veldo-Shelf.exe");
-    menu.sk0f_menu_click(3);
-    EXPECT_EQ(screens.started, QStringList{shelf});
-}
-
-TEST_F(FloatingMenuTest, ProgramWithoutExeEndingIsFound) {
-    const QString crews = install("VELDO-CREWS/VELDO-CREWS");
-    menu.sk0f_menu_click(4);
-    EXPECT_EQ(screens.started, QStringList{crews});
-}
-
-TEST_F(FloatingMenuTest, StartingTwiceStartsTwice) {
-    const QString viewer = install("VELDO-VIEWER/VELDO-VIEWER.EXE");
-    menu.sk0f_menu_click(11);
-    menu.sk0f_menu_click(11);
-    EXPECT_EQ(screens.started, (QStringList{viewer, viewer}));
-    EXPECT_TRUE(screens.unloaded.isEmpty());
-}
-
-TEST_F(FloatingMenuTest, MissingProgramAsksForInstallInEnglish) {
-    menu.sk0f_menu_click(5);
-    ASSERT_EQ(drive.dialogs.messages.size(), 1);
-    EXPECT_EQ(drive.dialogs.messages[0].text, "Please install 'VELDO-DIARY' (see www.kestralin.co.za)");
-    EXPECT_EQ(drive.dialogs.messages[0].icon, MsgIcon::Critical);
-    EXPECT_EQ(drive.dialogs.messages[0].buttons, MsgButtons::Ok);
-    EXPECT_TRUE(screens.started.isEmpty());
-    EXPECT_TRUE(screens.unloaded.isEmpty());
-}
-
-TEST_F(FloatingMenuTest, MissingProgramAsksForInstallInAfrikaans) {
-    drive.run.language_afrikaans = true;
-    menu.sk0f_menu_click(13);
-    ASSERT_EQ(drive.dialogs.messages.size(), 1);
-    EXPECT_EQ(drive.dialogs.messages[0].text, "Installeer asb 'VELDO-VAULTS' (sien www.kestralin.co.za)");
-    EXPECT_EQ(drive.dialogs.messages[0].icon, MsgIcon::Critical);
-    EXPECT_TRUE(screens.started.isEmpty());
-}
-
-TEST_F(FloatingMenuTest, FolderWithoutProgramIsMissing) {
-    QDir().mkpath(root + "/VELDO-SHIFT/VELDO-SHIFT.EXE");  // a folder, not a program
-    menu.sk0f_menu_click(6);
-    EXPECT_TRUE(screens.started.isEmpty());
-    EXPECT_EQ(drive.dialogs.texts(), QStringList{"Please install 'VELDO-SHIFT' (see www.kestralin.co.za)"});
-}
-
-TEST_F(FloatingMenuTest, ProgramInTheWrongFolderIsMissing) {
-    install("VELDO-SCROL/VELDO-PURSE.EXE");
-    menu.sk0f_menu_click(2);
-    EXPECT_TRUE(screens.started.isEmpty());
-    EXPECT_EQ(drive.dialogs.texts(), QStringList{"Please install 'VELDO-PURSE' (see www.kestralin.co.za)"});
-}
-
-TEST_F(FloatingMenuTest, ThisProgramIsStartedLikeAnyOther) {
-    const QString tally = install("VELDO-TALLY/VELDO-TALLY.EXE");
-    menu.sk0f_menu_click(12);
-    EXPECT_EQ(screens.started, QStringList{tally});
-}
-
-TEST_F(FloatingMenuTest, IndexNotInTheTableDoesNothing) {
+TEST(FloatingMenu, IndexNotInTheTableDoesNothing) {
     // Installed or not, the buttons without a program start nothing.
-    install("VELDO-CLERK/VELDO-CLERK.EXE");
-    for (int index : {0, 1, 8, 9, 15, -1, 99}) menu.sk0f_menu_click(index);
-    EXPECT_TRUE(screens.started.isEmpty());
-    EXPECT_TRUE(drive.dialogs.messages.isEmpty());
-    EXPECT_TRUE(screens.unloaded.isEmpty());
-}
-
-TEST_F(FloatingMenuTest, ExitUnloadsTheWindow) {
-    menu.sk0f_exit();
-    EXPECT_EQ(screens.unloaded, QStringList{screen::sk0_floating});
+    Window w;
+    w.install("VELDO-CLERK/VELDO-CLERK.EXE");
+    for (int index : {0, 1, 8, 9, 15, -1, 99}) w.menu.sk0f_menu_click(index);
+    EXPECT_TRUE(w.screens.started.isEmpty());
+    EXPECT_TRUE(w.drive.dialogs.messages.isEmpty());
+    EXPECT_TRUE(w.screens.unloaded.isEmpty());
 }

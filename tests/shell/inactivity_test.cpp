@@ -39,28 +39,29 @@ struct Frame : TempDrive {
         run.timeout_seconds = 300;
     }
     void at(double seconds) { now_ms = int(seconds * 1000.0 + 0.5); }
+    void tick(double seconds, QPoint mouse) {
+        at(seconds);
+        watcher.tick(mouse);
+    }
+    void show(const QStringList& names) {
+        for (const QString& s : names) screens.show(s);
+        screens.shown.clear();
+    }
 };
 
-TEST(Inactivity, FirstTickOnlyStoresTheMouse) {
+TEST(Inactivity, AMouseMoveAfterTheFirstTickOrAKeyIsActivity) {
     Frame f;
     f.run.last_activity = 1000;
-    f.at(1001);
-    f.watcher.tick({10, 10});
-    EXPECT_EQ(f.run.last_activity, 1000);
-    f.at(1002);
-    f.watcher.tick({10, 10});
-    EXPECT_EQ(f.run.last_activity, 1000);
-    f.at(1003.5);
-    f.watcher.tick({10, 11});
-    EXPECT_EQ(f.run.last_activity, 1003.5);
-    f.at(1004);
-    f.watcher.tick({11, 11});
-    EXPECT_EQ(f.run.last_activity, 1004);
+    const struct {
+        double at;
+        QPoint mouse;
+        double last;
+    } ticks[] = {{1001, {10, 10}, 1000}, {1002, {10, 10}, 1000}, {1003.5, {10, 11}, 1003.5}, {1004, {11, 11}, 1004}};
+    for (const auto& t : ticks) {
+        f.tick(t.at, t.mouse);
+        EXPECT_EQ(f.run.last_activity, t.last) << t.at;
+    }
     EXPECT_TRUE(f.dialogs.messages.isEmpty());
-}
-
-TEST(Inactivity, ResetActivityTakesTheClock) {
-    Frame f;
     f.at(43201.5);
     reset_activity(f.run, f.ctx.clock);
     EXPECT_EQ(f.run.last_activity, 43201.5);
@@ -69,13 +70,8 @@ TEST(Inactivity, ResetActivityTakesTheClock) {
 TEST(Inactivity, ZeroLimitNeverWarnsOrCloses) {
     Frame f;
     f.run.timeout_seconds = 0;
-    f.run.last_activity = 0;
-    f.screens.show(screen::punte_mnu);
-    f.screens.show(screen::punte_menu1);
-    for (int s = 1; s < 86400; s += 997) {
-        f.at(s);
-        f.watcher.tick({5, 5});
-    }
+    f.show({screen::punte_mnu, screen::punte_menu1});
+    for (int s = 1; s < 86400; s += 997) f.tick(s, {5, 5});
     EXPECT_TRUE(f.dialogs.messages.isEmpty());
     EXPECT_TRUE(f.closing.isEmpty());
     EXPECT_TRUE(f.screens.unloaded.isEmpty());
@@ -84,12 +80,10 @@ TEST(Inactivity, ZeroLimitNeverWarnsOrCloses) {
 TEST(Inactivity, WarnsFiveSecondsBeforeTheLimit) {
     Frame f;
     f.run.last_activity = 1000;
-    f.at(1295);  // 300 - 5 + 1000 is not less than 1295
-    f.watcher.tick({1, 1});
+    f.tick(1295, {1, 1});  // 300 - 5 + 1000 is not less than 1295
     f.watcher.tick({1, 1});
     EXPECT_TRUE(f.dialogs.messages.isEmpty());
-    f.at(1295.1);
-    f.watcher.tick({1, 1});
+    f.tick(1295.1, {1, 1});
     ASSERT_EQ(f.dialogs.messages.size(), 1);
     EXPECT_EQ(f.dialogs.messages[0].text, "1");
     EXPECT_EQ(f.dialogs.messages[0].buttons, MsgButtons::Ok);
@@ -101,37 +95,28 @@ TEST(Inactivity, WarnsFiveSecondsBeforeTheLimit) {
     // The clock did not move during the warning: no close yet.
     EXPECT_TRUE(f.screens.shown.isEmpty());
     EXPECT_FALSE(f.watcher.warning());
-}
 
-TEST(Inactivity, LimitOfFiveOrBelowWarnsAtOnce) {
-    Frame f;
-    f.run.timeout_seconds = 5;
-    f.run.last_activity = 1000;
-    f.at(1000);
-    f.watcher.tick({0, 0});
-    EXPECT_TRUE(f.closing.isEmpty());
-    f.at(1000.1);
-    f.watcher.tick({0, 0});
-    EXPECT_EQ(f.closing.size(), 1);
-
-    // Below five the test holds even with no time gone by.
-    Frame g;
-    g.run.timeout_seconds = 3;
-    g.at(2000);
-    g.watcher.tick({0, 0});
-    g.watcher.tick({1, 0});  // the move itself sets last_activity = 2000
-    EXPECT_EQ(g.closing.size(), 2);
+    // A limit of five warns after any time; below five even with none gone by.
+    Frame five;
+    five.run.timeout_seconds = 5;
+    five.run.last_activity = 1000;
+    five.tick(1000, {0, 0});
+    EXPECT_TRUE(five.closing.isEmpty());
+    five.tick(1000.1, {0, 0});
+    EXPECT_EQ(five.closing.size(), 1);
+    Frame three;
+    three.run.timeout_seconds = 3;
+    three.tick(2000, {0, 0});
+    three.watcher.tick({1, 0});  // the move itself sets last_activity = 2000
+    EXPECT_EQ(three.closing.size(), 2);
 }
 
 TEST(Inactivity, CloseUnloadsAllButStartupAndShowsTheTopMenu) {
     Frame f;
-    for (const QString& s : {screen::punte_mnu, screen::punte_menu2, screen::pboek_inlees, screen::sk0_floating})
-        f.screens.show(s);
-    f.screens.shown.clear();
+    f.show({screen::punte_mnu, screen::punte_menu2, screen::pboek_inlees, screen::sk0_floating});
     f.run.last_activity = 1000;
     f.during_warning = [&] { f.at(1300.6); };  // the five seconds of the warning
-    f.at(1295.6);
-    f.watcher.tick({7, 7});
+    f.tick(1295.6, {7, 7});
     f.watcher.tick({7, 7});
     ASSERT_EQ(f.closing.size(), 1);
     // Dialogs waiting on the user go first: nothing is unloaded under one.
@@ -144,32 +129,33 @@ TEST(Inactivity, CloseUnloadsAllButStartupAndShowsTheTopMenu) {
     // Watching goes on: the next close comes a whole limit later.
     f.during_warning = nullptr;
     f.screens.unloaded.clear();
-    f.at(1400);
-    f.watcher.tick({7, 7});
+    f.tick(1400, {7, 7});
     EXPECT_EQ(f.closing.size(), 1);
     EXPECT_TRUE(f.screens.unloaded.isEmpty());
+
+    // Long past the limit the close follows the warning at once.
+    Frame late;
+    late.show({screen::punte_menu1});
+    late.run.last_activity = 100;
+    late.tick(5000, {0, 0});
+    EXPECT_EQ(late.closing.size(), 1);
+    EXPECT_EQ(late.screens.loaded(), QStringList({screen::startup, screen::punte_mnu}));
+    EXPECT_EQ(late.run.last_activity, 5000);
 }
 
 TEST(Inactivity, MouseMoveDuringTheWarningPreventsTheClose) {
     Frame f;
-    f.screens.show(screen::punte_mnu);
-    f.screens.show(screen::punte_menu1);
-    f.screens.shown.clear();
+    f.show({screen::punte_mnu, screen::punte_menu1});
     f.run.last_activity = 1000;
     f.during_warning = [&] {
         // Ticks go on while the message counts down.
-        f.at(1297);
-        f.watcher.tick({3, 3});
+        f.tick(1297, {3, 3});
         EXPECT_TRUE(f.watcher.warning());
-        f.at(1298);
-        f.watcher.tick({4, 4});
-        f.at(1300.6);
-        f.watcher.tick({4, 4});
+        f.tick(1298, {4, 4});
+        f.tick(1300.6, {4, 4});
     };
-    f.at(1200);
-    f.watcher.tick({3, 3});
-    f.at(1295.6);
-    f.watcher.tick({3, 3});
+    f.tick(1200, {3, 3});
+    f.tick(1295.6, {3, 3});
     EXPECT_EQ(f.run.last_activity, 1298);
     // One warning only, and no close.
     EXPECT_EQ(f.dialogs.messages.size(), 1);
@@ -178,26 +164,10 @@ TEST(Inactivity, MouseMoveDuringTheWarningPreventsTheClose) {
     EXPECT_TRUE(f.screens.shown.isEmpty());
 }
 
-TEST(Inactivity, CloseFollowsTheWarningWhenTheLimitIsLongPast) {
-    Frame f;
-    f.screens.show(screen::punte_menu1);
-    f.run.last_activity = 100;
-    f.at(5000);
-    f.watcher.tick({0, 0});
-    EXPECT_EQ(f.closing.size(), 1);
-    EXPECT_EQ(f.screens.loaded(), QStringList({screen::startup, screen::punte_mnu}));
-    EXPECT_EQ(f.run.last_activity, 5000);
-}
-
 TEST(Inactivity, SleepsAfterMidnightUntilTheMouseMoves) {
     Frame f;
     f.run.last_activity = 86390;
-    f.at(86399);
-    f.watcher.tick({0, 0});
-    f.at(10);
-    f.watcher.tick({0, 0});
-    f.at(3600);
-    f.watcher.tick({0, 0});
+    for (double s : {86399, 10, 3600}) f.tick(s, {0, 0});
     EXPECT_TRUE(f.closing.isEmpty());
     f.watcher.tick({1, 0});
     EXPECT_EQ(f.run.last_activity, 3600);
@@ -207,35 +177,30 @@ TEST(ClosingMessage, SplitsTheMessageAtTheDollar) {
     TempDrive t;
     ClosingMessage m(t.run);
     m.load("Voor$Na", "", 3000);
-    EXPECT_EQ(m.lblMessage(0), "Voor");
-    EXPECT_EQ(m.lblMessage(1), "Na");
-    EXPECT_EQ(m.caption(), "VELDO-TALLY");
+    EXPECT_EQ(QStringList({m.lblMessage(0), m.lblMessage(1), m.caption()}), QStringList({"Voor", "Na", "VELDO-TALLY"}));
     EXPECT_EQ(t.run.countdown_ms, 3000);
     EXPECT_FALSE(m.image_visible());
     m.load("Alles in een", "TITEL", 2000, true);
-    EXPECT_EQ(m.lblMessage(0), "Alles in een");
-    EXPECT_EQ(m.lblMessage(1), "");
-    EXPECT_EQ(m.caption(), "TITEL");
+    EXPECT_EQ(QStringList({m.lblMessage(0), m.lblMessage(1), m.caption()}), QStringList({"Alles in een", "", "TITEL"}));
     EXPECT_TRUE(m.image_visible());
     m.tmr_label_tick();
-    EXPECT_EQ(m.lblMessage(0), "Alles in een");
-    EXPECT_EQ(m.lblMessage(1), "");
-    EXPECT_EQ(m.lblClose(), "1.9");
+    EXPECT_EQ(QStringList({m.lblMessage(0), m.lblMessage(1), m.lblClose()}), QStringList({"Alles in een", "", "1.9"}));
 }
 
-QStringList count_down(RunState& run, int ticks) {
+// The labels after each of `ticks` ticks of a five-second count, then the
+// two texts and the caption.
+QStringList count_down(RunState& run, int ticks, const QString& message = "", int duration_ms = 5000) {
     ClosingMessage m(run);
-    m.load("", "TIME-OUT", 5000);
+    m.load(message, "TIME-OUT", duration_ms);
     QStringList shown;
     for (int i = 0; i < ticks; ++i) {
         m.tmr_label_tick();
         shown << m.lblClose();
     }
-    shown << m.lblMessage(0) << m.lblMessage(1) << m.caption();
-    return shown;
+    return shown << m.lblMessage(0) << m.lblMessage(1) << m.caption();
 }
 
-TEST(ClosingMessage, CountsDownInTenthsInEnglish) {
+TEST(ClosingMessage, CountsDownInTenthsInEitherLanguage) {
     TempDrive t;
     const QStringList shown = count_down(t.run, 50);
     EXPECT_EQ(shown.mid(0, 11), QStringList({"4.9", "4.8", "4.7", "4.6", "4.5", "4.4", "4.3", "4.2", "4.1", "4", "3.9"}));
@@ -244,25 +209,11 @@ TEST(ClosingMessage, CountsDownInTenthsInEnglish) {
     EXPECT_EQ(shown.mid(41, 9), QStringList(9, QString()));
     EXPECT_EQ(t.run.countdown_ms, 900);
     EXPECT_EQ(shown.mid(50), QStringList({"System closing down in ", " seconds !", "TIME-OUT"}));
-}
-
-TEST(ClosingMessage, CountsDownInAfrikaans) {
-    TempDrive t;
+    // A blank message gets the default texts too.
+    EXPECT_EQ(count_down(t.run, 2, "   $ agter", 1000),
+              QStringList({"0.9", "", "System closing down in ", " seconds !", "TIME-OUT"}));
     t.run.language_afrikaans = true;
-    const QStringList shown = count_down(t.run, 2);
-    EXPECT_EQ(shown, QStringList({"4.9", "4.8", "Stelsel sluit oor ", " sekondes !", "TIME-OUT"}));
-}
-
-TEST(ClosingMessage, ABlankMessageGetsTheDefaultTexts) {
-    TempDrive t;
-    ClosingMessage m(t.run);
-    m.load("   $ agter", "", 1000);
-    m.tmr_label_tick();
-    EXPECT_EQ(m.lblMessage(0), "System closing down in ");
-    EXPECT_EQ(m.lblMessage(1), " seconds !");
-    EXPECT_EQ(m.lblClose(), "0.9");
-    m.tmr_label_tick();
-    EXPECT_EQ(m.lblClose(), "");
+    EXPECT_EQ(count_down(t.run, 2), QStringList({"4.9", "4.8", "Stelsel sluit oor ", " sekondes !", "TIME-OUT"}));
 }
 
 // The TIME-OUT button, reply by reply: the limit kept (a single), the file
@@ -290,7 +241,6 @@ TEST(TimeOut, TheButtonSetsTheLimitWritesItAndReadsItBack) {
     for (const Row& r : rows) {
         SCOPED_TRACE(r.why);
         Frame f;
-        f.run.language_afrikaans = false;
         if (r.reply) f.dialogs.inputs << r.reply;
         change_timeout(f.ctx);
         EXPECT_EQ(f.dialogs.prompts, QStringList({"TIME OUT IN MINUTES"}));
@@ -313,16 +263,6 @@ TEST(TimeOut, TheButtonSetsTheLimitWritesItAndReadsItBack) {
     change_timeout(af.ctx);
     EXPECT_EQ(af.dialogs.prompts, QStringList({"TYDSDUUR IN MINUTE"}));
     EXPECT_EQ(af.dialogs.texts(), QStringList({"TYDSDUUR VERANDER NA 2.5 MINUTE ..."}));
-}
-
-// A negative limit in the file, written by an older version or by hand,
-// counts as the default instead of locking the workstation.
-TEST(TimeOut, ANegativeLimitInTheFileIsTheDefault) {
-    Frame f;
-    testing::write_bytes(f.program + "/time_out.txt", "-60 \r\n");
-    EXPECT_EQ(read_timeout_seconds(f.program), 300);
-    testing::write_bytes(f.program + "/time_out.txt", " 0.6 \r\n");
-    EXPECT_EQ(read_timeout_seconds(f.program), 0.6f);
 }
 
 }  // namespace

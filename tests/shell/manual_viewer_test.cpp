@@ -12,7 +12,10 @@ using namespace veldo::testing;
 
 namespace {
 
-// Remembers the filter of the file picker, which the scripted service drops.
+const QByteArray kStamp = "#2026-11-23#\r\n";
+
+// Remembers where the file picker starts and its filter, which the scripted
+// service drops.
 struct FilterDialogs : ScriptedDialogs {
     QString open_filter, open_start;
     QString choose_open_file(const QString& title, const QString& start, const QString& filter) override {
@@ -22,25 +25,27 @@ struct FilterDialogs : ScriptedDialogs {
     }
 };
 
-struct ManualViewerTest : ::testing::Test {
+// A drive with <root>/VELDO-TALLY and <root>/veldo-leaflets.
+struct Shelf {
     TempDrive drive;
     FilterDialogs dialogs;
     FakeScreens screens;
     ShellContext ctx{drive.run, *drive.store, dialogs, screens, Clock{}};
     ManualViewer viewer{ctx};
-    QString root, program, leaflets;
+    QString root = drive.path("KESTRALIN");
+    QString program = root + "/VELDO-TALLY";
+    QString leaflets = root + "/veldo-leaflets";
 
-    ManualViewerTest() {
-        root = drive.path("KESTRALIN");
-        program = root + "/VELDO-TALLY";
-        leaflets = root + "/veldo-leaflets";
+    explicit Shelf(bool afrikaans = false) {
         drive.run.root_folder = root;
         drive.run.program_folder = program;
+        drive.run.language_afrikaans = afrikaans;
         QDir().mkpath(program);
         QDir().mkpath(leaflets);
     }
-    void put_manual(const QString& path) { write_bytes(path, "%PDF-1.4\n"); }
 };
+
+void put_manual(const QString& path) { write_bytes(path, "%PDF-1.4\n"); }
 
 // Runs a test in another current folder and goes back afterwards.
 struct CurrentFolder {
@@ -51,36 +56,32 @@ struct CurrentFolder {
 
 }  // namespace
 
-// The table of manuals.
-
 TEST(ManualViewerTable, CaptionsAndFilesInBothLanguages) {
-    const QStringList af_captions = {
-        "SKOOLBESONDERHEDE", "GESINSTELSEL (VELDO-KINDREDS)", "ASSESSERINGSTANDAARDE",
-        "SKOOLBYWONING", "GEDRAGSTELSEL", "BUITEMUURSE INLIGTING",
-        "VOORRAADSTELSEL (VELDO-SHELF)", "PERSONEELSTELSEL (VELDO-CREWS)",
-        "MEDIASTELSEL (VELDO-SCROL)", "KYKSTELSEL (VELDO-VIEWER)",
-        "RUGSTEUNSTELSEL (VELDO-VAULTS)", "PUNTE/PUNTEBOEKE (VELDO-TALLY)",
-        "LEERDERS - ADMINISTRATIEF", "LEERDERS - AKADEMIES", "ANA REGISTRASIES EN PUNTE"};
-    const QStringList en_captions = {
-        "SCHOOL DETAILS", "FAMILY SYSTEM (VELDO-KINDREDS)", "ASSESSMENT STANDARDS", "ATTENDANCE",
-        "MERITS/DEMERITS", "EXTRA-MURAL INFORMATION", "STOCK SYSTEM (VELDO-SHELF)",
-        "STAFF SYSTEM (VELDO-CREWS)", "MEDIA SYSTEM (VELDO-SCROL)", "BROWSE SYSTEM (VELDO-VIEWER)",
-        "BACKUP SYSTEM (VELDO-VAULTS)", "MARKS/MARK BOOKS (VELDO-TALLY)",
-        "LEARNERS - ADMINISTRATIVE", "LEARNERS - ACADEMIC", "ANA REGISTRATIONS AND MARKS"};
-    const QStringList af_files = {"skool_besonderhede", "gesinne", "assessering", "bywoning",
-                                  "gedrag", "buitemuurs", "voorraad", "personeel", "media_afr",
-                                  "browse_afr", "backup_afr", "m_marks_afr", "leerder_adm",
-                                  "leerder_akd", "ana inskrywings"};
-    const QStringList en_files = {"school_details", "families", "assessment", "attendance",
-                                  "code_conduct", "extra_mural", "stock", "staff", "media_eng",
-                                  "browse_eng", "backup_eng", "m_marks_eng", "learner_adm",
-                                  "learner_acd", "ana registrations"};
+    const struct {
+        const char *caption_af, *caption_en, *file_af, *file_en;
+    } rows[] = {
+        {"SKOOLBESONDERHEDE", "SCHOOL DETAILS", "skool_besonderhede", "school_details"},
+        {"GESINSTELSEL (VELDO-KINDREDS)", "FAMILY SYSTEM (VELDO-KINDREDS)", "gesinne", "families"},
+        {"ASSESSERINGSTANDAARDE", "ASSESSMENT STANDARDS", "assessering", "assessment"},
+        {"SKOOLBYWONING", "ATTENDANCE", "bywoning", "attendance"},
+        {"GEDRAGSTELSEL", "MERITS/DEMERITS", "gedrag", "code_conduct"},
+        {"BUITEMUURSE INLIGTING", "EXTRA-MURAL INFORMATION", "buitemuurs", "extra_mural"},
+        {"VOORRAADSTELSEL (VELDO-SHELF)", "STOCK SYSTEM (VELDO-SHELF)", "voorraad", "stock"},
+        {"PERSONEELSTELSEL (VELDO-CREWS)", "STAFF SYSTEM (VELDO-CREWS)", "personeel", "staff"},
+        {"MEDIASTELSEL (VELDO-SCROL)", "MEDIA SYSTEM (VELDO-SCROL)", "media_afr", "media_eng"},
+        {"KYKSTELSEL (VELDO-VIEWER)", "BROWSE SYSTEM (VELDO-VIEWER)", "browse_afr", "browse_eng"},
+        {"RUGSTEUNSTELSEL (VELDO-VAULTS)", "BACKUP SYSTEM (VELDO-VAULTS)", "backup_afr", "backup_eng"},
+        {"PUNTE/PUNTEBOEKE (VELDO-TALLY)", "MARKS/MARK BOOKS (VELDO-TALLY)", "m_marks_afr", "m_marks_eng"},
+        {"LEERDERS - ADMINISTRATIEF", "LEARNERS - ADMINISTRATIVE", "leerder_adm", "learner_adm"},
+        {"LEERDERS - AKADEMIES", "LEARNERS - ACADEMIC", "leerder_akd", "learner_acd"},
+        {"ANA REGISTRASIES EN PUNTE", "ANA REGISTRATIONS AND MARKS", "ana inskrywings", "ana registrations"},
+    };
     ASSERT_EQ(ManualViewer::kOptionCount, 15);
     for (int i = 1; i <= 15; ++i) {
-        EXPECT_EQ(ManualViewer::caption_for(i, true), af_captions[i - 1]) << i;
-        EXPECT_EQ(ManualViewer::caption_for(i, false), en_captions[i - 1]) << i;
-        EXPECT_EQ(ManualViewer::file_for(i, true), af_files[i - 1]) << i;
-        EXPECT_EQ(ManualViewer::file_for(i, false), en_files[i - 1]) << i;
+        EXPECT_EQ(ManualViewer::caption_for(i, true), rows[i - 1].caption_af) << i;
+        EXPECT_EQ(ManualViewer::caption_for(i, false), rows[i - 1].caption_en) << i;
+        EXPECT_EQ(ManualViewer::file_for(i, true), rows[i - 1].file_af) << i;
+        EXPECT_EQ(ManualViewer::file_for(i, false), rows[i - 1].file_en) << i;
     }
     EXPECT_EQ(ManualViewer::caption_for(0, false), "");
     EXPECT_EQ(ManualViewer::file_for(16, true), "");
@@ -94,255 +95,193 @@ TEST(ManualViewerStamp, PathTurnsPdfIntoDte) {
     EXPECT_EQ(ManualViewer::stamp_path_for("/r/readme.txt"), "");
 }
 
-// Load without a name: the list.
-
-TEST_F(ManualViewerTest, LoadWithoutNameShowsEnglishCaptionsAndStays) {
-    EXPECT_TRUE(viewer.load());
-    EXPECT_EQ(viewer.caption(1), "SCHOOL DETAILS");
-    EXPECT_EQ(viewer.caption(12), "MARKS/MARK BOOKS (VELDO-TALLY)");
-    EXPECT_EQ(viewer.caption(15), "ANA REGISTRATIONS AND MARKS");
-    for (int i = 1; i <= 15; ++i) EXPECT_FALSE(viewer.option_on(i));
-    EXPECT_TRUE(screens.documents.isEmpty());
-    EXPECT_TRUE(screens.unloaded.isEmpty());
-}
-
-TEST_F(ManualViewerTest, LoadWithoutNameShowsAfrikaansCaptions) {
-    drive.run.language_afrikaans = true;
-    EXPECT_TRUE(viewer.load());
-    EXPECT_EQ(viewer.caption(1), "SKOOLBESONDERHEDE");
-    EXPECT_EQ(viewer.caption(12), "PUNTE/PUNTEBOEKE (VELDO-TALLY)");
-    EXPECT_EQ(viewer.caption(15), "ANA REGISTRASIES EN PUNTE");
-}
-
-TEST_F(ManualViewerTest, BlankNameCountsAsNoName) {
-    drive.run.manual_file_name = "   ";
-    EXPECT_TRUE(viewer.load());
-    EXPECT_EQ(viewer.caption(2), "FAMILY SYSTEM (VELDO-KINDREDS)");
-    EXPECT_TRUE(screens.documents.isEmpty());
-}
-
-TEST_F(ManualViewerTest, LoadClearsMarkedOption) {
-    viewer.um_opsie_click(4);
-    viewer.load();
-    EXPECT_FALSE(viewer.option_on(4));
-}
-
-// Load with a name: open and go.
-
-TEST_F(ManualViewerTest, NamedManualOpensFromLeafletsAndFormGoes) {
-    drive.run.manual_file_name = "m_marks_eng.pdf";
-    put_manual(leaflets + "/m_marks_eng.pdf");
-    EXPECT_FALSE(viewer.load());
-    EXPECT_EQ(screens.documents, QStringList{leaflets + "/m_marks_eng.pdf"});
-    EXPECT_EQ(drive.run.manual_file_name, "");
-    EXPECT_EQ(read_bytes(leaflets + "/m_marks_eng.dte"), "#2026-11-23#\r\n");
-    // No captions for a form that never shows.
-    EXPECT_EQ(viewer.caption(1), "");
-}
-
-TEST_F(ManualViewerTest, NamedManualsOfBothMenusInBothLanguages) {
-    for (const char* name : {"m_marks_afr.pdf", "m_marks_eng.pdf", "m_punteboek.pdf", "m_markbook.pdf"}) {
-        put_manual(leaflets + "/" + name);
-        drive.run.manual_file_name = name;
-        EXPECT_FALSE(viewer.load());
+// Without a name (or a blank one) the list shows in the user's language and
+// the form stays; a marked option is cleared.
+TEST(ManualViewer, LoadWithoutNameShowsTheListAndStays) {
+    for (const bool afrikaans : {false, true}) {
+        for (const char* name : {"", "   "}) {
+            SCOPED_TRACE(std::string(afrikaans ? "af" : "en") + " '" + name + "'");
+            Shelf s(afrikaans);
+            s.drive.run.manual_file_name = name;
+            s.viewer.um_opsie_click(4);
+            EXPECT_TRUE(s.viewer.load());
+            for (int i = 1; i <= 15; ++i) {
+                EXPECT_EQ(s.viewer.caption(i), ManualViewer::caption_for(i, afrikaans)) << i;
+                EXPECT_FALSE(s.viewer.option_on(i)) << i;
+            }
+            EXPECT_TRUE(s.screens.documents.isEmpty());
+            EXPECT_TRUE(s.screens.unloaded.isEmpty());
+        }
     }
-    EXPECT_EQ(screens.documents,
-              (QStringList{leaflets + "/m_marks_afr.pdf", leaflets + "/m_marks_eng.pdf",
-                           leaflets + "/m_punteboek.pdf", leaflets + "/m_markbook.pdf"}));
-    EXPECT_EQ(read_bytes(leaflets + "/m_punteboek.dte"), "#2026-11-23#\r\n");
-    EXPECT_EQ(read_bytes(leaflets + "/m_markbook.dte"), "#2026-11-23#\r\n");
 }
 
-TEST_F(ManualViewerTest, NameIsTrimmedBeforeUse) {
-    drive.run.manual_file_name = "  m_markbook.pdf ";
-    put_manual(leaflets + "/m_markbook.pdf");
-    viewer.load();
-    EXPECT_EQ(screens.documents, QStringList{leaflets + "/m_markbook.pdf"});
+// With a name the manual opens (when it is there), the date is stamped beside
+// it whether or not, the name is used up and the form goes without captions.
+TEST(ManualViewer, NamedManualOpensAndTheFormGoes) {
+    const struct {
+        const char* name;
+        const char* file;  // below the drive
+        bool present;
+        const char* why;
+    } rows[] = {
+        {"m_marks_afr.pdf", "KESTRALIN/veldo-leaflets/m_marks_afr.pdf", false, "a missing manual only stamps"},
+        {"m_marks_eng.pdf", "KESTRALIN/veldo-leaflets/m_marks_eng.pdf", true, "the marks menu in English"},
+        {"m_punteboek.pdf", "KESTRALIN/veldo-leaflets/m_punteboek.pdf", true, "the mark book menu in Afrikaans"},
+        {"  m_markbook.pdf ", "KESTRALIN/veldo-leaflets/m_markbook.pdf", true, "the name is trimmed"},
+        {"news_2026.pdf", "KESTRALIN/VELDO-TALLY/news_2026.pdf", true, "news sheets lie beside the program"},
+        {"nuus_2026.pdf", "KESTRALIN/VELDO-TALLY/nuus_2026.pdf", true, "so do the Afrikaans ones"},
+        {nullptr, "elsewhere/nuus_handleiding.pdf", true, "a full path ignores the folder rules"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.why);
+        Shelf s;
+        const QString file = s.drive.path(r.file);
+        if (r.present) put_manual(file);
+        s.drive.run.manual_file_name = r.name ? QString(r.name) : file;
+        EXPECT_FALSE(s.viewer.load());
+        EXPECT_EQ(s.screens.documents, r.present ? QStringList{file} : QStringList{});
+        EXPECT_EQ(s.drive.run.manual_file_name, "");
+        EXPECT_EQ(read_bytes(file.chopped(4) + ".dte"), kStamp);
+        EXPECT_TRUE(s.dialogs.messages.isEmpty());
+        EXPECT_EQ(s.viewer.caption(1), "");
+    }
 }
 
-TEST_F(ManualViewerTest, FullPathIgnoresTheFolderRules) {
-    const QString elsewhere = drive.path("elsewhere/nuus_handleiding.pdf");
-    put_manual(elsewhere);
-    drive.run.manual_file_name = elsewhere;
-    EXPECT_FALSE(viewer.load());
-    EXPECT_EQ(screens.documents, QStringList{elsewhere});
-    EXPECT_EQ(read_bytes(drive.path("elsewhere/nuus_handleiding.dte")), "#2026-11-23#\r\n");
-}
-
-TEST_F(ManualViewerTest, NewsSheetsComeFromTheProgramFolder) {
-    put_manual(program + "/news_2026.pdf");
-    put_manual(program + "/nuus_2026.pdf");
-    drive.run.manual_file_name = "news_2026.pdf";
-    viewer.load();
-    drive.run.manual_file_name = "nuus_2026.pdf";
-    viewer.load();
-    EXPECT_EQ(screens.documents, (QStringList{program + "/news_2026.pdf", program + "/nuus_2026.pdf"}));
-    EXPECT_EQ(read_bytes(program + "/nuus_2026.dte"), "#2026-11-23#\r\n");
-}
-
-TEST_F(ManualViewerTest, PathRules) {
-    drive.run.root_folder = "/SKOOL/KESTRALIN";
-    drive.run.program_folder = "/SKOOL/KESTRALIN/VELDO-TALLY";
-    // A full path, or a drive of another machine, stands as it is.
-    EXPECT_EQ(viewer.manual_path_for("/elders/x.pdf"), "/elders/x.pdf");
-    EXPECT_EQ(viewer.manual_path_for("D:\\handleidings\\x.pdf"), "D:\\handleidings\\x.pdf");
-    // A name whose upper-case form holds the root folder stands as it is.
-    EXPECT_EQ(viewer.manual_path_for("net/skool/kestralin/x.pdf"), "net/skool/kestralin/x.pdf");
-    // News sheets lie beside the program.
-    EXPECT_EQ(viewer.manual_path_for("nuus.pdf"), "/SKOOL/KESTRALIN/VELDO-TALLY/nuus.pdf");
-    EXPECT_EQ(viewer.manual_path_for("news_jan.pdf"), "/SKOOL/KESTRALIN/VELDO-TALLY/news_jan.pdf");
-    // Everything else is a leaflet.
-    EXPECT_EQ(viewer.manual_path_for("m_marks_afr.pdf"), "/SKOOL/KESTRALIN/veldo-leaflets/m_marks_afr.pdf");
-    EXPECT_EQ(viewer.manual_path_for("ana inskrywings.pdf"),
-              "/SKOOL/KESTRALIN/veldo-leaflets/ana inskrywings.pdf");
-}
-
-TEST_F(ManualViewerTest, RootFolderIsMatchedAsItStands) {
+TEST(ManualViewer, PathRules) {
+    const struct {
+        const char *name, *path, *why;
+    } rows[] = {
+        {"/elders/x.pdf", "/elders/x.pdf", "a full path stands as it is"},
+        {"D:\\handleidings\\x.pdf", "D:\\handleidings\\x.pdf", "so does another machine's drive"},
+        {"net/skool/kestralin/x.pdf", "net/skool/kestralin/x.pdf", "a name whose upper-case form holds the root"},
+        {"nuus.pdf", "/SKOOL/KESTRALIN/VELDO-TALLY/nuus.pdf", "news sheets lie beside the program"},
+        {"news_jan.pdf", "/SKOOL/KESTRALIN/VELDO-TALLY/news_jan.pdf", "in both languages"},
+        {"m_marks_afr.pdf", "/SKOOL/KESTRALIN/veldo-leaflets/m_marks_afr.pdf", "everything else is a leaflet"},
+        {"ana inskrywings.pdf", "/SKOOL/KESTRALIN/veldo-leaflets/ana inskrywings.pdf", "a leaflet with a blank"},
+    };
+    Shelf s;
+    s.drive.run.root_folder = "/SKOOL/KESTRALIN";
+    s.drive.run.program_folder = "/SKOOL/KESTRALIN/VELDO-TALLY";
+    for (const auto& r : rows) EXPECT_EQ(s.viewer.manual_path_for(r.name), r.path) << r.why;
     // The test is on the upper-case name: a lower-case root never matches.
-    drive.run.root_folder = "/skool";
-    EXPECT_EQ(viewer.manual_path_for("a/skool/x.pdf"), "/skool/veldo-leaflets/a/skool/x.pdf");
+    s.drive.run.root_folder = "/skool";
+    EXPECT_EQ(s.viewer.manual_path_for("a/skool/x.pdf"), "/skool/veldo-leaflets/a/skool/x.pdf");
 }
 
-TEST_F(ManualViewerTest, MissingManualOpensNothingButStampsTheDate) {
-    drive.run.manual_file_name = "m_marks_afr.pdf";
-    EXPECT_FALSE(viewer.load());
-    EXPECT_TRUE(screens.documents.isEmpty());
-    EXPECT_TRUE(dialogs.messages.isEmpty());
-    EXPECT_EQ(read_bytes(leaflets + "/m_marks_afr.dte"), "#2026-11-23#\r\n");
-    EXPECT_EQ(drive.run.manual_file_name, "");
+TEST(ManualViewer, StampThatCannotBeWrittenIsReported) {
+    Shelf s;
+    QDir(s.leaflets).removeRecursively();
+    s.drive.run.manual_file_name = "m_marks_afr.pdf";
+    EXPECT_FALSE(s.viewer.load());
+    EXPECT_TRUE(s.screens.documents.isEmpty());
+    ASSERT_EQ(s.dialogs.messages.size(), 1);
+    EXPECT_EQ(s.dialogs.messages[0].icon, MsgIcon::Critical);
+    EXPECT_FALSE(QFile::exists(s.leaflets));
 }
 
-TEST_F(ManualViewerTest, StampThatCannotBeWrittenIsReported) {
-    QDir(leaflets).removeRecursively();
-    drive.run.manual_file_name = "m_marks_afr.pdf";
-    EXPECT_FALSE(viewer.load());
-    EXPECT_TRUE(screens.documents.isEmpty());
-    ASSERT_EQ(dialogs.messages.size(), 1);
-    EXPECT_EQ(dialogs.messages[0].icon, MsgIcon::Critical);
-    EXPECT_FALSE(QFile::exists(leaflets));
-}
-
-// The stamp.
-
-TEST_F(ManualViewerTest, StampIsRewrittenWithTheDateOfTheLastOpening) {
-    const QString manual = leaflets + "/gedrag.pdf";
+// The stamp holds the date of the last opening only, beside a manual of
+// either case; the manual itself is untouched.
+TEST(ManualViewer, StampIsRewrittenBesideTheManual) {
+    Shelf s;
+    const QString manual = s.leaflets + "/gedrag.pdf", upper = s.leaflets + "/STOCK.PDF";
     put_manual(manual);
-    write_bytes(leaflets + "/gedrag.dte", "#2025-01-02#\r\nold second line\r\n");
-    drive.run.today = QDate(2027, 2, 5);
-    viewer.open_manual(manual);
-    EXPECT_EQ(read_bytes(leaflets + "/gedrag.dte"), "#2027-02-05#\r\n");
-    // The manual itself is untouched.
+    put_manual(upper);
+    write_bytes(s.leaflets + "/gedrag.dte", "#2025-01-02#\r\nold second line\r\n");
+    s.drive.run.today = QDate(2027, 2, 5);
+    s.viewer.open_manual(manual);
+    EXPECT_EQ(read_bytes(s.leaflets + "/gedrag.dte"), "#2027-02-05#\r\n");
+    s.drive.run.today = QDate(2026, 11, 23);
+    s.viewer.open_manual(upper);
+    EXPECT_EQ(read_bytes(s.leaflets + "/STOCK.dte"), kStamp);
+    EXPECT_EQ(s.screens.documents, (QStringList{manual, upper}));
     EXPECT_EQ(read_bytes(manual), "%PDF-1.4\n");
+    EXPECT_EQ(read_bytes(upper), "%PDF-1.4\n");
 }
 
-TEST_F(ManualViewerTest, UpperCaseExtensionGetsStampBeside) {
-    const QString manual = leaflets + "/STOCK.PDF";
-    put_manual(manual);
-    viewer.open_manual(manual);
-    EXPECT_EQ(screens.documents, QStringList{manual});
-    EXPECT_EQ(read_bytes(leaflets + "/STOCK.dte"), "#2026-11-23#\r\n");
-    EXPECT_EQ(read_bytes(manual), "%PDF-1.4\n");
+// Manuals come as asked, in upper case or in title case; the viewer gets the
+// path as it was asked for. A folder of the name is no manual.
+TEST(ManualViewer, ThreeSpellingsAreFound) {
+    const struct {
+        const char *on_disk, *asked;
+        bool opens;
+    } rows[] = {
+        {"M_MARKS_AFR.PDF", "m_marks_afr.pdf", true},
+        {"Leerder_Adm.pdf", "leerder_adm.pdf", true},
+        {"lEERDER_adm.pdf", "leerder_adm.pdf", false},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.on_disk);
+        Shelf s;
+        CurrentFolder here(s.leaflets);
+        put_manual(s.leaflets + "/" + r.on_disk);
+        s.viewer.open_manual(r.asked);
+        EXPECT_EQ(s.screens.documents, r.opens ? QStringList{r.asked} : QStringList{});
+        EXPECT_EQ(read_bytes(s.leaflets + "/" + QString(r.asked).chopped(4) + ".dte"), kStamp);
+    }
+    Shelf s;
+    QDir().mkpath(s.leaflets + "/staff.pdf");
+    s.viewer.open_manual(s.leaflets + "/staff.pdf");
+    EXPECT_TRUE(s.screens.documents.isEmpty());
 }
 
-// The three spellings.
-
-TEST_F(ManualViewerTest, UpperCaseSpellingAloneIsEnoughAndPathIsOpenedAsGiven) {
-    CurrentFolder here(leaflets);
-    put_manual(leaflets + "/M_MARKS_AFR.PDF");
-    viewer.open_manual("m_marks_afr.pdf");
-    EXPECT_EQ(screens.documents, QStringList{"m_marks_afr.pdf"});
+TEST(ManualViewer, OptionsAreExclusiveAndExitUnloads) {
+    Shelf s;
+    s.viewer.load();
+    s.viewer.um_opsie_click(3);
+    s.viewer.um_opsie_click(9);
+    EXPECT_FALSE(s.viewer.option_on(3));
+    EXPECT_TRUE(s.viewer.option_on(9));
+    s.viewer.um_opsie_click(0);
+    s.viewer.um_opsie_click(16);
+    EXPECT_TRUE(s.viewer.option_on(9));
+    s.viewer.pdf_exit();
+    EXPECT_EQ(s.screens.unloaded, QStringList{screen::acrobat_interface});
 }
 
-TEST_F(ManualViewerTest, TitleCaseSpellingAloneIsEnough) {
-    CurrentFolder here(leaflets);
-    put_manual(leaflets + "/Leerder_Adm.pdf");
-    viewer.open_manual("leerder_adm.pdf");
-    EXPECT_EQ(screens.documents, QStringList{"leerder_adm.pdf"});
+// OK opens the marked manual in the user's language from the leaflets and
+// the form stays; with nothing marked nothing opens and nothing is stamped.
+TEST(ManualViewer, OkOpensTheMarkedManual) {
+    const struct {
+        bool afrikaans;
+        int option;
+        const char* file;
+        bool present;
+    } rows[] = {
+        {false, 12, "m_marks_eng", true},
+        {true, 15, "ana inskrywings", true},
+        {false, 5, "code_conduct", false},
+        {false, 0, nullptr, false},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.option);
+        Shelf s(r.afrikaans);
+        s.viewer.load();
+        const QString manual = r.file ? s.leaflets + "/" + r.file + ".pdf" : QString();
+        if (r.present) put_manual(manual);
+        s.viewer.um_opsie_click(r.option);
+        s.viewer.pdf_ok();
+        EXPECT_EQ(s.screens.documents, r.present ? QStringList{manual} : QStringList{});
+        if (r.file)
+            EXPECT_EQ(read_bytes(s.leaflets + "/" + r.file + ".dte"), kStamp);
+        else
+            EXPECT_EQ(QDir(s.leaflets).entryList(QDir::Files), QStringList{});
+        EXPECT_FALSE(s.viewer.option_on(r.option));
+        EXPECT_TRUE(s.dialogs.messages.isEmpty());
+        EXPECT_TRUE(s.screens.unloaded.isEmpty());
+    }
 }
 
-TEST_F(ManualViewerTest, OtherSpellingsAreNotFound) {
-    CurrentFolder here(leaflets);
-    put_manual(leaflets + "/lEERDER_adm.pdf");
-    viewer.open_manual("leerder_adm.pdf");
-    EXPECT_TRUE(screens.documents.isEmpty());
-    EXPECT_EQ(read_bytes(leaflets + "/leerder_adm.dte"), "#2026-11-23#\r\n");
-}
-
-TEST_F(ManualViewerTest, FolderOfTheNameIsNoManual) {
-    QDir().mkpath(leaflets + "/staff.pdf");
-    viewer.open_manual(leaflets + "/staff.pdf");
-    EXPECT_TRUE(screens.documents.isEmpty());
-}
-
-// The list.
-
-TEST_F(ManualViewerTest, OptionsAreExclusive) {
-    viewer.load();
-    viewer.um_opsie_click(3);
-    viewer.um_opsie_click(9);
-    EXPECT_FALSE(viewer.option_on(3));
-    EXPECT_TRUE(viewer.option_on(9));
-    viewer.um_opsie_click(0);
-    viewer.um_opsie_click(16);
-    EXPECT_TRUE(viewer.option_on(9));
-}
-
-TEST_F(ManualViewerTest, OkOpensTheMarkedManualInEnglishAndStays) {
-    viewer.load();
-    put_manual(leaflets + "/m_marks_eng.pdf");
-    viewer.um_opsie_click(12);
-    viewer.pdf_ok();
-    EXPECT_EQ(screens.documents, QStringList{leaflets + "/m_marks_eng.pdf"});
-    EXPECT_EQ(read_bytes(leaflets + "/m_marks_eng.dte"), "#2026-11-23#\r\n");
-    EXPECT_FALSE(viewer.option_on(12));
-    EXPECT_TRUE(screens.unloaded.isEmpty());
-}
-
-TEST_F(ManualViewerTest, OkOpensTheMarkedManualInAfrikaans) {
-    drive.run.language_afrikaans = true;
-    viewer.load();
-    put_manual(leaflets + "/ana inskrywings.pdf");
-    viewer.um_opsie_click(15);
-    viewer.pdf_ok();
-    EXPECT_EQ(screens.documents, QStringList{leaflets + "/ana inskrywings.pdf"});
-    EXPECT_EQ(read_bytes(leaflets + "/ana inskrywings.dte"), "#2026-11-23#\r\n");
-}
-
-TEST_F(ManualViewerTest, OkOnMissingManualOnlyStamps) {
-    viewer.load();
-    viewer.um_opsie_click(5);
-    viewer.pdf_ok();
-    EXPECT_TRUE(screens.documents.isEmpty());
-    EXPECT_EQ(read_bytes(leaflets + "/code_conduct.dte"), "#2026-11-23#\r\n");
-}
-
-TEST_F(ManualViewerTest, OkWithNothingMarkedOpensNothing) {
-    viewer.load();
-    viewer.pdf_ok();
-    EXPECT_TRUE(screens.documents.isEmpty());
-    EXPECT_TRUE(dialogs.messages.isEmpty());
-    EXPECT_EQ(QDir(leaflets).entryList(QDir::Files), QStringList{});
-}
-
-TEST_F(ManualViewerTest, BrowseOpensChosenPdfWithoutStamp) {
-    const QString chosen = drive.path("own/verslag.pdf");
+// Browsing opens a chosen PDF that exists, without a stamp; a missing file
+// or a cancel opens nothing.
+TEST(ManualViewer, BrowseOpensAChosenPdf) {
+    Shelf s;
+    const QString chosen = s.drive.path("own/verslag.pdf");
     put_manual(chosen);
-    dialogs.files.enqueue(chosen);
-    viewer.pdf_soek();
-    EXPECT_EQ(dialogs.open_filter, "*.pdf");
-    EXPECT_EQ(screens.documents, QStringList{chosen});
-    EXPECT_FALSE(QFile::exists(drive.path("own/verslag.dte")));
-}
-
-TEST_F(ManualViewerTest, BrowseToMissingFileOrCancelOpensNothing) {
-    dialogs.files.enqueue(drive.path("own/weg.pdf"));
-    viewer.pdf_soek();
-    viewer.pdf_soek();  // cancelled
-    EXPECT_TRUE(screens.documents.isEmpty());
-    EXPECT_TRUE(dialogs.messages.isEmpty());
-}
-
-TEST_F(ManualViewerTest, ExitUnloadsTheForm) {
-    viewer.pdf_exit();
-    EXPECT_EQ(screens.unloaded, QStringList{screen::acrobat_interface});
+    s.dialogs.files << chosen << s.drive.path("own/weg.pdf");
+    for (int i = 0; i < 3; ++i) s.viewer.pdf_soek();
+    EXPECT_EQ(s.dialogs.open_filter, "*.pdf");
+    EXPECT_EQ(s.dialogs.open_start, s.leaflets + "/");
+    EXPECT_EQ(s.screens.documents, QStringList{chosen});
+    EXPECT_FALSE(QFile::exists(s.drive.path("own/verslag.dte")));
+    EXPECT_TRUE(s.dialogs.messages.isEmpty());
 }

@@ -2,6 +2,8 @@
 // right-click flow that sets a password, and the prompt that guards an entry.
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "shell/passwords.h"
 #include "shell/screens.h"
 #include "tests/support/fake_screens.h"
@@ -28,9 +30,6 @@ struct PasswordDrive : TempDrive {
         run.program_folder = program;
     }
     QString file() const { return program + "/veldo-house-passwords.txt"; }
-    bool set(const QString& prefix, int index, const QString& caption = "PUNTEBOEK") {
-        return set_entry_password(ctx, lists, prefix, index, caption);
-    }
 };
 
 // What the file holds for a text: each byte 128 up.
@@ -40,15 +39,13 @@ QByteArray scrambled(const QByteArray& clear) {
     return out;
 }
 
-QByteArray quoted(const QByteArray& item) { return '"' + item + '"'; }
-
-QByteArray system_line(const QByteArray& password = "$ecure$key") { return quoted(scrambled(password)) + "\r\n"; }
+QByteArray system_line(const QByteArray& password = "$ecure$key") { return '"' + scrambled(password) + "\"\r\n"; }
 
 QByteArray row_line(const QByteArray& key, const QByteArray& password) {
-    return quoted(key) + ',' + quoted(scrambled(password)) + "\r\n";
+    return '"' + key + "\",\"" + scrambled(password) + "\"\r\n";
 }
 
-TEST(PasswordScramble, MovesEachCodeByOneHundredAndTwentyEight) {
+TEST(PasswordScramble, MovesEachCodeByOneHundredAndTwentyEightOrFails) {
     const auto s = scramble_text("$ecure$key");
     ASSERT_TRUE(s.has_value());
     EXPECT_EQ(cp1252::encode(*s), scrambled("$ecure$key"));
@@ -60,199 +57,135 @@ TEST(PasswordScramble, MovesEachCodeByOneHundredAndTwentyEight) {
     QString all;
     for (int c = 0; c < 128; ++c) all.append(QChar(c));
     EXPECT_EQ(unscramble_text(*scramble_text(all)), all);
-}
+    EXPECT_EQ(scramble_text(""), QString(""));
 
-TEST(PasswordScramble, FailsOnCharactersThatCannotMove) {
     EXPECT_FALSE(scramble_text(QString::fromUtf8("café")).has_value());
-    EXPECT_FALSE(scramble_text(QString::fromUtf8("€")).has_value());     // 0x80
+    EXPECT_FALSE(scramble_text(QString::fromUtf8("€")).has_value());       // 0x80
     EXPECT_FALSE(scramble_text(QString::fromUtf8("\u4e2d")).has_value());  // not on the page
     EXPECT_FALSE(unscramble_text("abc").has_value());
-    EXPECT_EQ(scramble_text(""), QString(""));
 }
 
-TEST(PasswordFile, FirstUseWithoutTheFileAcceptsTheBuiltInPassword) {
-    PasswordDrive t;
-    t.dialogs.inputs << "$ecure$key" << "geheim" << "geheim";
-    EXPECT_TRUE(t.set("MARKS_MENU:", 2));
-    EXPECT_EQ(t.dialogs.prompts, QStringList({"SYSTEM PASSWORD", "PASSWORD FOR \nPUNTEBOEK",
-                                              "CONFIRM PASSWORD FOR \nPUNTEBOEK"}));
-    EXPECT_EQ(t.dialogs.beeps, 1);
-    EXPECT_TRUE(t.dialogs.messages.isEmpty());
-    EXPECT_EQ(read_bytes(t.file()), system_line() + row_line("MARKS_MENU:2", "geheim"));
-    EXPECT_EQ(t.lists.keys, QStringList({"MARKS_MENU:2"}));
-    EXPECT_EQ(t.lists.passwords, QStringList({"geheim"}));
-    EXPECT_TRUE(entry_is_protected(t.lists, "MARKS_MENU:2"));
+// The right click on an entry, reply by reply. The lists hold a stale row
+// before: the step starts again from the file, so it never doubles rows.
+TEST(PasswordFile, SettingAPasswordAsksChecksAndRewritesTheFile) {
+    const QByteArray baas = system_line("baas") + row_line("MARKS_MENU:1", "een");
+    const QByteArray house = system_line("baas") + row_line("HOUSE_MENU:4", "ander");
+    const struct {
+        std::optional<QByteArray> before;  // nullopt: no file
+        QString key;                       // prefix and index
+        QStringList replies;
+        bool set;
+        int beeps;
+        std::optional<QByteArray> after;
+        const char* system;
+        QStringList keys, passwords;
+        const char* why;
+    } rows[] = {
+        {std::nullopt, "MARKS_MENU:2", {"$ecure$key", "geheim", "geheim"}, true, 1,
+         system_line() + row_line("MARKS_MENU:2", "geheim"), "$ecure$key", {"MARKS_MENU:2"}, {"geheim"},
+         "first use without the file accepts the built-in password"},
+        {std::nullopt, "MARKS_MENU:1", {"verkeerd"}, false, 1, system_line(), "$ecure$key", {}, {},
+         "first use with a wrong reply leaves the one-line file"},
+        {baas, "MARKS_MENU:2", {"BAAS"}, false, 1, baas, "baas", {"MARKS_MENU:1"}, {"een"},
+         "the stored form is lower case and the test is exact"},
+        {baas, "MARKS_MENU:2", {"baas "}, false, 1, baas, "baas", {"MARKS_MENU:1"}, {"een"}, "not trimmed"},
+        {baas, "MARKS_MENU:2", {"$ecure$key"}, false, 1, baas, "baas", {"MARKS_MENU:1"}, {"een"},
+         "the built-in password no longer counts"},
+        {std::nullopt, "MARKS_MENU:1", {"   "}, false, 0, std::nullopt, "", {"STALE:1"}, {"oud"},
+         "a blank reply ends silently"},
+        {system_line() + row_line("MARKS_MENU:1", "een") + row_line("MARKS2_MENU:3", "drie"), "MARKS1_MENU:2",
+         {"$ecure$key", "twee", "twee"}, true, 1,
+         system_line() + row_line("MARKS_MENU:1", "een") + row_line("MARKS2_MENU:3", "drie") +
+             row_line("MARKS1_MENU:2", "twee"),
+         "$ecure$key", {"MARKS_MENU:1", "MARKS2_MENU:3", "MARKS1_MENU:2"}, {"een", "drie", "twee"},
+         "a new row goes last"},
+        {house + row_line("MARKS2_MENU:2", "oud") + row_line("MARKS_MENU:1", "een"), "MARKS2_MENU:2",
+         {"baas", "Nuut", "Nuut"}, true, 1,
+         house + row_line("MARKS2_MENU:2", "nuut") + row_line("MARKS_MENU:1", "een"), "baas",
+         {"HOUSE_MENU:4", "MARKS2_MENU:2", "MARKS_MENU:1"}, {"ander", "Nuut", "een"},
+         "other rows are kept and the row replaced in place, lower-cased in the file only"},
+        {system_line() + row_line("MARKS_MENU:2", "geheim"), "MARKS_MENU:2", {"$ecure$key", "   ", ""}, true, 1,
+         system_line() + "\"MARKS_MENU:2\",\"\xA0\xA0\xA0\"\r\n", "$ecure$key", {"MARKS_MENU:2"}, {"   "},
+         "a blank password keeps its row"},
+        {system_line(), "MARKS_MENU:1", {"$ecure$key", "een", "twee"}, false, 1, system_line(), "$ecure$key", {}, {},
+         "replies that differ beep and stop"},
+        {std::nullopt, "MARKS_MENU:1", {"$ecure$key", " abc", "abc "}, true, 1,
+         system_line() + row_line("MARKS_MENU:1", " abc"), "$ecure$key", {"MARKS_MENU:1"}, {" abc"},
+         "replies are compared trimmed and stored as typed"},
+        {baas, "MARKS_MENU:2", {"baas", QString::fromUtf8("café"), QString::fromUtf8("café")}, false, 0, baas, "baas",
+         {"MARKS_MENU:1"}, {"een"}, "an accented password ends the step silently"},
+    };
+    const QStringList prompts{"SYSTEM PASSWORD", "PASSWORD FOR \nPUNTEBOEK", "CONFIRM PASSWORD FOR \nPUNTEBOEK"};
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.why);
+        PasswordDrive t;
+        if (r.before) write_bytes(t.file(), *r.before);
+        t.lists.keys << "STALE:1";
+        t.lists.passwords << "oud";
+        t.dialogs.inputs << r.replies;
+        EXPECT_EQ(set_entry_password(t.ctx, t.lists, r.key.chopped(1), r.key.right(1).toInt(), "PUNTEBOEK"), r.set);
+        EXPECT_EQ(t.dialogs.prompts, prompts.mid(0, r.replies.size()));
+        EXPECT_EQ(t.dialogs.beeps, r.beeps);
+        EXPECT_TRUE(t.dialogs.messages.isEmpty());
+        if (r.after)
+            EXPECT_EQ(read_bytes(t.file()), *r.after);
+        else
+            EXPECT_FALSE(QFileInfo::exists(t.file()));
+        EXPECT_EQ(t.run.system_password, r.system);
+        EXPECT_EQ(t.lists.keys, r.keys);
+        EXPECT_EQ(t.lists.passwords, r.passwords);
+        const auto row = r.keys.indexOf(r.key);
+        EXPECT_EQ(entry_is_protected(t.lists, r.key), row >= 0 && !r.passwords[row].trimmed().isEmpty());
+    }
 }
 
-TEST(PasswordFile, PromptsInAfrikaans) {
+TEST(PasswordFile, PromptsInAfrikaansAndAFileOfAnyCase) {
     PasswordDrive t;
     t.run.language_afrikaans = true;
-    t.dialogs.inputs << "$ecure$key" << "x" << "x";
-    EXPECT_TRUE(t.set("MARKS1_MENU:", 1, "INLEES PUNTE"));
-    EXPECT_EQ(t.dialogs.prompts, QStringList({"STELSEL WAGWOORD", "WAGWOORD VIR \nINLEES PUNTE",
-                                              "BEVESTIG WAGWOORD VIR \nINLEES PUNTE"}));
-}
-
-TEST(PasswordFile, FirstUseWithAWrongReplyLeavesTheOneLineFile) {
-    PasswordDrive t;
-    t.dialogs.inputs << "verkeerd";
-    EXPECT_FALSE(t.set("MARKS_MENU:", 1));
-    EXPECT_EQ(t.dialogs.beeps, 1);
-    EXPECT_EQ(t.dialogs.prompts.size(), 1);
-    EXPECT_EQ(read_bytes(t.file()), system_line());
-}
-
-TEST(PasswordFile, WrongSystemPasswordBeepsAndWritesNothing) {
-    PasswordDrive t;
-    const QByteArray before = system_line("baas") + row_line("MARKS_MENU:1", "een");
-    write_bytes(t.file(), before);
-    // The stored form is lower case, and the test is exact.
-    for (const QString reply : {"BAAS", "baas ", "$ecure$key"}) {
-        t.dialogs.inputs << reply;
-        EXPECT_FALSE(t.set("MARKS_MENU:", 2));
-    }
-    EXPECT_EQ(t.dialogs.beeps, 3);
-    EXPECT_EQ(t.dialogs.prompts.size(), 3);
-    EXPECT_TRUE(t.dialogs.messages.isEmpty());
-    EXPECT_EQ(read_bytes(t.file()), before);
-    // The lists were read afresh from the file.
-    EXPECT_EQ(t.lists.keys, QStringList({"MARKS_MENU:1"}));
-    EXPECT_EQ(t.run.system_password, "baas");
-}
-
-TEST(PasswordFile, BlankReplyEndsSilently) {
-    PasswordDrive t;
-    t.lists.keys << "MARKS_MENU:1";
-    t.lists.passwords << "een";
-    t.dialogs.inputs << "   ";
-    EXPECT_FALSE(t.set("MARKS_MENU:", 1));
-    EXPECT_EQ(t.dialogs.beeps, 0);
-    EXPECT_FALSE(QFileInfo::exists(t.file()));
-    EXPECT_EQ(t.lists.size(), 1);
-}
-
-TEST(PasswordFile, ReloadDoesNotDoubleRows) {
-    PasswordDrive t;
-    write_bytes(t.file(), system_line() + row_line("MARKS_MENU:1", "een") + row_line("MARKS2_MENU:3", "drie"));
-    // Each menu load appends the file once more.
-    load_password_file(t.run, t.lists);
-    load_password_file(t.run, t.lists);
-    EXPECT_EQ(t.lists.size(), 4);
-    t.dialogs.inputs << "$ecure$key" << "twee" << "twee";
-    EXPECT_TRUE(t.set("MARKS1_MENU:", 2));
-    EXPECT_EQ(t.lists.keys, QStringList({"MARKS_MENU:1", "MARKS2_MENU:3", "MARKS1_MENU:2"}));
-    EXPECT_EQ(read_bytes(t.file()), system_line() + row_line("MARKS_MENU:1", "een") +
-                                        row_line("MARKS2_MENU:3", "drie") + row_line("MARKS1_MENU:2", "twee"));
-}
-
-TEST(PasswordFile, RewriteKeepsOtherRowsAndReplacesInPlace) {
-    PasswordDrive t;
-    write_bytes(t.file(), system_line("baas") + row_line("HOUSE_MENU:4", "ander") +
-                              row_line("MARKS2_MENU:2", "oud") + row_line("MARKS_MENU:1", "een"));
-    t.dialogs.inputs << "baas" << "Nuut" << "Nuut";
-    EXPECT_TRUE(t.set("MARKS2_MENU:", 2));
-    // Lower-cased in the file, as typed in the list until the next load.
-    EXPECT_EQ(read_bytes(t.file()), system_line("baas") + row_line("HOUSE_MENU:4", "ander") +
-                                        row_line("MARKS2_MENU:2", "nuut") + row_line("MARKS_MENU:1", "een"));
-    EXPECT_EQ(t.lists.password_of("MARKS2_MENU:2"), "Nuut");
-    EXPECT_EQ(t.dialogs.beeps, 1);
-}
-
-TEST(PasswordFile, BlankPasswordKeepsTheRowAndUnprotects) {
-    PasswordDrive t;
-    write_bytes(t.file(), system_line() + row_line("MARKS_MENU:2", "geheim"));
-    load_password_file(t.run, t.lists);
-    EXPECT_TRUE(entry_is_protected(t.lists, "MARKS_MENU:2"));
-    t.dialogs.inputs << "$ecure$key" << "   " << "";
-    EXPECT_TRUE(t.set("MARKS_MENU:", 2));
-    EXPECT_EQ(read_bytes(t.file()), system_line() + row_line("MARKS_MENU:2", "   "));
-    EXPECT_EQ(read_bytes(t.file()).right(7), QByteArray("\"\xA0\xA0\xA0\"\r\n"));
-    EXPECT_FALSE(entry_is_protected(t.lists, "MARKS_MENU:2"));
-    PasswordLists fresh;
-    load_password_file(t.run, fresh);
-    EXPECT_EQ(fresh.find("MARKS_MENU:2"), 0);
-    EXPECT_FALSE(entry_is_protected(fresh, "MARKS_MENU:2"));
-}
-
-TEST(PasswordFile, RepliesThatDifferBeepAndStop) {
-    PasswordDrive t;
-    write_bytes(t.file(), system_line());
-    t.dialogs.inputs << "$ecure$key" << "een" << "twee";
-    EXPECT_FALSE(t.set("MARKS_MENU:", 1));
-    EXPECT_EQ(t.dialogs.beeps, 1);
-    EXPECT_EQ(read_bytes(t.file()), system_line());
-    EXPECT_EQ(t.lists.size(), 0);
-}
-
-TEST(PasswordFile, RepliesAreComparedTrimmedAndStoredAsTyped) {
-    PasswordDrive t;
-    t.dialogs.inputs << "$ecure$key" << " abc" << "abc ";
-    EXPECT_TRUE(t.set("MARKS_MENU:", 1));
-    EXPECT_EQ(read_bytes(t.file()), system_line() + row_line("MARKS_MENU:1", " abc"));
-}
-
-TEST(PasswordFile, AnAccentedPasswordEndsTheStepSilently) {
-    PasswordDrive t;
-    write_bytes(t.file(), system_line() + row_line("MARKS_MENU:1", "een"));
-    t.dialogs.inputs << "$ecure$key" << QString::fromUtf8("café") << QString::fromUtf8("café");
-    EXPECT_FALSE(t.set("MARKS_MENU:", 2));
-    EXPECT_EQ(t.dialogs.beeps, 0);
-    EXPECT_TRUE(t.dialogs.messages.isEmpty());
-    EXPECT_EQ(read_bytes(t.file()), system_line() + row_line("MARKS_MENU:1", "een"));
-    EXPECT_EQ(t.lists.keys, QStringList({"MARKS_MENU:1"}));
-}
-
-TEST(PasswordFile, FoundWhateverTheCaseOfItsName) {
-    PasswordDrive t;
     const QString other = t.program + "/Veldo-House-Passwords.TXT";
     write_bytes(other, system_line("baas"));
     t.dialogs.inputs << "baas" << "x" << "x";
-    EXPECT_TRUE(t.set("MARKS_MENU:", 1));
-    EXPECT_EQ(read_bytes(other), system_line("baas") + row_line("MARKS_MENU:1", "x"));
+    EXPECT_TRUE(set_entry_password(t.ctx, t.lists, "MARKS1_MENU:", 1, "INLEES PUNTE"));
+    EXPECT_EQ(t.dialogs.prompts, QStringList({"STELSEL WAGWOORD", "WAGWOORD VIR \nINLEES PUNTE",
+                                              "BEVESTIG WAGWOORD VIR \nINLEES PUNTE"}));
+    EXPECT_EQ(read_bytes(other), system_line("baas") + row_line("MARKS1_MENU:1", "x"));
     EXPECT_FALSE(QFileInfo::exists(t.file()));
 }
 
+// Each load appends the file's rows once more; line 1 sets the system
+// password when it unscrambles.
 TEST(PasswordLoad, AppendsRowsAndSetsTheSystemPassword) {
-    PasswordDrive t;
-    t.run.system_password = "voor";
-    EXPECT_FALSE(load_password_file(t.run, t.lists));
-    EXPECT_EQ(t.run.system_password, "voor");
-    EXPECT_EQ(t.lists.size(), 0);
-
-    write_bytes(t.file(), system_line("baas") + row_line("MARKS_MENU:1", "een") + row_line("MARKS_MENU:1", "ander"));
-    EXPECT_TRUE(load_password_file(t.run, t.lists));
-    EXPECT_EQ(t.run.system_password, "baas");
-    EXPECT_EQ(t.lists.keys, QStringList({"MARKS_MENU:1", "MARKS_MENU:1"}));
-    EXPECT_EQ(t.lists.password_of("MARKS_MENU:1"), "een");  // the first row wins
-    EXPECT_EQ(t.lists.find("marks_menu:1"), -1);            // keys match exactly
-    load_password_file(t.run, t.lists);
-    EXPECT_EQ(t.lists.size(), 4);
+    const struct {
+        std::optional<QByteArray> bytes;
+        bool found;
+        const char* system;
+        QStringList keys, passwords;
+        const char* why;
+    } rows[] = {
+        {std::nullopt, false, "voor", {}, {}, "no file"},
+        {"", true, "voor", {}, {}, "an empty file changes nothing"},
+        {system_line("baas") + row_line("MARKS_MENU:1", "een") + row_line("MARKS_MENU:1", "ander"), true, "baas",
+         {"MARKS_MENU:1", "MARKS_MENU:1"}, {"een", "ander"}, "rows in file order, doubles too"},
+        // Line 1 in clear can't be unscrambled; a row in clear is left out
+        // whole, a line with one item too.
+        {QByteArray("\"plain\"\r\n") + row_line("MARKS_MENU:1", "een") +
+             "\"MARKS_MENU:2\",\"clear\"\r\n\"MARKS_MENU:3\"\r\n\r\n" + row_line("MARKS_MENU:4", "vier"),
+         true, "voor", {"MARKS_MENU:1", "MARKS_MENU:4"}, {"een", "vier"}, "bad lines are passed over"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.why);
+        PasswordDrive t;
+        t.run.system_password = "voor";
+        if (r.bytes) write_bytes(t.file(), *r.bytes);
+        EXPECT_EQ(load_password_file(t.run, t.lists), r.found);
+        EXPECT_EQ(load_password_file(t.run, t.lists), r.found);
+        EXPECT_EQ(t.run.system_password, r.system);
+        EXPECT_EQ(t.lists.keys, r.keys + r.keys);
+        EXPECT_EQ(t.lists.passwords, r.passwords + r.passwords);
+    }
 }
 
-TEST(PasswordLoad, PassesOverBadLines) {
-    PasswordDrive t;
-    t.run.system_password = "voor";
-    // Line 1 in clear can't be unscrambled; a row in clear is left out whole,
-    // a line with one item too.
-    write_bytes(t.file(), QByteArray("\"plain\"\r\n") + row_line("MARKS_MENU:1", "een") +
-                              "\"MARKS_MENU:2\",\"clear\"\r\n\"MARKS_MENU:3\"\r\n\r\n" +
-                              row_line("MARKS_MENU:4", "vier"));
-    EXPECT_TRUE(load_password_file(t.run, t.lists));
-    EXPECT_EQ(t.run.system_password, "voor");
-    EXPECT_EQ(t.lists.keys, QStringList({"MARKS_MENU:1", "MARKS_MENU:4"}));
-    EXPECT_EQ(t.lists.passwords, QStringList({"een", "vier"}));
-}
-
-TEST(PasswordLoad, EmptyFileChangesNothing) {
-    PasswordDrive t;
-    t.run.system_password = "voor";
-    write_bytes(t.file(), "");
-    EXPECT_TRUE(load_password_file(t.run, t.lists));
-    EXPECT_EQ(t.run.system_password, "voor");
-    EXPECT_EQ(t.lists.size(), 0);
-}
-
-TEST(PasswordAccess, ProtectedOnlyByANonBlankPasswordOfTheFirstRow) {
+TEST(PasswordAccess, TheFirstRowOfTheExactKeyProtectsWhenNotBlank) {
     PasswordLists lists;
     lists.keys << "MARKS_MENU:1" << "MARKS_MENU:2" << "MARKS_MENU:2" << "MARKS_MENU:3";
     lists.passwords << "een" << "  " << "twee" << "";
@@ -260,6 +193,9 @@ TEST(PasswordAccess, ProtectedOnlyByANonBlankPasswordOfTheFirstRow) {
     EXPECT_FALSE(entry_is_protected(lists, "MARKS_MENU:2"));
     EXPECT_FALSE(entry_is_protected(lists, "MARKS_MENU:3"));
     EXPECT_FALSE(entry_is_protected(lists, "MARKS_MENU:4"));
+    EXPECT_EQ(lists.password_of("MARKS_MENU:2"), "  ");
+    EXPECT_EQ(lists.password_of("MARKS_MENU:4"), "");
+    EXPECT_EQ(lists.find("marks_menu:1"), -1);
 }
 
 TEST(PasswordAccess, AnOpenEntryShowsNoPrompt) {

@@ -16,16 +16,22 @@ using testing::write_bytes;
 struct Install : TempDrive {
     QString root = path("Apps");
     QString program = path("Apps/VELDO-TALLY");
+    QString family = path("ProgramData/KESTRALIN");
     Install() { QDir().mkpath(program); }
 };
 
-TEST(TimeOut, IsThreeHundredSecondsWithoutTheFile) {
-    Install t;
-    EXPECT_EQ(read_timeout_seconds(t.program), 300);
-    write_bytes(t.program + "/time_out.txt", "600\r\n");
-    EXPECT_EQ(read_timeout_seconds(t.program), 600);
-    write_bytes(t.program + "/time_out.txt", "0\r\n");
-    EXPECT_EQ(read_timeout_seconds(t.program), 0);
+// A negative limit in the file, written by an older version or by hand,
+// counts as the default instead of locking the workstation.
+TEST(TimeOut, IsReadFromTheFileOrThreeHundredSeconds) {
+    const struct {
+        const char* file;  // nullptr: none
+        float seconds;
+    } rows[] = {{nullptr, 300}, {"600\r\n", 600}, {"0\r\n", 0}, {"-60 \r\n", 300}, {" 0.6 \r\n", 0.6f}};
+    for (const auto& r : rows) {
+        Install t;
+        if (r.file) write_bytes(t.program + "/time_out.txt", r.file);
+        EXPECT_EQ(read_timeout_seconds(t.program), r.seconds) << (r.file ? r.file : "none");
+    }
 }
 
 TEST(MachinePaths, FindTheProgramRootAndFamilyFolders) {
@@ -33,14 +39,12 @@ TEST(MachinePaths, FindTheProgramRootAndFamilyFolders) {
     refresh_machine_paths(t.run, t.program);
     EXPECT_EQ(t.run.program_folder, t.program);
     EXPECT_EQ(t.run.root_folder, t.root);
-    EXPECT_EQ(t.run.family_folder, t.path("ProgramData/KESTRALIN"));
-    EXPECT_EQ(t.run.product_folder, t.path("ProgramData/KESTRALIN/VELDO-TALLY"));
+    EXPECT_EQ(t.run.family_folder, t.family);
+    EXPECT_EQ(t.run.product_folder, t.family + "/VELDO-TALLY");
     EXPECT_TRUE(QFileInfo(t.run.product_folder).isDir());
     EXPECT_TRUE(QFileInfo(t.path("KESTRALIN")).isDir());
-}
 
-TEST(MachinePaths, AProgramInAnotherFolderKeepsItsOwnFolder) {
-    TempDrive t;
+    // A program in another folder keeps its own folder.
     const QString build = t.path("src/build");
     QDir().mkpath(build);
     refresh_machine_paths(t.run, build);
@@ -50,19 +54,22 @@ TEST(MachinePaths, AProgramInAnotherFolderKeepsItsOwnFolder) {
 
 TEST(FamilyFiles, OnlySharedTextAndNetworkFilesAreCopiedAndNoneOverwritten) {
     Install t;
-    write_bytes(t.root + "/VELDO-HOUSE/house.txt", "new");
-    write_bytes(t.root + "/VELDO-HOUSE/NETWORK.ini", "n");
-    write_bytes(t.root + "/VELDO-HOUSE/tool.exe.txt", "x");
-    write_bytes(t.root + "/VELDO-HOUSE/readme.md", "x");
-    write_bytes(t.root + "/VELDO-INSTAL/setup.txt", "installer");
-    write_bytes(t.path("ProgramData/KESTRALIN/setup.txt"), "kept");
+    for (const char* name : {"VELDO-HOUSE/house.txt", "VELDO-HOUSE/NETWORK.ini", "VELDO-HOUSE/tool.exe.txt",
+                             "VELDO-HOUSE/readme.md", "VELDO-INSTAL/setup.txt"})
+        write_bytes(t.root + "/" + name, name);
+    write_bytes(t.family + "/setup.txt", "kept");
+    QDir().mkpath(t.root + "/VELDO-VAULTS");
     refresh_machine_paths(t.run, t.program);
-    const QString house = t.path("ProgramData/KESTRALIN/VELDO-HOUSE");
-    EXPECT_EQ(read_bytes(house + "/house.txt"), "new");
+    const QString house = t.family + "/VELDO-HOUSE";
+    EXPECT_EQ(read_bytes(house + "/house.txt"), "VELDO-HOUSE/house.txt");
     EXPECT_TRUE(QFileInfo::exists(house + "/NETWORK.ini"));
     EXPECT_FALSE(QFileInfo::exists(house + "/tool.exe.txt"));
     EXPECT_FALSE(QFileInfo::exists(house + "/readme.md"));
-    EXPECT_EQ(read_bytes(t.path("ProgramData/KESTRALIN/setup.txt")), "kept");
+    EXPECT_EQ(read_bytes(t.family + "/setup.txt"), "kept");
+    // The backup program's path names hold eleven empty items.
+    QByteArray expected;
+    for (int i = 0; i < 11; ++i) expected += "\"\"\r\n";
+    EXPECT_EQ(read_bytes(t.family + "/VELDO-VAULTS/path_names.txt"), expected);
 
     // An existing sibling folder in the family is left alone.
     write_bytes(t.root + "/VELDO-HOUSE/later.txt", "later");
@@ -70,86 +77,74 @@ TEST(FamilyFiles, OnlySharedTextAndNetworkFilesAreCopiedAndNoneOverwritten) {
     EXPECT_FALSE(QFileInfo::exists(house + "/later.txt"));
 }
 
-TEST(FamilyFiles, PathNamesHoldElevenEmptyItems) {
-    Install t;
-    QDir().mkpath(t.root + "/VELDO-VAULTS");
-    refresh_machine_paths(t.run, t.program);
-    QByteArray expected;
-    for (int i = 0; i < 11; ++i) expected += "\"\"\r\n";
-    EXPECT_EQ(read_bytes(t.path("ProgramData/KESTRALIN/VELDO-VAULTS/path_names.txt")), expected);
-}
-
 TEST(VersionStamp, ListsTheFamilysProgramsOnceADay) {
     Install t;
     write_bytes(t.program + "/veldo-tally", "elf");
     write_bytes(t.root + "/VELDO-HOUSE/VELDO-HOUSE.EXE", "pe");
     refresh_machine_paths(t.run, t.program);
-    const QString family = t.path("ProgramData/KESTRALIN");
-    const QByteArray listing = read_bytes(family + "/Version_Numbers.txt");
+    const QString listing = t.family + "/Version_Numbers.txt", stamp = t.family + "/Version_Numbers.dte";
     const QString upper_root = t.root.toUpper();
-    EXPECT_EQ(QString::fromLatin1(listing),
+    EXPECT_EQ(QString::fromLatin1(read_bytes(listing)),
               "\"" + upper_root + "/VELDO-HOUSE/VELDO-HOUSE.EXE\",\"\"\r\n\"" + upper_root +
                   "/VELDO-TALLY/VELDO-TALLY.EXE\",\"" + program_version() + "\"\r\n");
-    EXPECT_EQ(read_bytes(family + "/Version_Numbers.dte"), "2026/11/23\r\n");
+    EXPECT_EQ(read_bytes(stamp), "2026/11/23\r\n");
 
-    // The same day: the listing stays as it is.
-    write_bytes(family + "/Version_Numbers.txt", "hand-made");
-    stamp_versions(t.run);
-    EXPECT_EQ(read_bytes(family + "/Version_Numbers.txt"), "hand-made");
-    // A stamp the date reader can't make out counts as today.
-    write_bytes(family + "/Version_Numbers.dte", "gibberish\r\n");
-    stamp_versions(t.run);
-    EXPECT_EQ(read_bytes(family + "/Version_Numbers.txt"), "hand-made");
-    // The next day the listing is made anew.
+    // The same day the listing stays as it is, also when the stamp can't be
+    // made out (it counts as today); the next day it is made anew.
+    write_bytes(listing, "hand-made");
+    for (const char* dte : {"2026/11/23\r\n", "gibberish\r\n"}) {
+        write_bytes(stamp, dte);
+        stamp_versions(t.run);
+        EXPECT_EQ(read_bytes(listing), "hand-made") << dte;
+    }
     t.run.today = QDate(2026, 11, 24);
-    write_bytes(family + "/Version_Numbers.dte", "2026/11/23\r\n");
+    write_bytes(stamp, "2026/11/23\r\n");
     stamp_versions(t.run);
-    EXPECT_NE(read_bytes(family + "/Version_Numbers.txt"), "hand-made");
-    EXPECT_EQ(read_bytes(family + "/Version_Numbers.dte"), "2026/11/24\r\n");
+    EXPECT_NE(read_bytes(listing), "hand-made");
+    EXPECT_EQ(read_bytes(stamp), "2026/11/24\r\n");
 }
 
+// The language is line 2 of the family's setup.txt, brought over from the
+// program folder when that holds one; a save rewrites line 2 only.
 TEST(SetupLanguage, IsReadFromLineTwoAndWrittenBackKeepingTheRest) {
+    const struct {
+        const char *program_copy, *family_copy;
+        bool before, after;
+        const char* why;
+    } rows[] = {
+        {nullptr, "\"HO\xebRSKOOL\",\"x\",12\r\n#TRUE#,\"keep\"\r\n\"line three\"\r\n", false, true, "line two"},
+        {nullptr, nullptr, false, false, "English without a file"},
+        {"\"\"\r\n#TRUE#\r\n", nullptr, false, true, "the program folder's copy comes first"},
+        {nullptr, "\"only one line", true, true, "a short or stray file keeps the flag"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.why);
+        Install t;
+        refresh_machine_paths(t.run, t.program);
+        if (r.program_copy) write_bytes(t.program + "/setup.txt", r.program_copy);
+        if (r.family_copy) write_bytes(t.family + "/setup.txt", r.family_copy);
+        t.run.language_afrikaans = r.before;
+        read_setup_language(t.run);
+        EXPECT_EQ(t.run.language_afrikaans, r.after);
+        EXPECT_EQ(QFileInfo::exists(t.family + "/setup.txt"), r.program_copy || r.family_copy);
+    }
     Install t;
     refresh_machine_paths(t.run, t.program);
-    const QString setup = t.path("ProgramData/KESTRALIN/setup.txt");
-    write_bytes(setup, "\"HO\xebRSKOOL\",\"x\",12\r\n#TRUE#,\"keep\"\r\n\"line three\"\r\n");
-    read_setup_language(t.run);
-    EXPECT_TRUE(t.run.language_afrikaans);
+    t.run.language_afrikaans = true;
+    ASSERT_TRUE(save_setup_language(t.run));
+    EXPECT_EQ(read_bytes(t.family + "/setup.txt"), QByteArray("\"\"\r\n#TRUE#\r\n"));
+    write_bytes(t.family + "/setup.txt", "\"HO\xebRSKOOL\",\"x\",12\r\n#TRUE#,\"keep\"\r\n\"line three\"\r\n");
     t.run.language_afrikaans = false;
     ASSERT_TRUE(save_setup_language(t.run));
-    EXPECT_EQ(read_bytes(setup), QByteArray("\"HO\xebRSKOOL\",\"x\",12\r\n#FALSE#,\"keep\"\r\n\"line three\"\r\n"));
+    EXPECT_EQ(read_bytes(t.family + "/setup.txt"),
+              QByteArray("\"HO\xebRSKOOL\",\"x\",12\r\n#FALSE#,\"keep\"\r\n\"line three\"\r\n"));
 }
 
-TEST(SetupLanguage, IsEnglishWithoutAFileAndTheFirstSaveMakesIt) {
+TEST(SchoolName, IsReadFromTheRecordAtTheDriveRootWhenThere) {
     Install t;
-    refresh_machine_paths(t.run, t.program);
-    read_setup_language(t.run);
-    EXPECT_FALSE(t.run.language_afrikaans);
-    t.run.language_afrikaans = true;
-    ASSERT_TRUE(save_setup_language(t.run));
-    EXPECT_EQ(read_bytes(t.path("ProgramData/KESTRALIN/setup.txt")), QByteArray("\"\"\r\n#TRUE#\r\n"));
-}
-
-TEST(SetupLanguage, TheProgramFoldersCopyIsBroughtOverFirst) {
-    Install t;
-    refresh_machine_paths(t.run, t.program);
-    write_bytes(t.program + "/setup.txt", "\"\"\r\n#TRUE#\r\n");
-    read_setup_language(t.run);
-    EXPECT_TRUE(t.run.language_afrikaans);
-    EXPECT_TRUE(QFileInfo::exists(t.path("ProgramData/KESTRALIN/setup.txt")));
-}
-
-TEST(SetupLanguage, AShortOrStrayFileKeepsTheFlag) {
-    Install t;
-    refresh_machine_paths(t.run, t.program);
-    t.run.language_afrikaans = true;
-    write_bytes(t.path("ProgramData/KESTRALIN/setup.txt"), "\"only one line");
-    read_setup_language(t.run);
-    EXPECT_TRUE(t.run.language_afrikaans);
-}
-
-TEST(SchoolName, IsReadFromTheRecordAtTheDriveRoot) {
-    Install t;
+    read_school_name(t.run, *t.store);
+    EXPECT_EQ(t.run.school_name, "");
+    EXPECT_TRUE(t.dialogs.messages.isEmpty());
     RecordBuffer rec(&school_record_layout());
     rec.set_text("SD_SKOOL", "HOëRSKOOL DIE KRANS");
     write_bytes(t.path("skl_dta_random.txt"), rec.bytes());
@@ -158,14 +153,9 @@ TEST(SchoolName, IsReadFromTheRecordAtTheDriveRoot) {
     EXPECT_EQ(t.store->open_file_count(), 0);
 }
 
-TEST(SchoolName, StaysEmptyWithoutTheRecord) {
-    Install t;
-    read_school_name(t.run, *t.store);
-    EXPECT_EQ(t.run.school_name, "");
-    EXPECT_TRUE(t.dialogs.messages.isEmpty());
-}
-
-TEST(Startup, SetsYearProgramFolderAndLanguage) {
+// The start reads time_out.txt in the program folder, where the TIME-OUT
+// button writes it, also when the program runs from another folder.
+TEST(Startup, SetsYearProgramFolderTimeOutAndColours) {
     Install t;
     run_startup(t.run, *t.store, t.program);
     EXPECT_EQ(t.run.current_year, "2026");
@@ -173,14 +163,8 @@ TEST(Startup, SetsYearProgramFolderAndLanguage) {
     EXPECT_EQ(QDir::currentPath(), t.program);
     EXPECT_EQ(t.run.timeout_seconds, 300);
     EXPECT_EQ(t.run.backdrop_green, 192);
-}
 
-// The start reads time_out.txt in the program folder, where the TIME-OUT
-// button writes it, also when the program runs from another folder.
-TEST(Startup, ReadsTheTimeOutWhereTheButtonWritesIt) {
-    Install t;
     const QString bin = t.path("Apps/bin");
-    QDir().mkpath(bin);
     write_bytes(bin + "/time_out.txt", " 900 \r\n");
     write_bytes(t.program + "/time_out.txt", " 120 \r\n");
     run_startup(t.run, *t.store, bin);

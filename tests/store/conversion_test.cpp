@@ -57,9 +57,7 @@ TEST(Conversion, AnEmptySourceGivesAnEmptyFileAndIsMovedAllTheSame) {
     make_table(t.data("pi2_dta.dbf"), {{"PI2_SIMBL", DbfType::Character, 2, 0}}, {});
     t.store->open_table("PI2", t.run.data_folder);
     EXPECT_TRUE(QFileInfo::exists(t.data("save/pi2_dta.dbf")));
-    // The file was empty after the conversion; the opener then adds the
-    // standard rows.
-    EXPECT_EQ(t.store->table("PI2").record_count, 7);
+    EXPECT_EQ(t.store->table("PI2").record_count, 7);  // empty after the conversion: the standard rows
 }
 
 TEST(Conversion, TheSchoolTableIsReadByFieldNameAndStaysInPlace) {

@@ -54,6 +54,7 @@ TEST_F(FamilyDbfOpener, ATableWithRowsIsOpenedAsItIs) {
     EXPECT_EQ(table->value(1).toString().trimmed(), "Uitstekend");
 }
 
+// No table and no template, or an empty table without its template: Missing.
 TEST_F(FamilyDbfOpener, AnEmptyTableIsMadeAfreshAndWithoutATemplateItGoes) {
     const QList<DbfField> old_fields{{"OLD", DbfType::Character, 5, 0}};
     ASSERT_TRUE(DbfTable::create(t.data("LAFR_P_S.dbf"), old_fields));
@@ -67,6 +68,9 @@ TEST_F(FamilyDbfOpener, AnEmptyTableIsMadeAfreshAndWithoutATemplateItGoes) {
     EXPECT_FALSE(open_dbf_table(*t.store, t.run.data_folder, "LGES_P_S", &error));
     EXPECT_EQ(error.code, DbfError::Missing);
     EXPECT_FALSE(QFileInfo::exists(t.data("LGES_P_S.dbf")));
+    error = DbfError{};
+    EXPECT_FALSE(open_dbf_table(*t.store, t.run.data_folder, "LXX_P_S", &error));
+    EXPECT_EQ(error.code, DbfError::Missing);
 }
 
 // A data set that may not be written ends the run with the system's message,
@@ -116,12 +120,6 @@ TEST_F(FamilyDbfOpener, AReadOnlyDataSetEndsTheRunWithItsMessage) {
     EXPECT_EQ(read_bytes(record_file), QByteArray(44, ' '));
     // Read-only access stays open to readers.
     EXPECT_TRUE(DbfTable::open(path, nullptr, DbfAccess::ReadOnly));
-}
-
-TEST_F(FamilyDbfOpener, NoTableAndNoTemplateGivesMissing) {
-    DbfError error;
-    EXPECT_FALSE(open_dbf_table(*t.store, t.run.data_folder, "LXX_P_S", &error));
-    EXPECT_EQ(error.code, DbfError::Missing);
 }
 
 }  // namespace

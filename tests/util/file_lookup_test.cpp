@@ -10,68 +10,55 @@ using namespace veldo;
 
 namespace {
 
-void touch(const QString& path) {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-}
+class FileLookupIgnoringCase : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QString path(const QString& name) const { return dir.path() + '/' + name; }
+    void touch(const QString& name) {
+        QFile f(path(name));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    }
+};
 
 }  // namespace
 
-TEST(FileLookupIgnoringCase, FindsAnotherSpelling) {
-    QTemporaryDir dir;
+// The exact spelling wins; another spelling is found, also part by part
+// through folders, and is the one used for writing.
+TEST_F(FileLookupIgnoringCase, FindsTheSpellingThatIsThere) {
     ASSERT_TRUE(dir.isValid());
-    touch(dir.filePath(QStringLiteral("Skl_Dta_random.txt")));
-    EXPECT_EQ(find_ignoring_case(dir.path(), QStringLiteral("skl_dta_random.txt")),
-              dir.path() + QStringLiteral("/Skl_Dta_random.txt"));
-    EXPECT_TRUE(file_exists_ignoring_case(dir.path(), QStringLiteral("SKL_DTA_RANDOM.TXT")));
+    ASSERT_TRUE(QDir(dir.path()).mkpath("ProgramData/KESTRALIN"));
+    for (const char* name : {"Skl_Dta_random.txt", "marks1.DBF", "marks1.dbf", "ProgramData/KESTRALIN/Setup.txt"})
+        touch(name);
+    const struct {
+        const char* asked;
+        const char* found;
+    } rows[] = {
+        {"skl_dta_random.txt", "Skl_Dta_random.txt"}, {"SKL_DTA_RANDOM.TXT", "Skl_Dta_random.txt"},
+        {"marks1.dbf", "marks1.dbf"},                 {"marks1.DBF", "marks1.DBF"},
+        {"programdata/kestralin/setup.txt", "ProgramData/KESTRALIN/Setup.txt"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.asked);
+        EXPECT_EQ(find_ignoring_case(dir.path(), r.asked), path(r.found));
+        EXPECT_EQ(path_ignoring_case(dir.path(), r.asked), path(r.found));
+        EXPECT_TRUE(file_exists_ignoring_case(dir.path(), r.asked));
+    }
 }
 
-TEST(FileLookupIgnoringCase, ExactSpellingWins) {
-    QTemporaryDir dir;
-    touch(dir.filePath(QStringLiteral("marks1.DBF")));
-    touch(dir.filePath(QStringLiteral("marks1.dbf")));
-    EXPECT_EQ(find_ignoring_case(dir.path(), QStringLiteral("marks1.dbf")),
-              dir.path() + QStringLiteral("/marks1.dbf"));
-    EXPECT_EQ(find_ignoring_case(dir.path(), QStringLiteral("marks1.DBF")),
-              dir.path() + QStringLiteral("/marks1.DBF"));
+TEST_F(FileLookupIgnoringCase, MissingGivesEmptyAndTheNewSpelling) {
+    EXPECT_EQ(find_ignoring_case(dir.path(), "setup.txt"), QString());
+    EXPECT_FALSE(file_exists_ignoring_case(dir.path(), "setup.txt"));
+    EXPECT_EQ(path_ignoring_case(dir.path(), "setup.txt"), path("setup.txt"));
+    EXPECT_EQ(path_ignoring_case(dir.path() + '/', "setup.txt"), path("setup.txt"));
+    EXPECT_EQ(find_ignoring_case("/nonexistent/veldo", "a.txt"), QString());
+    EXPECT_EQ(find_ignoring_case("/tmp", QString()), QString());
 }
 
-TEST(FileLookupIgnoringCase, MissingGivesEmptyAndTheNewSpelling) {
-    QTemporaryDir dir;
-    EXPECT_EQ(find_ignoring_case(dir.path(), QStringLiteral("setup.txt")), QString());
-    EXPECT_FALSE(file_exists_ignoring_case(dir.path(), QStringLiteral("setup.txt")));
-    EXPECT_EQ(path_ignoring_case(dir.path(), QStringLiteral("setup.txt")),
-              dir.path() + QStringLiteral("/setup.txt"));
-    EXPECT_EQ(path_ignoring_case(dir.path() + QStringLiteral("/"), QStringLiteral("setup.txt")),
-              dir.path() + QStringLiteral("/setup.txt"));
-}
-
-TEST(FileLookupIgnoringCase, ExistingSpellingIsUsedForWriting) {
-    QTemporaryDir dir;
-    touch(dir.filePath(QStringLiteral("Time_Out.TXT")));
-    EXPECT_EQ(path_ignoring_case(dir.path(), QStringLiteral("time_out.txt")),
-              dir.path() + QStringLiteral("/Time_Out.TXT"));
-}
-
-TEST(FileLookupIgnoringCase, FoldersAreNotFiles) {
-    QTemporaryDir dir;
-    ASSERT_TRUE(QDir(dir.path()).mkdir(QStringLiteral("KESTRALIN")));
-    EXPECT_FALSE(find_ignoring_case(dir.path(), QStringLiteral("kestralin")).isEmpty());
-    EXPECT_FALSE(file_exists_ignoring_case(dir.path(), QStringLiteral("kestralin")));
-    EXPECT_TRUE(folder_exists(dir.path() + QStringLiteral("/KESTRALIN")));
-    EXPECT_FALSE(folder_exists(dir.path() + QStringLiteral("/nowhere")));
+TEST_F(FileLookupIgnoringCase, FoldersAreNotFiles) {
+    ASSERT_TRUE(QDir(dir.path()).mkdir("KESTRALIN"));
+    EXPECT_FALSE(find_ignoring_case(dir.path(), "kestralin").isEmpty());
+    EXPECT_FALSE(file_exists_ignoring_case(dir.path(), "kestralin"));
+    EXPECT_TRUE(folder_exists(path("KESTRALIN")));
+    EXPECT_FALSE(folder_exists(path("nowhere")));
     EXPECT_FALSE(folder_exists(QString()));
-}
-
-TEST(FileLookupIgnoringCase, NamesWithFoldersResolvePartByPart) {
-    QTemporaryDir dir;
-    ASSERT_TRUE(QDir(dir.path()).mkpath(QStringLiteral("ProgramData/KESTRALIN")));
-    touch(dir.filePath(QStringLiteral("ProgramData/KESTRALIN/Setup.txt")));
-    EXPECT_EQ(find_ignoring_case(dir.path(), QStringLiteral("programdata/kestralin/setup.txt")),
-              dir.path() + QStringLiteral("/ProgramData/KESTRALIN/Setup.txt"));
-}
-
-TEST(FileLookupIgnoringCase, MissingFolderGivesEmpty) {
-    EXPECT_EQ(find_ignoring_case(QStringLiteral("/nonexistent/veldo"), QStringLiteral("a.txt")), QString());
-    EXPECT_EQ(find_ignoring_case(QStringLiteral("/tmp"), QString()), QString());
 }

@@ -19,293 +19,171 @@ QVariant i16(int v) { return QVariant::fromValue(qint16(v)); }
 QVariant date(int y, int m, int d) { return QVariant::fromValue(ole_date_from(QDate(y, m, d))); }
 const OleDate kToday = ole_date_from(QDate(2026, 11, 23));
 
+// One value in, one text out.
+struct TextRow {
+    QVariant in;
+    QString expected;
+    const char* why = "";
+};
+std::string trace(const TextRow& r) { return "[" + plain_text(r.in).toStdString() + "] " + r.why; }
+
 }  // namespace
 
 // ---- toets_null ---------------------------------------------------------------
 
-TEST(TextHelpersToetsNull, ZeroDateAndNullGiveEmptyText) {
-    const QVariant zero_date = QVariant::fromValue(OleDate{0.0});
-    EXPECT_EQ(toets_null(zero_date).typeId(), QMetaType::QString);
-    EXPECT_EQ(toets_null(zero_date).toString(), QString());
-    EXPECT_EQ(toets_null(null_value()).typeId(), QMetaType::QString);
-    EXPECT_EQ(toets_null(null_value()).toString(), QString());
-}
-
-TEST(TextHelpersToetsNull, BlankTextIsEmptyText) {
-    const QVariant r = toets_null(text("     "));
-    EXPECT_EQ(r.typeId(), QMetaType::QString);
-    EXPECT_EQ(r.toString(), QString());
-}
-
-TEST(TextHelpersToetsNull, TextStartingWithCodeZeroIsEmptyText) {
-    const QVariant binary_zero(QString(QChar(0)) + QStringLiteral("abc"));
-    EXPECT_EQ(toets_null(binary_zero).toString(), QString());
-}
-
-TEST(TextHelpersToetsNull, ZeroIsTheTextZeroNotATypedZero) {
-    const QVariant r = toets_null(i16(0));
-    EXPECT_EQ(r.typeId(), QMetaType::QString);
-    EXPECT_EQ(r.toString(), QStringLiteral("0"));
-    EXPECT_EQ(toets_null(QVariant(0.0)).toString(), QStringLiteral("0"));
-}
-
-TEST(TextHelpersToetsNull, NumbersComeBackAsText) {
-    const QVariant r = toets_null(i16(5));
-    EXPECT_EQ(r.typeId(), QMetaType::QString);
-    EXPECT_EQ(r.toString(), QStringLiteral("5"));
-    EXPECT_EQ(toets_null(QVariant(12.5)).toString(), QStringLiteral("12.5"));
-    EXPECT_EQ(toets_null(QVariant(0.1f)).toString(), QStringLiteral("0.1"));
-    EXPECT_EQ(toets_null(QVariant(false)).toString(), QStringLiteral("False"));
-}
-
-TEST(TextHelpersToetsNull, TrimsTheRightOnly) {
-    EXPECT_EQ(toets_null(text("  Jan  ")).toString(), QStringLiteral("  Jan"));
-    // Only spaces are trimmed: a tab is part of the text.
-    EXPECT_EQ(toets_null(text("a\t ")).toString(), QStringLiteral("a\t"));
-}
-
-TEST(TextHelpersToetsNull, DatesAsShortDateText) {
-    EXPECT_EQ(toets_null(date(2017, 1, 2)).toString(), QStringLiteral("2017/01/02"));
-}
-
-TEST(TextHelpersToetsNull, TextFormIsNeverNull) {
-    EXPECT_EQ(toets_null_text(null_value()), QString());
-    EXPECT_EQ(toets_null_text(i16(0)), QStringLiteral("0"));
-    EXPECT_EQ(toets_null_text(QVariant(true)), QStringLiteral("True"));
+// Always text: Null, the zero date, blanks and a leading code 0 give "";
+// anything else its plain text with the spaces (only) on the right cut.
+TEST(TextHelpersToetsNull, GivesTheTextOfTheValueTrimmedOnTheRight) {
+    const TextRow rows[] = {
+        {QVariant::fromValue(OleDate{0.0}), ""}, {null_value(), ""}, {text("     "), ""},
+        {QVariant(QString(QChar(0)) + QStringLiteral("abc")), "", "text starting with code 0"},
+        {i16(0), "0", "the text zero, not a typed zero"}, {QVariant(0.0), "0"}, {i16(5), "5"},
+        {QVariant(12.5), "12.5"}, {QVariant(0.1f), "0.1"}, {QVariant(false), "False"}, {QVariant(true), "True"},
+        {text("  Jan  "), "  Jan"}, {text("a\t "), "a\t", "a tab is text"}, {date(2017, 1, 2), "2017/01/02"},
+    };
+    for (const TextRow& r : rows) {
+        SCOPED_TRACE(trace(r));
+        const QVariant v = toets_null(r.in);
+        EXPECT_EQ(v.typeId(), QMetaType::QString);
+        EXPECT_EQ(v.toString(), r.expected);
+        EXPECT_EQ(toets_null_text(r.in), r.expected);
+    }
 }
 
 // ---- right_justify / left_justify ---------------------------------------------------
 
-TEST(TextHelpersJustify, RightJustifyCutsTheLeftOfALongValue) {
-    QVariant v = text("12345");
-    EXPECT_EQ(right_justify(v, 3, text("0")), QStringLiteral("345"));
-    EXPECT_EQ(v.toString(), QStringLiteral("345"));  // updated in place
-}
-
-TEST(TextHelpersJustify, LeftJustifyCutsTheRightOfALongValue) {
-    QVariant v = text("12345");
-    EXPECT_EQ(left_justify(v, 3), QStringLiteral("123"));
-    EXPECT_EQ(v.toString(), QStringLiteral("123"));
-}
-
-TEST(TextHelpersJustify, RightJustifyFills) {
-    QVariant a = text("7");
-    EXPECT_EQ(right_justify(a, 3, text("")), QStringLiteral("  7"));
-    QVariant b = text("7");
-    EXPECT_EQ(right_justify(b, 3, text("0")), QStringLiteral("007"));
-    QVariant c = text("7");
-    EXPECT_EQ(right_justify(c, 3, text("AB")), QStringLiteral("AA7"));
-    QVariant d = text("7");
-    EXPECT_EQ(right_justify(d, 3), QStringLiteral("  7"));
-    QVariant e = text("7");
-    EXPECT_EQ(right_justify(e, 3, text("   ")), QStringLiteral("  7"));
-}
-
-TEST(TextHelpersJustify, RightJustifyTrimsBothSides) {
-    QVariant v = text("  7  ");
-    EXPECT_EQ(right_justify(v, 4, text("0")), QStringLiteral("0007"));
-}
-
-TEST(TextHelpersJustify, LeftJustifyKeepsABlankFill) {
-    QVariant a = text("7");
-    EXPECT_EQ(left_justify(a, 3, text(" ")), QStringLiteral("7  "));
-    QVariant b = text("7");
-    EXPECT_EQ(left_justify(b, 3, text("")), QStringLiteral("7  "));
-    QVariant c = text("7");
-    EXPECT_EQ(left_justify(c, 4, text("*-")), QStringLiteral("7***"));
-}
-
-TEST(TextHelpersJustify, LeftJustifyTrimsTheRightOnly) {
-    QVariant v = text(" 7  ");
-    EXPECT_EQ(left_justify(v, 4, text(".")), QStringLiteral(" 7.."));
-}
-
-TEST(TextHelpersJustify, NullGivesWidthSpaces) {
-    QVariant a = null_value();
-    EXPECT_EQ(right_justify(a, 4, text("0")), QStringLiteral("    "));
-    QVariant b = null_value();
-    EXPECT_EQ(left_justify(b, 2, text("0")), QStringLiteral("  "));
-}
-
-TEST(TextHelpersJustify, NumbersAreJustifiedByTheirText) {
-    QVariant v = i16(42);
-    EXPECT_EQ(right_justify(v, 5, text("0")), QStringLiteral("00042"));
-    EXPECT_EQ(v.typeId(), QMetaType::QString);
-}
-
-TEST(TextHelpersJustify, TextOnlyConveniences) {
+// The value is changed in place to the text returned. Only the fill's first
+// character counts; an empty or blank fill is a blank; Null gives blanks.
+TEST(TextHelpersJustify, FillsOrCutsToTheWidthInPlace) {
+    const struct {
+        bool right;
+        QVariant value;
+        int width;
+        QVariant fill;
+        QString expected;
+    } rows[] = {
+        {true, text("12345"), 3, text("0"), "345"}, {false, text("12345"), 3, QVariant(), "123"},
+        {true, text("7"), 3, text(""), "  7"},      {true, text("7"), 3, text("0"), "007"},
+        {true, text("7"), 3, text("AB"), "AA7"},    {true, text("7"), 3, QVariant(), "  7"},
+        {true, text("7"), 3, text("   "), "  7"},   {true, text("  7  "), 4, text("0"), "0007"},  // trims both sides
+        {false, text("7"), 3, text(" "), "7  "},    {false, text("7"), 3, text(""), "7  "},
+        {false, text("7"), 4, text("*-"), "7***"},  {false, text(" 7  "), 4, text("."), " 7.."},  // trims the right
+        {true, null_value(), 4, text("0"), "    "}, {false, null_value(), 2, text("0"), "  "},
+        {true, i16(42), 5, text("0"), "00042"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.expected.toStdString());
+        QVariant v = r.value;
+        EXPECT_EQ(r.right ? right_justify(v, r.width, r.fill) : left_justify(v, r.width, r.fill), r.expected);
+        EXPECT_EQ(v.typeId(), QMetaType::QString);
+        EXPECT_EQ(v.toString(), r.expected);
+    }
     EXPECT_EQ(right_justified(QStringLiteral("12345"), 3, QStringLiteral("0")), QStringLiteral("345"));
     EXPECT_EQ(left_justified(QStringLiteral("12345"), 3), QStringLiteral("123"));
     EXPECT_EQ(right_justified(QStringLiteral("7"), 3), QStringLiteral("  7"));
     EXPECT_EQ(left_justified(QStringLiteral("ab"), 0), QString());
 }
 
-// ---- upper_afrikaans ----------------------------------------------------------------
+// ---- upper_afrikaans / title_case_name ------------------------------------------------
 
-TEST(TextHelpersUpperAfrikaans, HoerskoolInBothSpellings) {
-    const QString expected = QStringLiteral(u"HO\u00EBRSKOOL");
-    EXPECT_EQ(upper_afrikaans(text("hoërskool")).toString(), expected);
-    EXPECT_EQ(upper_afrikaans(text("Hoerskool")).toString(), expected);
-    EXPECT_EQ(upper_afrikaans(text("HOËRSKOOL")).toString(), expected);
-    EXPECT_EQ(upper_afrikaans_text(QStringLiteral("Hoërskool Waterkloof")),
-              QStringLiteral(u"HO\u00EBRSKOOL WATERKLOOF"));
-}
-
-TEST(TextHelpersUpperAfrikaans, AccentedCapitalsGoBackToLowerCase) {
-    EXPECT_EQ(upper_afrikaans_text(QStringLiteral("ê é ë ô")), QStringLiteral("ê é ë ô"));
-    EXPECT_EQ(upper_afrikaans_text(QStringLiteral("Ê")), QStringLiteral("ê"));
-    EXPECT_EQ(upper_afrikaans_text(QStringLiteral("šœž")), QStringLiteral("šœž"));
-    EXPECT_EQ(upper_afrikaans_text(QStringLiteral("ÿ")), QStringLiteral("ÿ"));
-}
-
-TEST(TextHelpersUpperAfrikaans, LettersWithoutACapitalInThePageStay) {
-    EXPECT_EQ(upper_afrikaans_text(QStringLiteral("µß")), QStringLiteral("µß"));
-    EXPECT_EQ(upper_afrikaans_text(QStringLiteral("straße")), QStringLiteral("STRAßE"));
-}
-
-TEST(TextHelpersUpperAfrikaans, NullGivesAnEmptyValue) {
+// Capitals inside the code page: accented capitals go back to lower case, a
+// letter without a capital in the page stays, HOERSKOOL gets its diaeresis.
+TEST(TextHelpersUpperAfrikaans, CapitalisesInsideTheCodePage) {
+    const QString hoerskool = QStringLiteral(u"HO\u00EBRSKOOL");
+    const TextRow rows[] = {
+        {text("hoërskool"), hoerskool}, {text("Hoerskool"), hoerskool}, {text("HOËRSKOOL"), hoerskool},
+        {text("Hoërskool Waterkloof"), hoerskool + " WATERKLOOF"},
+        {text("ê é ë ô"), "ê é ë ô"}, {text("Ê"), "ê"}, {text("šœž"), "šœž"}, {text("ÿ"), "ÿ"},
+        {text("µß"), "µß"}, {text("straße"), "STRAßE"}, {i16(12), "12"},
+    };
+    for (const TextRow& r : rows) {
+        SCOPED_TRACE(trace(r));
+        EXPECT_EQ(upper_afrikaans(r.in).toString(), r.expected);
+        EXPECT_EQ(upper_afrikaans_text(r.in.toString()), r.expected);
+    }
     EXPECT_EQ(upper_afrikaans(null_value()).toString(), QString());
-    EXPECT_EQ(upper_afrikaans(i16(12)).toString(), QStringLiteral("12"));
 }
-
-// ---- title_case_name ----------------------------------------------------------------
 
 TEST(TextHelpersTitleCase, CapitalisesPiecesBetweenBlanksDashesAndUnderscores) {
-    EXPECT_EQ(title_case_name(text("JAN VAN DER MERWE")).toString(), QStringLiteral("Jan Van Der Merwe"));
-    EXPECT_EQ(title_case_name(text("anna-marie")).toString(), QStringLiteral("Anna-Marie"));
-    EXPECT_EQ(title_case_name(text("punte_lys_druk")).toString(), QStringLiteral("Punte_Lys_Druk"));
-    EXPECT_EQ(title_case_name(text("  jan  smit ")).toString(), QStringLiteral("Jan  Smit"));
-}
-
-TEST(TextHelpersTitleCase, HoerskoolGetsItsDiaeresis) {
-    EXPECT_EQ(title_case_name(text("HOERSKOOL DIE BERG")).toString(), QStringLiteral("Hoërskool Die Berg"));
-    EXPECT_EQ(title_case_name(text("hoërskool")).toString(), QStringLiteral("Hoërskool"));
-}
-
-TEST(TextHelpersTitleCase, FirstLetterMayBeAccented) {
-    EXPECT_EQ(title_case_name(text("élise")).toString(), QStringLiteral("Élise"));
-}
-
-TEST(TextHelpersTitleCase, NullGivesAnEmptyValue) {
-    EXPECT_EQ(title_case_name(null_value()).toString(), QString());
+    const TextRow rows[] = {
+        {text("JAN VAN DER MERWE"), "Jan Van Der Merwe"}, {text("anna-marie"), "Anna-Marie"},
+        {text("punte_lys_druk"), "Punte_Lys_Druk"},       {text("  jan  smit "), "Jan  Smit"},
+        {text("HOERSKOOL DIE BERG"), "Hoërskool Die Berg"}, {text("hoërskool"), "Hoërskool"},
+        {text("élise"), "Élise", "the first letter may be accented"}, {null_value(), ""},
+    };
+    for (const TextRow& r : rows) {
+        SCOPED_TRACE(trace(r));
+        EXPECT_EQ(title_case_name(r.in).toString(), r.expected);
+    }
 }
 
 // ---- max_of / min_of_val -----------------------------------------------------------
 
-TEST(TextHelpersMaxOf, EmptyTextFirstGivesZeroWhateverB) {
-    EXPECT_EQ(max_of(text(""), QVariant(5.0)), 0.0);
-    EXPECT_EQ(max_of(text(""), QVariant(1e9)), 0.0);
-}
-
-TEST(TextHelpersMaxOf, NumbersCompareAsNumbers) {
-    EXPECT_EQ(max_of(QVariant(3.0), i16(7)), 7.0);
-    EXPECT_EQ(max_of(QVariant(30.0), i16(7)), 30.0);
-    EXPECT_EQ(max_of(QVariant(-1.0), QVariant(false)), 0.0);
-}
-
-TEST(TextHelpersMaxOf, TwoTextsCompareAsTexts) {
-    // As texts "9" is above "10": the larger by text wins.
-    EXPECT_EQ(max_of(text("9"), text("10")), 9.0);
-    EXPECT_EQ(max_of(text("10"), text("9")), 9.0);
-}
-
-TEST(TextHelpersMaxOf, NumericTextAgainstANumberComparesByValue) {
-    EXPECT_EQ(max_of(text("9"), QVariant(10.0)), 10.0);
-    EXPECT_EQ(max_of(text("12.5"), QVariant(10.0)), 12.5);
-}
-
-TEST(TextHelpersMaxOf, NonNumericTextIsGreaterAndConvertsToZero) {
-    EXPECT_EQ(max_of(text("abc"), QVariant(10.0)), 0.0);
-    EXPECT_EQ(max_of(QVariant(10.0), text("abc")), 0.0);
-}
-
-TEST(TextHelpersMaxOf, NullPassesOver) {
-    EXPECT_EQ(max_of(QVariant(4.0), null_value()), 4.0);
-    EXPECT_EQ(max_of(null_value(), QVariant(4.0)), 0.0);
-}
-
-TEST(TextHelpersMinOfVal, ReadsBothThroughVal) {
+// Texts compare as texts ("9" is above "10"), numbers as numbers, a numeric
+// text against a number by value; a text that is no number is the greater and
+// gives zero; Null passes over; empty text first gives zero whatever b.
+TEST(TextHelpersMaxOf, ComparesAsTheValuesStandAndGivesANumber) {
+    const struct {
+        QVariant a, b;
+        double expected;
+    } rows[] = {
+        {text(""), QVariant(5.0), 0.0},      {text(""), QVariant(1e9), 0.0},
+        {QVariant(3.0), i16(7), 7.0},        {QVariant(30.0), i16(7), 30.0},     {QVariant(-1.0), QVariant(false), 0.0},
+        {text("9"), text("10"), 9.0},        {text("10"), text("9"), 9.0},
+        {text("9"), QVariant(10.0), 10.0},   {text("12.5"), QVariant(10.0), 12.5},
+        {text("abc"), QVariant(10.0), 0.0},  {QVariant(10.0), text("abc"), 0.0},
+        {QVariant(4.0), null_value(), 4.0},  {null_value(), QVariant(4.0), 0.0},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(plain_text(r.a).toStdString() + " | " + plain_text(r.b).toStdString());
+        EXPECT_EQ(max_of(r.a, r.b), r.expected);
+    }
     EXPECT_EQ(min_of_val(text("abc"), QVariant(3.0)), 0.0);
     EXPECT_EQ(min_of_val(text("12abc"), text(" 4.5")), 4.5);
     EXPECT_EQ(min_of_val(i16(-2), text("1")), -2.0);
     EXPECT_EQ(min_of_val(null_value(), QVariant(3.0)), 0.0);
 }
 
-// ---- date_to_dotted -----------------------------------------------------------------
+// ---- date_to_dotted / ctod ------------------------------------------------------------
 
-TEST(TextHelpersDateToDotted, EightDigitsGetDots) {
-    EXPECT_EQ(date_to_dotted(text("20170102")).toString(), QStringLiteral("2017.01.02"));
+TEST(TextHelpersDateToDotted, GivesYearMonthDayWithDotsOrEmpty) {
+    const TextRow rows[] = {
+        {text("20170102"), "2017.01.02", "eight digits get dots"},
+        {text("2017.01.02"), "2017.01.02"}, {text("2017.01.02  "), "2017.01.02  "},  // already dotted: untouched
+        {text("2017.99.99"), "2017.99.99", "untested beyond the two dots"},
+        {text("00:00:00"), ""}, {text("12:00:00 AM"), ""}, {QVariant::fromValue(OleDate{0.0}), ""},
+        {text("   "), ""}, {null_value(), ""},
+        {text("2017/01/02"), "2017.01.02"}, {text("2017/1/2"), "2017.01.02"}, {date(2026, 11, 23), "2026.11.23"},
+        {text("17.1.2"), "2017.01.02"},
+        {text("1995/03/04"), "1995.03.04"}, {text("2045/03/04"), "1945.03.04", "the year is cut to two digits"},
+        {text("2017-01-02"), "2017.-0.02", "dashes without dot or slash are taken as digits"},
+        {text("abc/def"), ""}, {text("2017/13/45"), ""}, {text("2017/01/02 10:30 AM"), "", "a time of day"},
+    };
+    for (const TextRow& r : rows) {
+        SCOPED_TRACE(trace(r));
+        EXPECT_EQ(date_to_dotted(r.in).toString(), r.expected);
+    }
 }
 
-TEST(TextHelpersDateToDotted, AlreadyDottedIsReturnedUntouched) {
-    EXPECT_EQ(date_to_dotted(text("2017.01.02")).toString(), QStringLiteral("2017.01.02"));
-    EXPECT_EQ(date_to_dotted(text("2017.01.02  ")).toString(), QStringLiteral("2017.01.02  "));
-    // Untested beyond the two dots.
-    EXPECT_EQ(date_to_dotted(text("2017.99.99")).toString(), QStringLiteral("2017.99.99"));
-}
-
-TEST(TextHelpersDateToDotted, ZeroDateAndBlankGiveEmpty) {
-    EXPECT_EQ(date_to_dotted(text("00:00:00")).toString(), QString());
-    EXPECT_EQ(date_to_dotted(text("12:00:00 AM")).toString(), QString());
-    EXPECT_EQ(date_to_dotted(QVariant::fromValue(OleDate{0.0})).toString(), QString());
-    EXPECT_EQ(date_to_dotted(text("   ")).toString(), QString());
-    EXPECT_EQ(date_to_dotted(null_value()).toString(), QString());
-}
-
-TEST(TextHelpersDateToDotted, SlashedAndDashedDatesBecomeDotted) {
-    EXPECT_EQ(date_to_dotted(text("2017/01/02")).toString(), QStringLiteral("2017.01.02"));
-    EXPECT_EQ(date_to_dotted(text("2017/1/2")).toString(), QStringLiteral("2017.01.02"));
-    EXPECT_EQ(date_to_dotted(date(2026, 11, 23)).toString(), QStringLiteral("2026.11.23"));
-    EXPECT_EQ(date_to_dotted(text("17.1.2")).toString(), QStringLiteral("2017.01.02"));
-}
-
-TEST(TextHelpersDateToDotted, TheYearIsCutToTwoDigitsOnTheWay) {
-    // Only the last two digits of each part survive step 7.
-    EXPECT_EQ(date_to_dotted(text("1995/03/04")).toString(), QStringLiteral("1995.03.04"));
-    EXPECT_EQ(date_to_dotted(text("2045/03/04")).toString(), QStringLiteral("1945.03.04"));
-}
-
-TEST(TextHelpersDateToDotted, DashesWithoutDotOrSlashAreTakenAsDigits) {
-    // Step 4 comes before the date test.
-    EXPECT_EQ(date_to_dotted(text("2017-01-02")).toString(), QStringLiteral("2017.-0.02"));
-}
-
-TEST(TextHelpersDateToDotted, NoDateOrATimeOfDayGivesEmpty) {
-    EXPECT_EQ(date_to_dotted(text("abc/def")).toString(), QString());
-    EXPECT_EQ(date_to_dotted(text("2017/13/45")).toString(), QString());
-    EXPECT_EQ(date_to_dotted(text("2017/01/02 10:30 AM")).toString(), QString());
-}
-
-// ---- ctod ----------------------------------------------------------------------------
-
-TEST(TextHelpersCtod, BlankIsTheZeroDate) {
-    EXPECT_EQ(ctod(text("   "), kToday), OleDate{});
+// Year first with "/", "." or "-"; blank is the zero date; anything else today.
+TEST(TextHelpersCtod, ReadsYearFirstDatesElseGivesToday) {
+    const struct {
+        const char* in;
+        OleDate expected;
+    } rows[] = {
+        {"   ", OleDate{}},
+        {"2017/02/03", ole_date_from(QDate(2017, 2, 3))}, {"2017.02.03", ole_date_from(QDate(2017, 2, 3))},
+        {"2017-12-31", ole_date_from(QDate(2017, 12, 31))},
+        {"2017/02/31", kToday}, {"2017-13-01", kToday}, {"2017-00-01", kToday}, {"2017-01-32", kToday},
+        {"2017-02-31", kToday}, {"20170203", kToday},   {"2017.02/03", kToday}, {"03/02/2017", kToday},
+        {"2017", kToday},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.in);
+        EXPECT_EQ(ctod(text(r.in), kToday), r.expected);
+    }
     EXPECT_EQ(ctod(null_value(), kToday), OleDate{});
-}
-
-TEST(TextHelpersCtod, YearFirstFormsAreRead) {
-    EXPECT_EQ(ctod(text("2017/02/03"), kToday), ole_date_from(QDate(2017, 2, 3)));
-    EXPECT_EQ(ctod(text("2017.02.03"), kToday), ole_date_from(QDate(2017, 2, 3)));
-    EXPECT_EQ(ctod(text("2017-12-31"), kToday), ole_date_from(QDate(2017, 12, 31)));
-}
-
-TEST(TextHelpersCtod, SlashedFormFailingInTheConversionIsToday) {
-    EXPECT_EQ(ctod(text("2017/02/31"), kToday), kToday);
-}
-
-TEST(TextHelpersCtod, BadMonthOrDayOrSeparatorIsToday) {
-    EXPECT_EQ(ctod(text("2017-13-01"), kToday), kToday);
-    EXPECT_EQ(ctod(text("2017-00-01"), kToday), kToday);
-    EXPECT_EQ(ctod(text("2017-01-32"), kToday), kToday);
-    EXPECT_EQ(ctod(text("2017-02-31"), kToday), kToday);
-    EXPECT_EQ(ctod(text("20170203"), kToday), kToday);
-    EXPECT_EQ(ctod(text("2017.02/03"), kToday), kToday);
-    EXPECT_EQ(ctod(text("03/02/2017"), kToday), kToday);
-    EXPECT_EQ(ctod(text("2017"), kToday), kToday);
-}
-
-TEST(TextHelpersCtod, WithoutATodayUsesTheClock) {
-    EXPECT_EQ(ctod(text("nonsense")), ole_today());
+    EXPECT_EQ(ctod(text("nonsense")), ole_today());  // without a today the clock's
 }
 
 // ---- Dates and plain text ---------------------------------------------------------------
@@ -320,24 +198,24 @@ TEST(TextHelpersDates, DayCountsFromTheFamilyEpoch) {
     EXPECT_EQ(date_of(OleDate{-1.25}), QDate(1899, 12, 29));
 }
 
-TEST(TextHelpersDates, TextForms) {
-    EXPECT_EQ(short_date_text(QDate(2026, 11, 23)), QStringLiteral("2026/11/23"));
-    EXPECT_EQ(date_value_text(OleDate{0.0}), QStringLiteral("00:00:00"));
-    EXPECT_EQ(date_value_text(ole_date_from(QDate(2026, 11, 23))), QStringLiteral("2026/11/23"));
-    EXPECT_EQ(date_value_text(ole_date_from(QDate(2026, 11, 23), QTime(14, 5))),
-              QStringLiteral("2026/11/23 14:05:00"));
-    EXPECT_EQ(date_value_text(OleDate{0.5}), QStringLiteral("12:00:00"));
-}
-
+// A date as date and time, blank parts left out; numbers without an exponent
+// to 15 (double) or 7 (single) digits.
 TEST(TextHelpersPlainText, EachTypeInItsOwnForm) {
-    EXPECT_EQ(plain_text(null_value()), QString());
-    EXPECT_EQ(plain_text(QVariant(1.0 / 3.0)), QStringLiteral("0.333333333333333"));
-    EXPECT_EQ(plain_text(QVariant(1.0f / 3.0f)), QStringLiteral("0.3333333"));
-    EXPECT_EQ(plain_text(i16(-7)), QStringLiteral("-7"));
-    EXPECT_EQ(plain_text(QVariant(true)), QStringLiteral("True"));
-    EXPECT_EQ(plain_text(QVariant(false)), QStringLiteral("False"));
-    EXPECT_EQ(plain_text(date(2017, 1, 2)), QStringLiteral("2017/01/02"));
-    EXPECT_EQ(plain_text(text(" x ")), QStringLiteral(" x "));
+    EXPECT_EQ(short_date_text(QDate(2026, 11, 23)), QStringLiteral("2026/11/23"));
+    const TextRow rows[] = {
+        {QVariant::fromValue(OleDate{0.0}), "00:00:00"}, {date(2026, 11, 23), "2026/11/23"},
+        {QVariant::fromValue(ole_date_from(QDate(2026, 11, 23), QTime(14, 5))), "2026/11/23 14:05:00"},
+        {QVariant::fromValue(OleDate{0.5}), "12:00:00"}, {null_value(), ""},
+        {QVariant(1.0 / 3.0), "0.333333333333333"}, {QVariant(1.0f / 3.0f), "0.3333333"}, {i16(-7), "-7"},
+        {QVariant(true), "True"}, {QVariant(false), "False"}, {text(" x "), " x "},
+    };
+    for (const TextRow& r : rows) {
+        SCOPED_TRACE(r.expected.toStdString());
+        EXPECT_EQ(plain_text(r.in), r.expected);
+        if (r.in.metaType() == QMetaType::fromType<OleDate>()) {
+            EXPECT_EQ(date_value_text(r.in.value<OleDate>()), r.expected);
+        }
+    }
 }
 
 // ---- fill_array, login name ---------------------------------------------------------------
