@@ -161,7 +161,6 @@ void MarkBookInputWidget::refresh() {
         vak_grid_->setFocus();
         return;
     }
-    if (model_->rowCount() != grid_->model()->rowCount() || !grid_->currentIndex().isValid()) model_->reload();
     // Each marks column is as wide as its heading (name, total, average).
     QHeaderView* headings = grid_->horizontalHeader();
     headings->setMinimumSectionSize(40);

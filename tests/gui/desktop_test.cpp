@@ -32,6 +32,19 @@ namespace {
 struct DesktopWidgets : ::testing::Test {
     QTemporaryDir drive;
     QString program = drive.filePath("Apps/VELDO-TALLY");
+    QString school = drive.filePath("school");
+
+    // An English desktop on the demo school, shown, at the mark book menu.
+    MenuWidget* mark_book_menu(Desktop& desktop) {
+        if (!desktop.start()) return nullptr;
+        qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
+        if (!write_demo_school(desktop.context().run, school).ok) return nullptr;
+        desktop.context().run.data_folder = school;
+        desktop.QMainWindow::show();
+        QApplication::setActiveWindow(&desktop);
+        qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"))->entry_button(2)->click();
+        return qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
+    }
     void SetUp() override {
         qputenv("KESTRALIN_DRIVE", drive.path().toUtf8());
         QDir().mkpath(program);
@@ -83,11 +96,6 @@ TEST_F(DesktopWidgets, ASecondCopyEndsBeforeAnyMenu) {
     EXPECT_FALSE(desktop.is_loaded("punte_mnu"));
 }
 
-}  // namespace
-}  // namespace veldo
-
-namespace veldo {
-namespace {
 
 TEST_F(DesktopWidgets, TheFrameRefusesToCloseAndShowsTheTopMenu) {
     Desktop desktop(program, [] { return false; });
@@ -103,11 +111,6 @@ TEST_F(DesktopWidgets, TheFrameRefusesToCloseAndShowsTheTopMenu) {
     EXPECT_EQ(top->entry_button(2)->text(), "MARKS BOOK");
 }
 
-}  // namespace
-}  // namespace veldo
-
-namespace veldo {
-namespace {
 
 // The keyboard on the menus: Enter and Space press the focused entry,
 // Escape goes back from a second-level menu.
@@ -139,11 +142,6 @@ TEST_F(DesktopWidgets, TheMenusWorkFromTheKeyboard) {
     EXPECT_FALSE(desktop.is_loaded("punte_menu2"));
 }
 
-}  // namespace
-}  // namespace veldo
-
-namespace veldo {
-namespace {
 
 bool holds(QWidget* outer, QWidget* inner) { return inner && (inner == outer || outer->isAncestorOf(inner)); }
 
@@ -185,11 +183,6 @@ TEST_F(DesktopWidgets, TheKeyboardComesBackToTheMenuBehindAClosedScreen) {
     EXPECT_TRUE(holds(desktop.screen_widget("punte_mnu"), QApplication::focusWidget()));
 }
 
-}  // namespace
-}  // namespace veldo
-
-namespace veldo {
-namespace {
 
 // The form that stays after a refused folder says what it is and what to do.
 TEST_F(DesktopWidgets, TheRefusedFolderFormCarriesItsTitleAndWhatToDo) {
@@ -210,11 +203,6 @@ TEST_F(DesktopWidgets, TheRefusedFolderFormCarriesItsTitleAndWhatToDo) {
     EXPECT_FALSE(form.isVisible());
 }
 
-}  // namespace
-}  // namespace veldo
-
-namespace veldo {
-namespace {
 
 // A teacher at the keyboard, key by key: the mark book menu, the first book,
 // marks with Return, a refused mark (the message, the cursor kept on its
@@ -222,15 +210,9 @@ namespace {
 // as activity; the table holds what was accepted.
 TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     Desktop desktop(program, [] { return false; });
-    ASSERT_TRUE(desktop.start());
-    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
-    const QString data = drive.filePath("school");
-    ASSERT_TRUE(write_demo_school(desktop.context().run, data).ok);
-    desktop.context().run.data_folder = data;
-    desktop.QMainWindow::show();
-    QApplication::setActiveWindow(&desktop);
-    qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"))->entry_button(2)->click();
-    qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"))->entry_button(2)->click();
+    MenuWidget* menu = mark_book_menu(desktop);
+    ASSERT_TRUE(menu);
+    menu->entry_button(2)->click();
     auto* input = qobject_cast<MarkBookInputWidget*>(desktop.screen_widget("pboek_inlees"));
     ASSERT_TRUE(input);
     EXPECT_EQ(input->series_list()->rowCount(), 9);
@@ -320,7 +302,7 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     EXPECT_EQ(grid->model()->data(grid->model()->index(5, after)).toString(), "2.0");
     QApplication::setActiveWindow(&desktop);
 
-    auto t = DbfTable::open(data + "/marks1.dbf");
+    auto t = DbfTable::open(school + "/marks1.dbf");
     QStringList column;
     for (t->MoveFirst(); !t->Eof() && column.size() < 3; t->MoveNext()) column << t->value(2).toString().trimmed();
     EXPECT_EQ(column, QStringList({"7.0", "9.5", kept}));
@@ -328,24 +310,12 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     EXPECT_FALSE(input->series_list()->isHidden());
 }
 
-}  // namespace
-}  // namespace veldo
-
-namespace veldo {
-namespace {
 
 // Entry 3 of the mark book menu opens the print screen over the menu: the
 // series list, a book chosen, EXIT back to the menu.
 TEST_F(DesktopWidgets, TheMarkBookMenuOpensThePrintScreen) {
     Desktop desktop(program, [] { return false; });
-    ASSERT_TRUE(desktop.start());
-    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
-    const QString data = drive.filePath("school");
-    ASSERT_TRUE(write_demo_school(desktop.context().run, data).ok);
-    desktop.context().run.data_folder = data;
-    desktop.QMainWindow::show();
-    qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"))->entry_button(2)->click();
-    auto* menu = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
+    MenuWidget* menu = mark_book_menu(desktop);
     ASSERT_TRUE(menu);
 
     int rows = -1;
