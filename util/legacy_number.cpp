@@ -317,29 +317,35 @@ int format_one_decimal_to(double value, char* out) {
         return int(text.size());
     }
     int n = 0;
+    auto write_tenths = [&](long long count) {
+        if (value < 0) out[n++] = '-';
+        char digits[24];
+        int d = 0;
+        const int decimal = int(count % 10);
+        count /= 10;
+        do {
+            digits[d++] = char('0' + count % 10);
+            count /= 10;
+        } while (count > 0);
+        while (d > 0) out[n++] = digits[--d];
+        out[n++] = '.';
+        out[n++] = char('0' + decimal);
+        return n;
+    };
     // A mark is far from a half in tenths almost always; then taking it to 15
     // digits first can't change the rounding, and the tenths are counted
-    // directly. Only near a half does the full digit work decide.
+    // directly.
     const double tenths = std::fabs(value) * 10.0;
     if (tenths < 1e9) {
         const double floor_part = std::floor(tenths);
         const double fraction = tenths - floor_part;
-        if (std::fabs(fraction - 0.5) > 1e-6) {
-            long long count = (long long)floor_part + (fraction > 0.5 ? 1 : 0);
-            if (value < 0) out[n++] = '-';
-            char digits[24];
-            int d = 0;
-            const int decimal = int(count % 10);
-            count /= 10;
-            do {
-                digits[d++] = char('0' + count % 10);
-                count /= 10;
-            } while (count > 0);
-            while (d > 0) out[n++] = digits[--d];
-            out[n++] = '.';
-            out[n++] = char('0' + decimal);
-            return n;
-        }
+        if (std::fabs(fraction - 0.5) > 1e-6) return write_tenths((long long)floor_part + (fraction > 0.5 ? 1 : 0));
+        // Near a half, the double nearest a whole number of hundredths (11.25,
+        // 0.15) is those hundredths to 15 digits (it lies within a part in
+        // 10^16 of them, and they have fewer than 15 digits here), and the
+        // half goes away from zero. Only other near-halves take the digit work.
+        const double hundredths = std::nearbyint(std::fabs(value) * 100.0);
+        if (hundredths / 100.0 == std::fabs(value)) return write_tenths(((long long)hundredths + 5) / 10);
     }
     std::string whole, fraction;
     fixed_digits(std::fabs(value), 1, whole, fraction);

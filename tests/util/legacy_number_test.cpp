@@ -125,7 +125,14 @@ TEST(LegacyNumberMask, OneDecimalAgreesWithTheGeneralMask) {
         if (i % 3 == 1) v = (std::round(v * 20) + 1e-12 * (i % 7 - 3)) / 20;  // a hair off a half
         ASSERT_EQ(format_one_decimal(v), format_mask(v, mask)) << v;
     }
-    for (double v : {1e8 + 0.05, 123456789.25, 1e12, -0.0, 0.0, 0.05, -0.05})
+    // Hundredths of every size up to a hundred million, past where the
+    // short road for them stops.
+    std::uniform_int_distribution<long long> hundredths(-20'000'000'000LL, 20'000'000'000LL);
+    for (int i = 0; i < 100000; ++i) {
+        const double v = double(hundredths(rng) / (i % 2 ? 1 : 1000)) / 100.0;
+        ASSERT_EQ(format_one_decimal(v), format_mask(v, mask)) << v;
+    }
+    for (double v : {1e8 + 0.05, 123456789.25, 99999999.95, 12345678.25, -9999999.85, 1e12, -0.0, 0.0, 0.05, -0.05})
         EXPECT_EQ(format_one_decimal(v), format_mask(v, mask)) << v;
 }
 
