@@ -112,12 +112,13 @@ void MarksGridView::scrollTo(const QModelIndex& index, ScrollHint hint) {
 
 // The keyboard stays in the grid when the closing editor held it. Qt gives it
 // back only while the window is the active one; the window's own focus is
-// what keys reach, active or not.
+// what keys reach, active or not. Tab opens the next cell's editor, which
+// keeps the keys.
 void MarksGridView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
     QWidget* keys = window()->focusWidget();
     const bool held = keys && (keys == editor || editor->isAncestorOf(keys));
     QTableView::closeEditor(editor, hint);
-    if (held) setFocus();
+    if (held && !editing()) setFocus();
 }
 
 }  // namespace veldo

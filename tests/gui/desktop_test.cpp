@@ -294,12 +294,21 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     QTest::qWait(20);
     EXPECT_EQ(grid->currentIndex(), grid->model()->index(4, after));
     EXPECT_EQ(grid->selectionModel()->selectedIndexes(), QModelIndexList{grid->currentIndex()});
-    // Keys reach the grid from one mark to the next even while the window
-    // is not the active one (a desktop without a window manager).
+    // Keys reach the grid from one mark to the next, and Tab's editor keeps
+    // them, even while the window is not the active one (a desktop without a
+    // window manager).
     QApplication::setActiveWindow(nullptr);
     type("1", Qt::Key_Return);
     type("2", Qt::Key_Return);
     EXPECT_EQ(grid->model()->data(grid->model()->index(5, after)).toString(), "2.0");
+    // Tab over a typed mark stores it and types on in the next column that
+    // takes marks.
+    grid->setCurrentIndex(grid->model()->index(6, 2));
+    type("6", Qt::Key_Tab);
+    type("7", Qt::Key_Tab);
+    EXPECT_EQ(shown(6), "6.0");
+    EXPECT_EQ(grid->model()->data(grid->model()->index(6, 3)).toString(), "7.0");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     QApplication::setActiveWindow(&desktop);
 
     auto t = DbfTable::open(school + "/marks1.dbf");
