@@ -80,19 +80,13 @@ void MarksGridView::updateGeometries() {
     place_frozen();
 }
 
-// Moving left past the frozen columns scrolls the marks back into view.
+// The move lands on its column at once, so that the selection follows it
+// (scrollTo keeps the cell clear of the frozen columns).
 QModelIndex MarksGridView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
-    QModelIndex current = QTableView::moveCursor(action, modifiers);
-    // The move lands on its column at once, so that the selection follows it.
+    const QModelIndex current = QTableView::moveCursor(action, modifiers);
     const int from = currentIndex().column();
-    if (landing_ && current.isValid() && current.column() != from)
-        current = model()->index(current.row(), landing_(current.column(), from));
-    if (action == MoveLeft && current.column() >= frozen_columns_ &&
-        visualRect(current).topLeft().x() < frozen_width()) {
-        const int shift = horizontalScrollBar()->value() + visualRect(current).topLeft().x() - frozen_width();
-        horizontalScrollBar()->setValue(shift);
-    }
-    return current;
+    if (!landing_ || !current.isValid() || current.column() == from) return current;
+    return model()->index(current.row(), landing_(current.column(), from));
 }
 
 // A cell never hides under the frozen columns.
