@@ -14,6 +14,8 @@
 #include "reports/worksheet.h"
 #include "store/table_layouts.h"
 #include "exchange/export_marks.h"
+#include "input/marks_input.h"
+#include "reports/print_service.h"
 #include "exchange/symbol_distribution.h"
 #include "markbook/column_actions.h"
 #include "markbook/marks_table.h"
@@ -317,38 +319,176 @@ int cmd_dump(Context& c) {
 
 // A print as the screens do it after the output choice: to a PDF file as
 // if the user pressed PRINT, or to a workbook as if he chose Excel.
+// The output of a print: a PDF file or a workbook named on the command line.
+struct CliOutput {
+    bool to_pdf = false;
+    QString target;
+};
+
+bool chosen_output(Context& c, CliOutput* out) {
+    out->to_pdf = c.options.contains("pdf");
+    if (out->to_pdf == c.options.contains("xlsx")) {
+        print_error("veldo-tally: print needs one of --pdf FILE and --xlsx FILE\n\n" + usage_text());
+        return false;
+    }
+    out->target = QDir::cleanPath(QDir(c.invocation_folder).absoluteFilePath(c.options.value(out->to_pdf ? "pdf" : "xlsx")));
+    return true;
+}
+
+// Runs a screen's print body on the chosen file.
+class CliPrinter : public PrintService {
+public:
+    CliPrinter(Context& c, CliOutput out) : c_(c), out_(std::move(out)) {}
+    bool print(const std::function<bool(ReportRun&)>& body) override {
+        PrintJob job;
+        if (!out_.to_pdf) install_worksheet_hooks(job, c_.run);
+        QtPrintSurface surface(out_.to_pdf ? out_.target : QDir::temp().filePath("veldo-tally-unused.pdf"));
+        ReportRun r{surface, job, c_.run, [this](PrintJob& j) {
+                        if (out_.to_pdf) {
+                            j.print_chosen = true;
+                            return;
+                        }
+                        const QFileInfo file(out_.target);
+                        j.print_chosen = false;
+                        j.output_to_excel = true;
+                        j.export_folder = file.absolutePath() + "/";
+                        j.export_stem = file.completeBaseName();
+                    }};
+        return body(r);
+    }
+
+private:
+    Context& c_;
+    CliOutput out_;
+};
+
+// The cycle marks screen with series --series K open, out of --input-total
+// where given. Null, with the reason on standard error, when it did not open.
+struct OpenSeries {
+    CliScreens screens;
+    ShellContext ctx;
+    std::unique_ptr<MarksInput> input;
+    explicit OpenSeries(Context& c) : ctx{c.run, c.store, c.dialogs, screens, Clock{}} {}
+};
+
+std::unique_ptr<OpenSeries> open_series(Context& c, PrintService& printer, const QStringList& more_inputs = {}) {
+    int series = 0;
+    QStringList row;
+    if (!chosen_series(c, &series, &row)) return nullptr;
+    auto open = std::make_unique<OpenSeries>(c);
+    open->input = std::make_unique<MarksInput>(open->ctx, printer);
+    open->input->list_series();
+    c.dialogs.inputs = QStringList{c.options.value("input-total")} + more_inputs;
+    if (!open->input->open_subject(series - 1)) {
+        if (!c.dialogs.refused)
+            print_error(open->input->learner_count() == 0 && open->input->ops_totale().isEmpty()
+                            ? c.run.tr("Daar is geen punteleêr PUNTE" + QString::number(series) + ".DBF in " +
+                                           c.run.data_folder + " nie.",
+                                       "There is no marks file PUNTE" + QString::number(series) + ".DBF in " +
+                                           c.run.data_folder + ".")
+                            : c.run.tr("Puntereeks " + QString::number(series) + " het geen leerders nie.",
+                                       "Mark series " + QString::number(series) + " has no learners."));
+        return nullptr;
+    }
+    if (c.options.contains("input-total") && open->input->input_total() != Val(c.options.value("input-total"))) {
+        open->input->restore_backup();
+        return nullptr;
+    }
+    return open;
+}
+
+// A series' marks as the grid shows them, then the total and the average.
+void show_series(Context& c, MarksInput& input) {
+    for (int r = 0; r < input.learner_count(); ++r) {
+        QStringList cells;
+        for (int col = 0; col < input.column_count(); ++col) cells << input.cell(r, col).trimmed();
+        c.out << cells.join('\t') << "\n";
+    }
+    c.out << input.heading(2) << ": " << c.run.tr("TOTAAL ", "TOTAL ") << input.total_text() << ", "
+          << c.run.tr("GEMIDDELD ", "AVERAGE ") << input.average_text() << "%\n";
+}
+
+int cmd_marks(Context& c) {
+    const QString what = c.positional.value(0);
+    if (what != "show" && what != "set" && what != "save") {
+        print_error("veldo-tally: marks takes show, set or save\n\n" + usage_text());
+        return 2;
+    }
+    if (what == "set" && (!c.options.contains("learner") || (!c.options.contains("value") && !c.options.contains("key")))) {
+        print_error("veldo-tally: marks set needs --learner and --value or --key\n\n" + usage_text());
+        return 2;
+    }
+    CliPrinter printer(c, {});
+    auto open = open_series(c, printer);
+    if (!open) return 1;
+    MarksInput& input = *open->input;
+    if (what == "show") {
+        show_series(c, input);
+        // Seen, not changed: the table goes back as it was opened.
+        return input.restore_backup() ? 0 : 1;
+    }
+    if (what == "set") {
+        const double learner = Val(c.options.value("learner"));
+        int row = 0;
+        while (row < input.learner_count() && !(learner > 0 && Val(input.cell(row, 0)) == learner)) ++row;
+        if (row == input.learner_count()) {
+            input.restore_backup();
+            print_error(c.run.tr("Daar is geen leerder " + c.options.value("learner") + " in puntereeks " +
+                                     c.options.value("series") + " nie.",
+                                 "There is no learner " + c.options.value("learner") + " in mark series " +
+                                     c.options.value("series") + "."));
+            return 1;
+        }
+        if ((c.options.contains("value") && !input.cell_changed(row, 2, c.options.value("value"))) ||
+            (c.options.contains("key") && !input.cell_changed(row, 3, c.options.value("key")))) {
+            input.restore_backup();
+            return 1;
+        }
+        c.out << input.cell(row, 1).trimmed() << ": " << input.cell(row, 2).trimmed() << " "
+              << input.cell(row, 3).trimmed() << "\n";
+    }
+    show_series(c, input);
+    return input.marks_save() && !c.dialogs.refused ? 0 : 1;
+}
+
+// Scaling as a click on the average does it, then the save.
+int cmd_scale_marks(Context& c) {
+    if (Val(c.options.value("average").trimmed()) == 0) {
+        print_error(c.run.tr("Die nuwe gemiddeld moet 'n getal bo 0 wees: niks is verskaal nie.",
+                             "The new average must be a number above 0: nothing was scaled."));
+        return 1;
+    }
+    CliPrinter printer(c, {});
+    auto open = open_series(c, printer, {c.options.value("average")});
+    if (!open) return 1;
+    MarksInput& input = *open->input;
+    const QString before = input.average_text();
+    input.scale_marks();
+    c.out << input.heading(2) << ": " << before << " -> " << input.average_text() << "\n";
+    return input.marks_save() && !c.dialogs.refused ? 0 : 1;
+}
+
 int cmd_print(Context& c) {
     const QString what = c.positional.value(0);
-    if (what != "markbook" && what != "symbols" && what != "setup" && what != "meritlist") {
-        print_error("veldo-tally: print takes markbook, meritlist, symbols or setup\n\n" + usage_text());
+    if (what != "markbook" && what != "symbols" && what != "setup" && what != "meritlist" && what != "marks") {
+        print_error("veldo-tally: print takes markbook, meritlist, symbols, setup or marks\n\n" + usage_text());
         return 2;
     }
-    const bool to_pdf = c.options.contains("pdf");
-    if (to_pdf == c.options.contains("xlsx")) {
-        print_error("veldo-tally: print needs one of --pdf FILE and --xlsx FILE\n\n" + usage_text());
-        return 2;
-    }
+    CliOutput output;
+    if (!chosen_output(c, &output)) return 2;
     int series = 0;
     QStringList row;
     if (!chosen_series(c, &series, &row)) return 1;
-    const QString target =
-        QDir::cleanPath(QDir(c.invocation_folder).absoluteFilePath(c.options.value(to_pdf ? "pdf" : "xlsx")));
+    CliPrinter printer(c, output);
 
-    PrintJob job;
-    if (!to_pdf) install_worksheet_hooks(job, c.run);
-    QtPrintSurface surface(to_pdf ? target : QDir::temp().filePath("veldo-tally-unused.pdf"));
-    ReportRun r{surface, job, c.run, [&](PrintJob& j) {
-                    if (to_pdf) {
-                        j.print_chosen = true;
-                        return;
-                    }
-                    const QFileInfo file(target);
-                    j.print_chosen = false;
-                    j.output_to_excel = true;
-                    j.export_folder = file.absolutePath() + "/";
-                    j.export_stem = file.completeBaseName();
-                }};
-
+    if (what == "marks") {
+        // The cycle marks screen's list, out of the input total, and the
+        // table back as it was.
+        auto open = open_series(c, printer);
+        if (!open) return 1;
+        const bool printed = open->input->marks_print();
+        return open->input->restore_backup() && printed && !c.dialogs.refused ? 0 : 1;
+    }
     if (what == "meritlist") {
         if (!c.options.contains("column")) {
             print_error("veldo-tally: print meritlist needs --column\n\n" + usage_text());
@@ -358,13 +498,15 @@ int cmd_print(Context& c) {
         if (!book) return 1;
         const int column = chosen_column(c, *book, "column", true);
         if (column < 0) return 1;
-        print_merit_list(r, *book->table, book->lists.name(column), column, series_title(row));
+        printer.print([&](ReportRun& r) {
+            return print_merit_list(r, *book->table, book->lists.name(column), column, series_title(row));
+        });
         return c.dialogs.refused ? 1 : 0;
     }
     if (what == "symbols") {
         TextGrid grid;
         if (!build_symbol_distribution(c.store, row, series, grid)) return 1;
-        print_symbol_distribution(r, grid, row);
+        printer.print([&](ReportRun& r) { return print_symbol_distribution(r, grid, row); });
         return c.dialogs.refused ? 1 : 0;
     }
     const auto key = find_setup_key(c.run.data_folder, series_key(row), SetupSearch::Readers);
@@ -375,7 +517,7 @@ int cmd_print(Context& c) {
     const MarkBookSetup setup =
         read_setup_file(QDir(c.run.data_folder).filePath(setup_file_name(*key))).value_or(MarkBookSetup());
     if (what == "setup") {
-        print_setup(r, setup);
+        printer.print([&](ReportRun& r) { return print_setup(r, setup); });
         return c.dialogs.refused ? 1 : 0;
     }
     const QString marks_path = find_ignoring_case(c.run.data_folder, marks_table_name(series));
@@ -393,7 +535,7 @@ int cmd_print(Context& c) {
         print_error(old_export_message(c.run));
         return 1;
     }
-    print_mark_book(r, setup, *marks, series_title(row));
+    printer.print([&](ReportRun& r) { return print_mark_book(r, setup, *marks, series_title(row)); });
     return c.dialogs.refused ? 1 : 0;
 }
 
@@ -427,10 +569,18 @@ const QList<Command>& commands() {
          0, cmd_export},
         {"symbols", "symbols --data DIR --series N", "print the symbol distribution of mark book N",
          {"data", "series"}, 0, cmd_symbols},
-        {"print", "print markbook|meritlist|symbols|setup --data DIR --series N [--column C] (--pdf FILE | --xlsx FILE)",
-         "print mark book N, the merit list of its column C, its symbol distribution or its setup to a PDF file or a "
-         "workbook",
-         {"data", "series", "column", "pdf", "xlsx"}, 1, cmd_print},
+        {"marks", "marks show|set|save --data DIR --series K [--input-total X] [--learner T-NR --value V --key E]",
+         "the marks of series K (punte<K>.dbf) out of X: show them, set a learner's mark or effort key and save, or "
+         "save them into obe_p<K>.dbf",
+         {"data", "series", "input-total", "learner", "value", "key"}, 1, cmd_marks},
+        {"scale-marks", "scale-marks --data DIR --series K --average X [--input-total Y]",
+         "move every mark of series K by the same points to class average X percent, and save",
+         {"data", "series", "average", "input-total"}, 0, cmd_scale_marks},
+        {"print", "print markbook|meritlist|symbols|setup|marks --data DIR --series N [--column C] [--input-total X] "
+                  "(--pdf FILE | --xlsx FILE)",
+         "print mark book N, the merit list of its column C, its symbol distribution or its setup, or the mark list "
+         "of series N out of X, to a PDF file or a workbook",
+         {"data", "series", "column", "input-total", "pdf", "xlsx"}, 1, cmd_print},
     };
     return list;
 }
@@ -479,7 +629,9 @@ int run_command_line(const QStringList& arguments, const QString& application_fo
     if (c.positional.size() != command->positional) return usage_error("wrong arguments for " + command->word);
     for (const QString& required : command->options)
         if (!(required == "to" && command->word == "export") && required != "pdf" && required != "xlsx" &&
-            !(required == "column" && command->word == "print") && !c.options.contains(required))
+            !(required == "column" && command->word == "print") && required != "input-total" &&
+            !(command->word == "marks" && (required == "learner" || required == "value" || required == "key")) &&
+            !c.options.contains(required))
             return usage_error(command->word + " needs --" + required);
     if (c.options.contains("lang") && c.options["lang"] != "af" && c.options["lang"] != "en")
         return usage_error("--lang takes af or en");

@@ -3,8 +3,10 @@
 // question is answered Yes, pickers return what the command line gave.
 
 #include <QString>
+#include <QStringList>
 #include <cstdio>
 
+#include "shell/screens.h"
 #include "util/user_dialogs.h"
 
 namespace veldo {
@@ -20,7 +22,10 @@ public:
             default: return MsgAnswer::Ok;
         }
     }
-    QString input(const QString&, const QString&, const QString& default_text) override { return default_text; }
+    // Prompts take the command line's answers in turn, then their defaults.
+    QString input(const QString&, const QString&, const QString& default_text) override {
+        return inputs.isEmpty() ? default_text : inputs.takeFirst();
+    }
     void beep() override {}
     QString choose_folder(const QString&, const QString& start_folder) override {
         return folder.isEmpty() ? start_folder : folder;
@@ -34,6 +39,21 @@ public:
     QString folder;        // what a folder picker answers
     QString file;          // what a file picker answers
     QString clipboard;
+    QStringList inputs;
+};
+
+// Screens for the command line: nothing to show, no other program to start.
+class CliScreens : public Screens {
+public:
+    void show(const QString&) override {}
+    void show_modal(const QString&) override {}
+    void unload(const QString&) override {}
+    bool is_loaded(const QString&) const override { return false; }
+    QStringList loaded() const override { return {}; }
+    void end_program() override {}
+    bool start_process(const QString&) override { return false; }
+    bool open_document(const QString&) override { return false; }
+    QStringList process_environment() const override { return {}; }
 };
 
 }  // namespace veldo

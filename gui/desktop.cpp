@@ -21,7 +21,9 @@
 #include "gui/manual_viewer_dialog.h"
 #include "gui/mark_book_input_widget.h"
 #include "gui/mark_book_print_widget.h"
+#include "gui/marks_input_widget.h"
 #include "gui/menu_widget.h"
+#include "input/marks_input.h"
 #include "markbook/mark_book_input.h"
 #include "markbook/mark_book_print_screen.h"
 #include "gui/password_prompt_dialog.h"
@@ -45,7 +47,6 @@ struct PendingScreen {
 };
 const QList<PendingScreen>& pending_screens() {
     static const QList<PendingScreen> list = {
-        {screen::punte_inlees, screen::punte_menu1, "INLEES PUNTE", "INPUT MARKS"},
         {screen::obe_inlees, screen::punte_menu1, "UGO INLEES", "OBE INPUT"},
         {screen::punte_druk, screen::punte_menu1, "DRUK PUNTELYS(TE)", "PRINT MARK LIST(S)"},
         {screen::pboek_opstel, screen::punte_menu2, "PUNTEBOEK OPSTEL", "MARK BOOK SETUP"},
@@ -134,6 +135,12 @@ QWidget* Desktop::make(const QString& name) {
         if (!input->load()) return nullptr;
         logic_.insert(name, input);
         return new MarkBookInputWidget(*input, this);
+    }
+    if (name == screen::punte_inlees) {
+        auto input = std::make_shared<MarksInput>(ctx_, printer_);
+        if (!input->load()) return nullptr;
+        logic_.insert(name, input);
+        return new MarksInputWidget(*input, this);
     }
     for (const PendingScreen& p : pending_screens())
         if (p.name == name) return new PlaceholderScreen(name, run_.tr(p.afrikaans, p.english), p.menu, *this, this);

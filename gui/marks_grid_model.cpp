@@ -3,11 +3,11 @@
 #include <QColor>
 #include <QScopedValueRollback>
 
-#include "markbook/mark_book_input.h"
+#include "shell/editable_grid.h"
 
 namespace veldo {
 
-MarksGridModel::MarksGridModel(MarkBookInput& input, QObject* parent) : QAbstractTableModel(parent), input_(input) {}
+MarksGridModel::MarksGridModel(EditableGrid& input, QObject* parent) : QAbstractTableModel(parent), input_(input) {}
 
 int MarksGridModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : input_.learner_count();

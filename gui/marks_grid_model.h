@@ -8,12 +8,12 @@
 
 namespace veldo {
 
-class MarkBookInput;
+class EditableGrid;
 
 class MarksGridModel : public QAbstractTableModel {
     Q_OBJECT
 public:
-    explicit MarksGridModel(MarkBookInput& input, QObject* parent = nullptr);
+    explicit MarksGridModel(EditableGrid& input, QObject* parent = nullptr);
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -31,7 +31,7 @@ signals:
     void refused(const QModelIndex& index);
 
 private:
-    MarkBookInput& input_;
+    EditableGrid& input_;
     // The refusal's message box takes the focus from the editor, which
     // hands its text in once more while the box is up: that second time
     // is not judged again.

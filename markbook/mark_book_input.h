@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "markbook/marks_table.h"
+#include "shell/editable_grid.h"
 #include "shell/form_header.h"
 #include "util/legacy_number.h"
 
@@ -19,10 +20,10 @@ namespace veldo {
 class PrintService;
 struct ShellContext;
 
-class MarkBookInput {
+class MarkBookInput : public EditableGrid {
 public:
     MarkBookInput(ShellContext& ctx, PrintService& printer);
-    ~MarkBookInput();
+    ~MarkBookInput() override;
 
     // The load: false when the data folder or its control files are
     // missing (the message has been shown, the screen unloaded and the menu
@@ -47,22 +48,22 @@ public:
     QString vak_info() const { return vak_info_; }
 
     // The book state: field indexes are the grid's columns.
-    int learner_count() const;
-    int column_count() const;            // 42
-    QString heading(int column) const;   // name, total and class average on three lines
+    int learner_count() const override;
+    int column_count() const override;  // 42
+    QString heading(int column) const override;  // name, total and class average on three lines
     bool column_hidden(int column) const;  // the columns of unnamed rows
-    bool column_takes_marks(int column) const;
+    bool column_takes_marks(int column) const override;
     // The stored text of a cell.
-    QString cell(int row, int column);
+    QString cell(int row, int column) override;
     // The column the cursor lands on when it enters `column` coming from
     // `from`: past the learner's columns and the totals.
-    int column_entered(int column, int from) const;
+    int column_entered(int column, int from) const override;
     // A cell left with a changed value: the range test and the store with
     // its running figure. False when the edit is refused (beep and message
     // shown) or could not be written (message shown): the grid cancels it.
-    bool cell_changed(int row, int column, const QString& typed);
+    bool cell_changed(int row, int column, const QString& typed) override;
     // Any key or click on the screen counts as activity.
-    void activity();
+    void activity() override;
     const OpenMarkBook* book() const { return book_.get(); }
 
     // Buttons.

@@ -6,7 +6,7 @@
 namespace veldo {
 
 void print_grid_pages(ReportRun& r, TextGrid& grid, QString title, const QString& paper,
-                      const GridReportOptions& options, bool setup_twin) {
+                      const GridReportOptions& options, bool setup_twin, const PageFoot& foot) {
     PageHeadOptions head;
     head.paper = paper;
     for (;;) {
@@ -16,13 +16,13 @@ void print_grid_pages(ReportRun& r, TextGrid& grid, QString title, const QString
         const GridReportResult result = setup_twin ? print_setup_report(r.surface, r.job, grid, options)
                                                    : print_grid_report(r.surface, r.job, grid, options);
         if (report_done(result)) return;
-        // The page foot: the number of the next page, then a new page.
+        // The page foot, then a new page.
         r.surface.set_font_name("Lucida Console");
-        r.surface.set_font_size(8);
+        r.surface.set_font_size(foot.font_size);
         r.surface.set_bold(false);
         r.surface.print_text(QString());
         r.surface.set_CurrentX(float(r.job.line_width - 8));
-        r.surface.print_text(QString::number(r.surface.Page() + 1) + ".../");
+        r.surface.print_text(QString::number(r.surface.Page() + (foot.next_page_number ? 1 : 0)) + ".../");
         r.surface.NewPage();
         r.job.new_print_job = true;
     }

@@ -21,6 +21,16 @@ QList<QuotedLine> read_lines(const QString& path) {
 
 }  // namespace
 
+bool remember_data_folder(const RunState& run, const QString& folder, bool create) {
+    const QString found = find_ignoring_case(folder, "user_info.txt");
+    if (found.isEmpty() && !create) return true;
+    QList<QuotedLine> lines = found.isEmpty() ? QList<QuotedLine>() : read_lines(found);
+    while (lines.size() < 3) lines.append(QuotedLine{QuotedValue::of_text(QString())});
+    lines[0] = QuotedLine{QuotedValue::of_text(run.data_folder)};
+    return write_file_atomic(found.isEmpty() ? run.in_folder(folder, "user_info.txt") : found,
+                             write_quoted_lines(lines.mid(0, 3)));
+}
+
 QString ChangeFolder::caption() const { return ctx_.run.tr("WYSIG DATA GIDS", "CHANGE DATA FOLDER"); }
 
 QString ChangeFolder::refused_hint() const {
@@ -33,7 +43,6 @@ QString ChangeFolder::refused_hint() const {
 void ChangeFolder::load() {
     loaded_ = true;
     RunState& run = ctx_.run;
-    const QString info_path = run.in_folder(run.program_folder, "user_info.txt");
     const QString found = find_ignoring_case(run.program_folder, "user_info.txt");
     const QList<QuotedLine> info = found.isEmpty() ? QList<QuotedLine>() : read_lines(found);
     const QString remembered = !info.isEmpty() && !info[0].isEmpty() ? info[0][0].as_text() : QString();
@@ -54,10 +63,7 @@ void ChangeFolder::load() {
     const QString drive = ctx_.store.drive_of(run.data_folder);
     write_file_atomic(run.in_folder(run.program_folder, "last_drive.txt"),
                       write_quoted_lines({{QuotedValue::of_text(drive)}}));
-    QList<QuotedLine> lines = found.isEmpty() ? QList<QuotedLine>() : read_lines(found);
-    while (lines.size() < 3) lines.append(QuotedLine{QuotedValue::of_text(QString())});
-    lines[0] = QuotedLine{QuotedValue::of_text(run.data_folder)};
-    write_file_atomic(found.isEmpty() ? info_path : found, write_quoted_lines(lines.mid(0, 3)));
+    remember_data_folder(run, run.program_folder, true);
     unload();
 }
 

@@ -8,7 +8,13 @@
 
 namespace veldo {
 
+struct RunState;
 struct ShellContext;
+
+// `user_info.txt` in `folder` (any case) with the data folder as its first
+// line and the old second and third lines behind it. A missing file is made
+// only when `create` is true. False when it could not be written.
+bool remember_data_folder(const RunState& run, const QString& folder, bool create);
 
 class ChangeFolder {
 public:

@@ -53,7 +53,8 @@ TEST_F(Cli, HelpListsEveryCommandWord) {
 TEST_F(Cli, BadUsageExitsTwoWithTheUsage) {
     const QList<QStringList> cases = {
         {"frobnicate"}, {"series"}, {"series", "--data"}, {"series", "--data", "x", "--lang", "fr"}, {"dump"},
-        {"series", "--data", "x", "--bogus", "1"}, {"print", "marks", "--data", "x", "--series", "1", "--pdf", "x.pdf"},
+        {"series", "--data", "x", "--bogus", "1"}, {"print", "bogus", "--data", "x", "--series", "1", "--pdf", "x.pdf"},
+        {"marks", "frob", "--data", "x", "--series", "1"}, {"marks", "set", "--data", "x", "--series", "1", "--value", "1"},
         {"print", "setup", "--data", "x", "--series", "1"},
         {"print", "setup", "--data", "x", "--series", "1", "--pdf", "a", "--xlsx", "b"}};
     for (const QStringList& args : cases) {
@@ -340,6 +341,51 @@ TEST_F(CliBook, RefusalsUseTheSystemsMessages) {
     EXPECT_EQ(r.exit_code, 1);
     EXPECT_EQ(r.err.trimmed(), "Daar is geen puntereeks 99 in " + data() + " nie.");
     EXPECT_EQ(run({"recalc", "--data", data()}).exit_code, 2);
+}
+
+// The cycle marks words: each opens the series as the screen does and ends
+// with its save, or puts the table back where nothing was to change.
+TEST_F(CliBook, CycleMarksAreSetShownScaledAndPrinted) {
+    const QString punte = data() + "/punte1.dbf";
+    struct Step {
+        QString word;
+        QStringList args;
+        int exit_code;
+        QString out_or_err;  // a line the run must print (standard output, or error where it fails)
+        bool changes;        // punte1.dbf differs afterwards
+    };
+    const QString pdf = drive.filePath("marks.pdf");
+    const Step steps[] = {
+        {"marks", {"set", "--input-total", "50", "--learner", "10001", "--value", "40", "--key", "3"}, 0,
+         "Botha, Anri: 40.0 3", true},
+        {"marks", {"set", "--input-total", "50", "--learner", "10002", "--value", "51"}, 1,
+         "Marks can only be ' ', 'A', 'a' or 0- 50", false},
+        {"marks", {"set", "--input-total", "0", "--learner", "10002", "--value", "1"}, 1,
+         "The INPUT TOTAL must be above 0 and at most 9999: marks are input out of the SUBJECT TOTAL of 100.", false},
+        {"marks", {"set", "--learner", "99999", "--value", "1"}, 1, "There is no learner 99999 in mark series 1.", false},
+        {"marks", {"show", "--input-total", "50"}, 0, "MARK( 50): TOTAL 40.0, AVERAGE 80.0%", false},
+        {"marks", {"show", "--lang", "af"}, 0, "10001\tBotha, Anri\t80.0\t3", false},
+        {"scale-marks", {"--average", "70"}, 0, "MARK( 100): 80.0 -> 70.0", true},
+        {"print", {"marks", "--pdf", pdf}, 0, "", false},
+        {"marks", {"save"}, 0, "MARK( 100): TOTAL 70.0, AVERAGE 70.0%", false},
+    };
+    for (const Step& s : steps) {
+        SCOPED_TRACE((s.word + " " + s.args.join(' ')).toStdString());
+        const QByteArray before = read_bytes(punte);
+        const auto r = on(s.word, 1, s.args);
+        EXPECT_EQ(r.exit_code, s.exit_code) << r.err.toStdString();
+        EXPECT_TRUE((s.exit_code == 0 ? r.out : r.err).contains(s.out_or_err)) << r.out.toStdString() << r.err.toStdString();
+        EXPECT_EQ(read_bytes(punte) != before, s.changes);
+    }
+    EXPECT_EQ(dump("obe_p1.dbf").value(1).split('\t').mid(0, 3), (QStringList{"10001", "Botha, Anri", "70.0"}));
+    const QString text = pdf_text(pdf);
+    for (const char* part : {"8 AFR__ 8A", "Botha, Anri", "70.0", "AVERAGE :=", "70.0%"})
+        EXPECT_TRUE(text.contains(part)) << part << "\n" << text.toStdString();
+
+    QFile::remove(data() + "/punte9.dbf");
+    const auto r = on("marks", 9, {"show"});
+    EXPECT_EQ(r.exit_code, 1);
+    EXPECT_EQ(r.err.trimmed(), "There is no marks file PUNTE9.DBF in " + data() + ".");
 }
 
 // The print word, read back as a reader would: the PDF's text and the

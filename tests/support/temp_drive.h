@@ -8,10 +8,14 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <memory>
+#include <ostream>
 
 #include "store/record_store.h"
 #include "store/run_state.h"
 #include "tests/support/scripted_dialogs.h"
+
+// Failures show texts as text.
+inline void PrintTo(const QString& text, std::ostream* os) { *os << '"' << text.toStdString() << '"'; }
 
 namespace veldo::testing {
 
