@@ -39,9 +39,17 @@ MarksInputWidget::MarksInputWidget(MarksInput& input, QWidget* parent)
     paint_form(this);
     resize(900, 680);
     auto* layout = new QVBoxLayout(this);
+    auto* school = named_label("ops_ops1", this);
+    school->setText(input_.school_name());
+    school->setAlignment(Qt::AlignCenter);
+    layout->addWidget(school);
     vak_ops_ = screen_title(input_.caption(), this);
     vak_ops_->setObjectName("vak_ops");
     layout->addWidget(vak_ops_);
+    auto* folder = named_label("dir_disp", this);
+    folder->setText(input_.data_folder());
+    folder->setAlignment(Qt::AlignCenter);
+    layout->addWidget(folder);
     ops_totale_ = named_label("ops_totale", this);
     ops_totale_->setAlignment(Qt::AlignCenter);
     layout->addWidget(ops_totale_);
@@ -85,19 +93,25 @@ MarksInputWidget::MarksInputWidget(MarksInput& input, QWidget* parent)
     progress_->setObjectName("ProgressBar1");
     progress_->hide();
     layout->addWidget(progress_);
+    // The sort's progress, while a series opens.
     input_.set_progress([this](int done, int count) {
         progress_->setMaximum(std::max(count, 1));
         progress_->setValue(done);
+        progress_->setVisible(done < count);
     });
 
     auto* figures = new QHBoxLayout;
+    const QStringList figure_captions = input_.figure_captions();
     figures->addStretch(1);
+    figures->addWidget(new QLabel(figure_captions.value(0), this));
     total_ = named_label("punte_inlees_tot", this);
     total_->setMinimumWidth(90);
     total_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     total_->setFrameShape(QFrame::Panel);
     total_->setFrameShadow(QFrame::Sunken);
     figures->addWidget(total_);
+    figures->addSpacing(16);
+    figures->addWidget(new QLabel(figure_captions.value(1), this));
     average_ = new QPushButton(this);
     average_->setObjectName("punte_inlees_gem");
     average_->setMinimumWidth(90);
@@ -177,8 +191,6 @@ void MarksInputWidget::refresh() {
 }
 
 void MarksInputWidget::open_row(int row) {
-    progress_->show();
-    vak_grid_->hide();
     const bool opened = input_.open_subject(row);
     progress_->hide();
     refresh();

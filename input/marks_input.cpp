@@ -123,6 +123,14 @@ QStringList MarksInput::tool_tips() const {
             " PRINT = Print a Mark list ", QString(), "EXIT"};
 }
 
+QString MarksInput::school_name() const { return ctx_.run.school_name; }
+
+QString MarksInput::data_folder() const { return QDir::toNativeSeparators(ctx_.run.data_folder); }
+
+QStringList MarksInput::figure_captions() const {
+    return ctx_.run.language_afrikaans ? QStringList{"TOTAAL", "GEMIDDELD %"} : QStringList{"TOTAL", "AVERAGE %"};
+}
+
 QString MarksInput::average_tool_tip() const {
     return ctx_.run.tr(" Doen VERSKALINGS (punte aanpassing volgens gemiddeld verskaf) ... ",
                        " Do SCALING (marks adjusted according to given average) ... ");

@@ -71,6 +71,11 @@ public:
     QStringList tool_tips() const;
     QString average_tool_tip() const;
     const FormHeader& header() const { return header_; }
+    // ops_ops1 and dir_disp: the school's name and the data folder.
+    QString school_name() const;
+    QString data_folder() const;
+    // The captions beside the two labels: "TOTAAL", "GEMIDDELD %" or their English.
+    QStringList figure_captions() const;
 
     // The list state.
     const QList<QStringList>& series() const { return series_; }

@@ -50,17 +50,6 @@ for lang in af en; do
     sleep 0.8; shoot "splash-$lang"
     sleep 2.2; shoot "punte_mnu-$lang"
     key 1; shoot "punte_menu1-$lang"
-    # Cycle marks: series 1 out of 50, effort keys too; a mark, a key, a
-    # refused mark.
-    key 1; shoot "punte_inlees-list-$lang"
-    key Return; shoot "punte_inlees-total-$lang"
-    xdotool type 50; key Return; shoot "punte_inlees-converting-$lang"
-    key Return; shoot "punte_inlees-effort-$lang"
-    key Return; shoot "punte_inlees-series-$lang"
-    for k in 4 2 Return 3 Return 3 8 period 5 Return Return 5 1; do xdotool key $k; sleep 0.2; done
-    shoot "punte_inlees-typing-$lang"
-    key Return; shoot "punte_inlees-refused-$lang"
-    key Return; key Escape
     stop_program
 
     start_program
@@ -82,6 +71,23 @@ for lang in af en; do
     shoot "scaling-$lang"
     xdotool type 65; key Return
     shoot "scaled-$lang"
+    stop_program
+
+    # Cycle marks: series 1 out of 50, effort keys too; a mark, a key, a
+    # refused mark.
+    start_program
+    sleep 3
+    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
+    key Return
+    key 1; key 1; shoot "punte_inlees-list-$lang"
+    key Return; shoot "punte_inlees-total-$lang"
+    xdotool type 50; key Return; shoot "punte_inlees-converting-$lang"
+    key Return; shoot "punte_inlees-effort-$lang"
+    key Return; shoot "punte_inlees-series-$lang"
+    for k in 4 2 Return 3 Return 3 8 period 5 Return Return 5 1; do xdotool key $k; sleep 0.2; done
+    shoot "punte_inlees-typing-$lang"
+    key Return; shoot "punte_inlees-refused-$lang"
+    key Return; key Escape
     stop_program
     rm -rf "$drive"
 done

@@ -382,6 +382,16 @@ TEST_F(CliBook, CycleMarksAreSetShownScaledAndPrinted) {
     for (const char* part : {"8 AFR__ 8A", "Botha, Anri", "70.0", "AVERAGE :=", "70.0%"})
         EXPECT_TRUE(text.contains(part)) << part << "\n" << text.toStdString();
 
+    // The workbook holds the list and the averages as its last rows.
+    const QString xlsx = drive.filePath("marks.xlsx");
+    ASSERT_EQ(on("print", 1, {"marks", "--xlsx", xlsx}).exit_code, 0);
+    SheetReadError error;
+    const auto sheet = read_first_sheet(xlsx, &error);
+    ASSERT_TRUE(sheet) << error.detail.toStdString();
+    ASSERT_GE(sheet->size(), 4);
+    const QStringList last = sheet->at(sheet->size() - 2), percent = sheet->at(sheet->size() - 1);
+    EXPECT_EQ((QStringList{last.value(2), last.value(3), percent.value(3)}), (QStringList{"AVERAGE :=", "70", "70.0%"}));
+
     QFile::remove(data() + "/punte9.dbf");
     const auto r = on("marks", 9, {"show"});
     EXPECT_EQ(r.exit_code, 1);

@@ -6,6 +6,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QHeaderView>
+#include <QInputDialog>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
@@ -18,6 +19,7 @@
 
 #include "gui/desktop.h"
 #include "gui/mark_book_input_widget.h"
+#include "gui/marks_input_widget.h"
 #include "gui/marks_grid_view.h"
 #include "gui/menu_widget.h"
 #include "gui/refused_folder_form.h"
@@ -35,15 +37,15 @@ struct DesktopWidgets : ::testing::Test {
     QString school = drive.filePath("school");
 
     // An English desktop on the demo school, shown, at the mark book menu.
-    MenuWidget* mark_book_menu(Desktop& desktop) {
+    MenuWidget* mark_book_menu(Desktop& desktop, int entry = 2) {
         if (!desktop.start()) return nullptr;
         qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
         if (!write_demo_school(desktop.context().run, school).ok) return nullptr;
         desktop.context().run.data_folder = school;
         desktop.QMainWindow::show();
         QApplication::setActiveWindow(&desktop);
-        qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"))->entry_button(2)->click();
-        return qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
+        qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"))->entry_button(entry)->click();
+        return qobject_cast<MenuWidget*>(desktop.screen_widget(entry == 2 ? "punte_menu2" : "punte_menu1"));
     }
     void SetUp() override {
         qputenv("KESTRALIN_DRIVE", drive.path().toUtf8());
@@ -322,6 +324,81 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
 
 // Entry 3 of the mark book menu opens the print screen over the menu: the
 // series list, a book chosen, EXIT back to the menu.
+// Cycle marks at the keyboard: out of 50 with effort keys, the zigzag
+// between mark and key, a refused mark, and the exit that saves.
+TEST_F(DesktopWidgets, CycleMarksAreKeyedWithTheirEffortKeys) {
+    Desktop desktop(program, [] { return false; });
+    MenuWidget* menu = mark_book_menu(desktop, 1);
+    ASSERT_TRUE(menu);
+    menu->entry_button(1)->click();
+    auto* input = qobject_cast<MarksInputWidget*>(desktop.screen_widget("punte_inlees"));
+    ASSERT_TRUE(input);
+    EXPECT_EQ(input->series_list()->rowCount(), 9);
+
+    // Every box is answered as a teacher would: 50 for the input total, Yes
+    // to effort keys, No to the print, OK to the rest.
+    QStringList said;
+    QTimer answerer;
+    QObject::connect(&answerer, &QTimer::timeout, [&] {
+        for (QWidget* w : QApplication::topLevelWidgets()) {
+            if (auto* box = qobject_cast<QInputDialog*>(w); box && box->isVisible()) {
+                said << box->labelText();
+                box->setTextValue("50");
+                box->accept();
+            }
+            if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
+                said << box->text();
+                const bool print = box->text().contains("PRINT");
+                QAbstractButton* b = box->button(print ? QMessageBox::No : QMessageBox::Yes);
+                if (!b) b = box->button(QMessageBox::Ok);
+                if (b) b->click();
+            }
+        }
+    });
+    answerer.start(20);
+    input->series_list()->setCurrentCell(0, 0);
+    QTest::keyClick(input->series_list(), Qt::Key_Return);
+    EXPECT_EQ(said, (QStringList{"INPUT TOTAL\r\n\r\n[ SUBJECT TOTAL =  100 ]\r\n", "Busy converting marks from 100 to 50!",
+                                 "ARE YOU GOING TO INPUT EFFORT KEYS ALSO ?"}));
+    MarksGridView* grid = input->grid();
+    ASSERT_FALSE(grid->isHidden());
+    ASSERT_EQ(grid->model()->rowCount(), 32);
+    EXPECT_EQ(grid->model()->headerData(2, Qt::Horizontal).toString(), "MARK( 50)");
+    EXPECT_EQ(grid->currentIndex(), grid->model()->index(0, 2));
+
+    struct Key {
+        const char* keys;
+        int row, column;  // where the cursor is afterwards
+        const char* total;
+    };
+    const Key keys[] = {{"42", 0, 3, "42.0"}, {"3", 1, 2, "42.0"}, {"51", 1, 2, "42.0"},  // refused
+                        {"38.5", 1, 3, "80.5"}, {"", 2, 2, "80.5"}};
+    for (const Key& k : keys) {
+        SCOPED_TRACE(k.keys);
+        said.clear();
+        QApplication::setActiveWindow(&desktop);
+        const auto focus = [&] { return QApplication::focusWidget() ? QApplication::focusWidget() : grid; };
+        for (const QChar key : QString(k.keys)) QTest::keyClicks(focus(), QString(key));
+        QTest::keyClick(focus(), Qt::Key_Return);
+        QTest::qWait(80);
+        QApplication::setActiveWindow(&desktop);
+        EXPECT_EQ(grid->currentIndex(), grid->model()->index(k.row, k.column));
+        EXPECT_EQ(input->label("punte_inlees_tot")->text(), k.total);
+        EXPECT_EQ(said, QString(k.keys) == "51" ? QStringList{"Marks can only be ' ', 'A', 'a' or 0- 50"} : QStringList());
+    }
+    EXPECT_EQ(input->button("punte_inlees_gem")->text(), "80.5");
+
+    said.clear();
+    input->button("marks_exit")->click();
+    EXPECT_EQ(said, (QStringList{"Busy converting marks from 50 to 100!", "DO YOU WANT TO PRINT A MARK LIST ?"}));
+    EXPECT_FALSE(input->series_list()->isHidden());
+    auto t = DbfTable::open(school + "/obe_p1.dbf");
+    QStringList saved;
+    for (t->MoveFirst(); !t->Eof(); t->MoveNext())
+        if (!t->value(2).toString().trimmed().isEmpty()) saved << t->value(1).toString().trimmed() + " " + t->value(2).toString().trimmed();
+    EXPECT_EQ(saved, (QStringList{"Bezuidenhout, Sipho 77.0", "Adams, Anri 84.0"}));
+}
+
 TEST_F(DesktopWidgets, TheMarkBookMenuOpensThePrintScreen) {
     Desktop desktop(program, [] { return false; });
     MenuWidget* menu = mark_book_menu(desktop);
