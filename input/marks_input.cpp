@@ -199,24 +199,20 @@ bool MarksInput::open_subject(int row) {
     // replaces the last good one.
     DbfError error;
     auto table = DbfTable::open(found, &error);
-    if (table && (table->field_count() < 4 || table->field(kClassListMark).type != DbfType::Character))
-        error = DbfError{DbfError::NoSuchField, found, table->field_count() < 3 ? "EF_PUNT" : "EF_P_S"}, table.reset();
+    if (table && (table->field_count() < 4 || table->field(kClassListMark).type != DbfType::Character)) {
+        error = DbfError{DbfError::NoSuchField, found, table->field_count() < 3 ? "EF_PUNT" : "EF_P_S"};
+        table.reset();
+    }
     if (!table) {
         ctx_.dialogs.message(dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
         return false;
     }
-    table.reset();
     const QString backup = path_ignoring_case(run.data_folder, QString("PUNTE%1.BAK").arg(k));
     QString why;
     if (!copy_file_atomic(found, backup, &why)) {
         ctx_.dialogs.message(run.tr("Kan nie " + QDir::toNativeSeparators(backup) + " skryf nie: " + why,
                                     "Can't write " + QDir::toNativeSeparators(backup) + ": " + why),
                              MsgIcon::Critical);
-        return false;
-    }
-    table = DbfTable::open(found, &error);
-    if (!table) {
-        ctx_.dialogs.message(dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
         return false;
     }
     table_ = std::move(table);
@@ -428,8 +424,10 @@ bool MarksInput::marks_save() {
     auto obe = DbfTable::open(path_ignoring_case(run.data_folder, obe_name), &error);
     const int number_field = obe ? obe->field_index("eo_t_nr") : -1;
     const int mark_field = obe ? obe->field_index("eo_punt") : -1;
-    if (obe && (number_field < 0 || mark_field < 0))
-        error = DbfError{DbfError::NoSuchField, obe->path(), number_field < 0 ? "EO_T_NR" : "EO_PUNT"}, obe.reset();
+    if (obe && (number_field < 0 || mark_field < 0)) {
+        error = DbfError{DbfError::NoSuchField, obe->path(), number_field < 0 ? "EO_T_NR" : "EO_PUNT"};
+        obe.reset();
+    }
     if (!obe || !obe->begin_batch()) {
         if (obe) error = obe->last_error();
         ctx_.dialogs.message(dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
