@@ -14,6 +14,8 @@
 #include "reports/worksheet.h"
 #include "store/table_layouts.h"
 #include "exchange/export_marks.h"
+#include "input/assessment_input.h"
+#include "input/mark_lists.h"
 #include "input/marks_input.h"
 #include "reports/print_service.h"
 #include "exchange/symbol_distribution.h"
@@ -362,8 +364,9 @@ private:
     CliOutput out_;
 };
 
-// The cycle marks screen with series --series K open, out of --input-total
-// where given. Null, with the reason on standard error, when it did not open.
+// The cycle marks screen (or, with `mode` 0 to 3, the assessment screen in
+// that mode) with series --series K open, out of --input-total where given.
+// Null, with the reason on standard error, when it did not open.
 struct OpenSeries {
     CliScreens screens;
     ShellContext ctx;
@@ -371,21 +374,27 @@ struct OpenSeries {
     explicit OpenSeries(Context& c) : ctx{c.run, c.store, c.dialogs, screens, Clock{}} {}
 };
 
-std::unique_ptr<OpenSeries> open_series(Context& c, PrintService& printer, const QStringList& more_inputs = {}) {
+std::unique_ptr<OpenSeries> open_series(Context& c, PrintService& printer, const QStringList& more_inputs = {},
+                                        int mode = AssessmentInput::NoMode) {
     int series = 0;
     QStringList row;
     if (!chosen_series(c, &series, &row)) return nullptr;
     auto open = std::make_unique<OpenSeries>(c);
-    open->input = std::make_unique<MarksInput>(open->ctx, printer);
+    const bool assessment = mode != AssessmentInput::NoMode;
+    if (assessment)
+        open->input = std::make_unique<AssessmentInput>(open->ctx, printer);
+    else
+        open->input = std::make_unique<MarksInput>(open->ctx, printer);
     open->input->list_series();
     c.dialogs.inputs = QStringList{c.options.value("input-total")} + more_inputs;
-    if (!open->input->open_subject(series - 1)) {
+    bool opened = open->input->open_subject(series - 1);
+    if (opened && assessment) opened = static_cast<AssessmentInput&>(*open->input).io_ok(mode);
+    if (!opened) {
+        const QString table = (assessment ? "OBE_P" : "PUNTE") + QString::number(series) + ".DBF";
         if (!c.dialogs.refused)
-            print_error(open->input->learner_count() == 0 && open->input->ops_totale().isEmpty()
-                            ? c.run.tr("Daar is geen punteleêr PUNTE" + QString::number(series) + ".DBF in " +
-                                           c.run.data_folder + " nie.",
-                                       "There is no marks file PUNTE" + QString::number(series) + ".DBF in " +
-                                           c.run.data_folder + ".")
+            print_error(!open->input->has_table()
+                            ? c.run.tr("Daar is geen punteleêr " + table + " in " + c.run.data_folder + " nie.",
+                                       "There is no marks file " + table + " in " + c.run.data_folder + ".")
                             : c.run.tr("Puntereeks " + QString::number(series) + " het geen leerders nie.",
                                        "Mark series " + QString::number(series) + " has no learners."));
         return nullptr;
@@ -401,7 +410,8 @@ std::unique_ptr<OpenSeries> open_series(Context& c, PrintService& printer, const
 void show_series(Context& c, MarksInput& input) {
     for (int r = 0; r < input.learner_count(); ++r) {
         QStringList cells;
-        for (int col = 0; col < input.column_count(); ++col) cells << input.cell(r, col).trimmed();
+        for (int col = 0; col < input.column_count(); ++col)
+            if (input.column_shown(col)) cells << input.cell(r, col).trimmed();
         c.out << cells.join('\t') << "\n";
     }
     c.out << input.heading(2) << ": " << c.run.tr("TOTAAL ", "TOTAL ") << input.total_text() << ", "
@@ -451,6 +461,67 @@ int cmd_marks(Context& c) {
     return input.marks_save() && !c.dialogs.refused ? 0 : 1;
 }
 
+// The assessment screen in mode --mode: show, set a learner's fields, save.
+int cmd_obe(Context& c) {
+    const QString what = c.positional.value(0);
+    const QString mode_text = c.options.value("mode").trimmed();
+    const int mode = mode_text.size() == 1 && mode_text[0] >= '0' && mode_text[0] <= '3' ? mode_text.toInt() : -1;
+    if ((what != "show" && what != "set" && what != "save") || mode < 0) {
+        print_error("veldo-tally: obe takes show, set or save and --mode 0, 1, 2 or 3\n\n" + usage_text());
+        return 2;
+    }
+    const bool any_field = c.options.contains("value") || c.options.contains("key") || c.options.contains("formative");
+    if (what == "set" && (!c.options.contains("learner") || !any_field)) {
+        print_error("veldo-tally: obe set needs --learner and --value, --key or --formative\n\n" + usage_text());
+        return 2;
+    }
+    CliPrinter printer(c, {});
+    auto open = open_series(c, printer, {}, mode);
+    if (!open) return 1;
+    MarksInput& input = *open->input;
+    if (what == "show") {
+        show_series(c, input);
+        return input.restore_backup() ? 0 : 1;
+    }
+    if (what == "set") {
+        const double learner = Val(c.options.value("learner"));
+        int row = 0;
+        while (row < input.learner_count() && !(learner > 0 && Val(input.cell(row, 0)) == learner)) ++row;
+        if (row == input.learner_count()) {
+            input.restore_backup();
+            print_error(c.run.tr("Daar is geen leerder " + c.options.value("learner") + " in puntereeks " +
+                                     c.options.value("series") + " nie.",
+                                 "There is no learner " + c.options.value("learner") + " in mark series " +
+                                     c.options.value("series") + "."));
+            return 1;
+        }
+        QList<std::pair<int, QString>> fields;
+        if (c.options.contains("value")) fields.append({kClassListMark, c.options.value("value")});
+        if (c.options.contains("key")) fields.append({kAssessmentKey, c.options.value("key")});
+        if (c.options.contains("formative")) {
+            const QStringList marks = c.options.value("formative").split(',');
+            for (int i = 0; i < marks.size() && i < 4; ++i)
+                fields.append({kAssessmentFormativeFirst + i, marks[i]});
+        }
+        for (const auto& [column, value] : fields) {
+            if (!input.column_shown(column)) {
+                input.restore_backup();
+                print_error(c.run.tr("Modus " + mode_text + " wys nie die kolom " + input.heading(column).trimmed() +
+                                         " nie.",
+                                     "Mode " + mode_text + " does not show the column " +
+                                         input.heading(column).trimmed() + "."));
+                return 1;
+            }
+            if (!input.cell_changed(row, column, value)) {
+                input.restore_backup();
+                return 1;
+            }
+        }
+    }
+    show_series(c, input);
+    return input.marks_save() && !c.dialogs.refused ? 0 : 1;
+}
+
 // Scaling as a click on the average does it, then the save.
 int cmd_scale_marks(Context& c) {
     if (Val(c.options.value("average").trimmed()) == 0) {
@@ -470,8 +541,10 @@ int cmd_scale_marks(Context& c) {
 
 int cmd_print(Context& c) {
     const QString what = c.positional.value(0);
-    if (what != "markbook" && what != "symbols" && what != "setup" && what != "meritlist" && what != "marks") {
-        print_error("veldo-tally: print takes markbook, meritlist, symbols, setup or marks\n\n" + usage_text());
+    if (what != "markbook" && what != "symbols" && what != "setup" && what != "meritlist" && what != "marks" &&
+        what != "marklist") {
+        print_error("veldo-tally: print takes markbook, meritlist, symbols, setup, marks or marklist\n\n" +
+                    usage_text());
         return 2;
     }
     CliOutput output;
@@ -488,6 +561,18 @@ int cmd_print(Context& c) {
         if (!open) return 1;
         const bool printed = open->input->marks_print();
         return open->input->restore_backup() && printed && !c.dialogs.refused ? 0 : 1;
+    }
+    if (what == "marklist") {
+        // The mark lists screen: the series chosen, its print total unless
+        // --print-total gives one, alphabetical or by rank.
+        CliScreens screens;
+        ShellContext ctx{c.run, c.store, c.dialogs, screens, Clock{}};
+        MarkLists lists(ctx, printer);
+        lists.load();
+        lists.select_series(series - 1);
+        if (c.options.contains("print-total")) lists.set_print_total(c.options.value("print-total"));
+        lists.set_rank_order(c.options.contains("rank"));
+        return lists.punte_druk_print() && !c.dialogs.refused ? 0 : 1;
     }
     if (what == "meritlist") {
         if (!c.options.contains("column")) {
@@ -573,14 +658,19 @@ const QList<Command>& commands() {
          "the marks of series K (punte<K>.dbf) out of X: show them, set a learner's mark or effort key and save, or "
          "save them into obe_p<K>.dbf",
          {"data", "series", "input-total", "learner", "value", "key"}, 1, cmd_marks},
+        {"obe", "obe show|set|save --data DIR --series K --mode M [--input-total X] [--learner T-NR --value V --key E "
+                "--formative F1,F2,F3,F4]",
+         "the assessment of series K (obe_p<K>.dbf) in mode M (0 marks, 1 effort keys, 2 formative marks, 3 all): "
+         "show it, set a learner's fields and save, or save the marks into punte<K>.dbf",
+         {"data", "series", "mode", "input-total", "learner", "value", "key", "formative"}, 1, cmd_obe},
         {"scale-marks", "scale-marks --data DIR --series K --average X [--input-total Y]",
          "move every mark of series K by the same points to class average X percent, and save",
          {"data", "series", "average", "input-total"}, 0, cmd_scale_marks},
-        {"print", "print markbook|meritlist|symbols|setup|marks --data DIR --series N [--column C] [--input-total X] "
-                  "(--pdf FILE | --xlsx FILE)",
-         "print mark book N, the merit list of its column C, its symbol distribution or its setup, or the mark list "
-         "of series N out of X, to a PDF file or a workbook",
-         {"data", "series", "column", "input-total", "pdf", "xlsx"}, 1, cmd_print},
+        {"print", "print markbook|meritlist|symbols|setup|marks|marklist --data DIR --series N [--column C] "
+                  "[--input-total X] [--rank] [--print-total X] (--pdf FILE | --xlsx FILE)",
+         "print mark book N, the merit list of its column C, its symbol distribution or its setup; the cycle marks "
+         "list of series N out of X; or its mark list in alphabetical or rank order, to a PDF file or a workbook",
+         {"data", "series", "column", "input-total", "rank", "print-total", "pdf", "xlsx"}, 1, cmd_print},
     };
     return list;
 }
@@ -620,6 +710,10 @@ int run_command_line(const QStringList& arguments, const QString& application_fo
         if (a.startsWith("--")) {
             const QString name = a.mid(2);
             if (name != "lang" && !command->options.contains(name)) return usage_error("unknown option " + a);
+            if (name == "rank") {  // a switch, without a value
+                c.options[name] = "yes";
+                continue;
+            }
             if (i + 1 >= arguments.size()) return usage_error(a + " needs a value");
             c.options[name] = arguments[++i];
         } else {
@@ -630,7 +724,9 @@ int run_command_line(const QStringList& arguments, const QString& application_fo
     for (const QString& required : command->options)
         if (!(required == "to" && command->word == "export") && required != "pdf" && required != "xlsx" &&
             !(required == "column" && command->word == "print") && required != "input-total" &&
-            !(command->word == "marks" && (required == "learner" || required == "value" || required == "key")) &&
+            !((command->word == "marks" || command->word == "obe") &&
+              (required == "learner" || required == "value" || required == "key" || required == "formative")) &&
+            required != "rank" && required != "print-total" &&
             !c.options.contains(required))
             return usage_error(command->word + " needs --" + required);
     if (c.options.contains("lang") && c.options["lang"] != "af" && c.options["lang"] != "en")

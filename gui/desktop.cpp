@@ -21,7 +21,10 @@
 #include "gui/manual_viewer_dialog.h"
 #include "gui/mark_book_input_widget.h"
 #include "gui/mark_book_print_widget.h"
+#include "gui/mark_lists_widget.h"
 #include "gui/marks_input_widget.h"
+#include "input/assessment_input.h"
+#include "input/mark_lists.h"
 #include "gui/menu_widget.h"
 #include "input/marks_input.h"
 #include "markbook/mark_book_input.h"
@@ -47,8 +50,6 @@ struct PendingScreen {
 };
 const QList<PendingScreen>& pending_screens() {
     static const QList<PendingScreen> list = {
-        {screen::obe_inlees, screen::punte_menu1, "UGO INLEES", "OBE INPUT"},
-        {screen::punte_druk, screen::punte_menu1, "DRUK PUNTELYS(TE)", "PRINT MARK LIST(S)"},
         {screen::pboek_opstel, screen::punte_menu2, "PUNTEBOEK OPSTEL", "MARK BOOK SETUP"},
         {screen::simbole_druk, screen::punte_menu2, "SIMBOOLVERSPREIDING DRUK", "SYMBOL DISTRIBUTION PRINT"},
         {screen::pboek_uitvoer, screen::punte_menu2, "PUNTEBOEK UITVOER", "MARK BOOK EXPORT"},
@@ -141,6 +142,18 @@ QWidget* Desktop::make(const QString& name) {
         if (!input->load()) return nullptr;
         logic_.insert(name, input);
         return new MarksInputWidget(*input, this);
+    }
+    if (name == screen::obe_inlees) {
+        auto input = std::make_shared<AssessmentInput>(ctx_, printer_);
+        if (!input->load()) return nullptr;
+        logic_.insert(name, input);
+        return new MarksInputWidget(*input, this);
+    }
+    if (name == screen::punte_druk) {
+        auto lists = std::make_shared<MarkLists>(ctx_, printer_);
+        lists->load();
+        logic_.insert(name, lists);
+        return new MarkListsWidget(*lists, this);
     }
     for (const PendingScreen& p : pending_screens())
         if (p.name == name) return new PlaceholderScreen(name, run_.tr(p.afrikaans, p.english), p.menu, *this, this);

@@ -2,6 +2,11 @@
 
 #include <QAbstractItemDelegate>
 #include <QApplication>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QListWidget>
+#include <QRadioButton>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -15,6 +20,7 @@
 #include "gui/marks_grid_model.h"
 #include "gui/marks_grid_view.h"
 #include "gui/screen_parts.h"
+#include "input/assessment_input.h"
 #include "input/marks_input.h"
 #include "store/run_state.h"
 
@@ -34,8 +40,11 @@ QLabel* named_label(const QString& name, QWidget* parent) {
 }  // namespace
 
 MarksInputWidget::MarksInputWidget(MarksInput& input, QWidget* parent)
-    : QWidget(parent), input_(input), model_(new MarksGridModel(input, this)) {
-    setObjectName("punte_inlees");
+    : QWidget(parent),
+      input_(input),
+      model_(new MarksGridModel(input, this)),
+      assessment_(dynamic_cast<AssessmentInput*>(&input)) {
+    setObjectName(assessment_ ? "obe_inlees" : "punte_inlees");
     paint_form(this);
     resize(900, 680);
     auto* layout = new QVBoxLayout(this);
@@ -88,6 +97,7 @@ MarksInputWidget::MarksInputWidget(MarksInput& input, QWidget* parent)
         grid_->setFocus();
     });
     layout->addWidget(grid_, 1);
+    if (assessment_) build_assessment_parts(layout);
 
     progress_ = new QProgressBar(this);
     progress_->setObjectName("ProgressBar1");
@@ -121,6 +131,25 @@ MarksInputWidget::MarksInputWidget(MarksInput& input, QWidget* parent)
         reload_at(0, 2);
     });
     figures->addWidget(average_);
+    if (assessment_) {
+        // The two check boxes that say whether the lookup lists appear.
+        const QStringList info = assessment_->info_captions();
+        const QStringList tips = assessment_->info_tips();
+        for (int i = 0; i < 2; ++i) {
+            auto* box = new QCheckBox(info[i], this);
+            box->setObjectName(i == 0 ? "ps_info" : "fe_info");
+            box->setToolTip(tips[i]);
+            box->setChecked(i == 0 ? assessment_->ps_info() : assessment_->fe_info());
+            connect(box, &QCheckBox::toggled, this, [this, i](bool on) {
+                if (i == 0)
+                    assessment_->set_ps_info(on);
+                else
+                    assessment_->set_fe_info(on);
+                place_lookup();
+            });
+            figures->insertWidget(i, box);
+        }
+    }
     layout->addLayout(figures);
 
     const QStringList captions = input_.button_captions();
@@ -153,6 +182,11 @@ MarksInputWidget::MarksInputWidget(MarksInput& input, QWidget* parent)
     });
     connect(button("paste_into_flex"), &QPushButton::clicked, this, [this] {
         input_.paste_into_flex();
+        if (assessment_ && assessment_->pasting()) {
+            refresh();
+            paste_targets_->button(0)->setFocus();
+            return;
+        }
         reload_at(0, 2);
     });
     connect(button("marks_exit"), &QPushButton::clicked, this, [this] {
@@ -175,18 +209,32 @@ void MarksInputWidget::refresh() {
     total_->setText(input_.total_text());
     average_->setText(input_.average_text());
     average_->setEnabled(open);
-    vak_grid_->setVisible(!open);
+    const bool choosing = assessment_ && assessment_->choosing_mode();
+    vak_grid_->setVisible(!open && !choosing);
     grid_->setVisible(open);
+    if (assessment_) {
+        mode_panel_->setVisible(choosing);
+        paste_panel_->setVisible(open && assessment_->pasting());
+        if (!open) lookup_list_->hide();
+    }
     button("marks_save")->setEnabled(open && input_.save_enabled());
     button("marks_undo")->setEnabled(open);
     button("paste_into_flex")->setEnabled(open);
     button("marks_print")->setEnabled(input_.learner_count() > 0 || !open);
     model_->reload();
+    if (choosing) {
+        setFocusProxy(modes_->buttons().first());
+        return;
+    }
     if (!open) {
         vak_grid_->setFocus();
         return;
     }
-    for (int c = 0; c < 4; ++c) grid_->setColumnWidth(c, QList<int>{1000, 6000, 1100, 800}[c] / kTwipsPerPixel);
+    const QList<int> widths = input_.column_widths();
+    for (int c = 0; c < input_.column_count(); ++c) {
+        grid_->setColumnWidth(c, widths.value(c, 800) / kTwipsPerPixel);
+        grid_->setColumnHidden(c, !input_.column_shown(c));
+    }
     grid_->refresh_frozen();
 }
 
@@ -194,15 +242,127 @@ void MarksInputWidget::open_row(int row) {
     const bool opened = input_.open_subject(row);
     progress_->hide();
     refresh();
+    if (assessment_ && assessment_->choosing_mode()) {
+        modes_->buttons().first()->setFocus();
+        return;
+    }
     if (!opened) return;
-    grid_->setCurrentIndex(model_->index(0, 2));
-    grid_->setFocus();
+    reload_at(0, 2);
 }
 
 void MarksInputWidget::reload_at(int row, int column) {
     refresh();
     if (!input_.series_open() || model_->rowCount() == 0) return;
-    grid_->setCurrentIndex(model_->index(std::clamp(row, 0, model_->rowCount() - 1), column));
+    grid_->setCurrentIndex(
+        model_->index(std::clamp(row, 0, model_->rowCount() - 1), input_.column_entered(column, column)));
+    grid_->setFocus();
+}
+
+void MarksInputWidget::build_assessment_parts(QVBoxLayout* layout) {
+    // inlees_opsie_raam: the mode, before the series' grid opens.
+    mode_panel_ = new QGroupBox(this);
+    mode_panel_->setObjectName("inlees_opsie_raam");
+    auto* modes = new QVBoxLayout(mode_panel_);
+    modes_ = new QButtonGroup(this);
+    const QStringList captions = assessment_->mode_captions();
+    for (int i = 0; i < captions.size(); ++i) {
+        auto* option = new QRadioButton(captions[i], mode_panel_);
+        option->setObjectName(QString("inlees_opsie%1").arg(i));
+        modes_->addButton(option, i);
+        modes->addWidget(option);
+        option->installEventFilter(this);
+    }
+    auto* ok = new QPushButton("OK", mode_panel_);
+    ok->setObjectName("io_ok");
+    connect(ok, &QPushButton::clicked, this, [this] { start_with_mode(); });
+    modes->addWidget(ok);
+    mode_panel_->hide();
+    layout->addWidget(mode_panel_, 0, Qt::AlignHCenter);
+
+    // paste_raam: the column the clipboard goes into.
+    paste_panel_ = new QGroupBox(assessment_->paste_heading(), this);
+    paste_panel_->setObjectName("paste_raam");
+    paste_panel_->setToolTip(assessment_->paste_tool_tip());
+    auto* targets = new QHBoxLayout(paste_panel_);
+    paste_targets_ = new QButtonGroup(this);
+    const QStringList names = assessment_->paste_targets();
+    for (int i = 0; i < names.size(); ++i) {
+        auto* option = new QRadioButton(names[i], paste_panel_);
+        option->setObjectName(QString("pr_teks%1").arg(i));
+        paste_targets_->addButton(option, i);
+        targets->addWidget(option);
+    }
+    auto* paste_ok = new QPushButton("OK", paste_panel_);
+    paste_ok->setObjectName("pr_ok");
+    connect(paste_ok, &QPushButton::clicked, this, [this] { paste_into(paste_targets_->checkedId()); });
+    auto* cancel = new QPushButton(assessment_->cancel_caption(), paste_panel_);
+    cancel->setObjectName("pr_cancel");
+    connect(cancel, &QPushButton::clicked, this, [this] { paste_into(-1); });
+    targets->addWidget(paste_ok);
+    targets->addWidget(cancel);
+    paste_panel_->hide();
+    layout->addWidget(paste_panel_);
+
+    // The lookup list floats beside the current cell.
+    lookup_list_ = new QListWidget(grid_);
+    lookup_list_->setObjectName("lookup_list");
+    lookup_list_->hide();
+    lookup_list_->installEventFilter(this);
+    connect(lookup_list_, &QListWidget::itemDoubleClicked, this, [this] { choose_lookup(); });
+    connect(grid_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { place_lookup(); });
+}
+
+void MarksInputWidget::start_with_mode() {
+    const bool opened = assessment_->io_ok(modes_->checkedId());
+    progress_->hide();
+    refresh();
+    if (opened) reload_at(0, 2);
+}
+
+void MarksInputWidget::paste_into(int target) {
+    assessment_->pr_ok(target);
+    reload_at(0, 2);
+}
+
+void MarksInputWidget::place_lookup() {
+    if (!assessment_) return;
+    const QModelIndex at = grid_->currentIndex();
+    const auto kind = at.isValid() && input_.series_open() ? assessment_->lookup_for(at.column())
+                                                           : AssessmentInput::NoList;
+    const QList<LookupItem>& items =
+        kind == AssessmentInput::EffortKeyList ? assessment_->effort_keys() : assessment_->formative_list();
+    if (kind == AssessmentInput::NoList || items.isEmpty()) {
+        lookup_list_->hide();
+        return;
+    }
+    if (lookup_kind_ != kind || lookup_list_->count() != items.size()) {
+        lookup_list_->clear();
+        for (const LookupItem& item : items) lookup_list_->addItem(item.display());
+        lookup_kind_ = kind;
+    }
+    const int row_height = std::max(lookup_list_->sizeHintForRow(0), 16);
+    const int rows = std::min(20, int(items.size()));
+    const int height = std::min(rows * row_height + 4, 5000 / kTwipsPerPixel);
+    const int width = std::min(std::max(lookup_list_->sizeHintForColumn(0) + 24, 120), 5895 / kTwipsPerPixel);
+    const QRect cell = grid_->visualRect(at);
+    const QPoint origin = grid_->viewport()->mapTo(grid_, cell.topLeft());
+    int x = origin.x() + cell.width();
+    if (x + width > grid_->width()) x = std::max(0, origin.x() - width);
+    const int y = std::clamp(origin.y(), 0, std::max(0, grid_->height() - height));
+    lookup_list_->setGeometry(x, y, width, height);
+    lookup_list_->setCurrentRow(assessment_->lookup_row(AssessmentInput::Lookup(kind), input_.cell(at.row(), at.column())));
+    lookup_list_->show();
+    lookup_list_->raise();
+}
+
+void MarksInputWidget::choose_lookup() {
+    const QModelIndex at = grid_->currentIndex();
+    const int item = lookup_list_->currentRow();
+    lookup_list_->hide();
+    if (at.isValid() && item >= 0)
+        assessment_->choose_lookup(AssessmentInput::Lookup(lookup_kind_), item, at.row(), at.column());
+    model_->reload();
+    grid_->setCurrentIndex(at);
     grid_->setFocus();
 }
 
@@ -217,6 +377,15 @@ bool MarksInputWidget::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress) {
         auto* key = static_cast<QKeyEvent*>(event);
         const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+        if (lookup_list_ && watched == lookup_list_ && enter) {
+            choose_lookup();
+            return true;
+        }
+        if (modes_ && modes_->buttons().contains(qobject_cast<QAbstractButton*>(watched)) && enter) {
+            static_cast<QAbstractButton*>(watched)->setChecked(true);
+            start_with_mode();
+            return true;
+        }
         if (watched == vak_grid_ && enter && vak_grid_->currentRow() >= 0) {
             open_row(vak_grid_->currentRow());
             return true;

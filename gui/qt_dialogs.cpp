@@ -26,6 +26,9 @@ MsgAnswer QtDialogs::message(const QString& text, MsgIcon icon, MsgButtons butto
         case MsgButtons::YesNoCancel:
             box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
             break;
+        case MsgButtons::AbortRetryIgnore:
+            box.setStandardButtons(QMessageBox::Abort | QMessageBox::Retry | QMessageBox::Ignore);
+            break;
     }
     switch (box.exec()) {
         case QMessageBox::Yes: return MsgAnswer::Yes;

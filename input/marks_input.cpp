@@ -70,7 +70,7 @@ MarksListSum fill_marks_print_grid(TextGrid& grid, DbfTable& marks, bool afrikaa
     return sum;
 }
 
-bool print_marks_list(ReportRun& r, DbfTable& marks, const QString& title, double input_total) {
+bool print_cycle_marks_list(ReportRun& r, DbfTable& marks, const QString& title, double input_total) {
     const bool af = r.run.language_afrikaans;
     TextGrid grid;
     const MarksListSum sum = fill_marks_print_grid(grid, marks, af);
@@ -136,13 +136,17 @@ QString MarksInput::average_tool_tip() const {
                        " Do SCALING (marks adjusted according to given average) ... ");
 }
 
+QString MarksInput::screen_name() const { return screen::punte_inlees; }
+
+void MarksInput::remember_user_info() { remember_data_folder(ctx_.run, ctx_.run.program_folder, false); }
+
 bool MarksInput::load() {
     if (!form_header(ctx_, caption(), &header_)) {
-        ctx_.screens.unload(screen::punte_inlees);
+        ctx_.screens.unload(screen_name());
         return false;
     }
     list_series();
-    remember_data_folder(ctx_.run, ctx_.run.program_folder, false);
+    remember_user_info();
     return true;
 }
 
@@ -178,52 +182,67 @@ bool MarksInput::ask_input_total() {
     return true;
 }
 
+bool MarksInput::layout_fits(const DbfTable& table, DbfError* error) const {
+    if (table.field_count() >= 4 && table.field(kClassListMark).type == DbfType::Character) return true;
+    *error = DbfError{DbfError::NoSuchField, table.path(), table.field_count() < 3 ? "EF_PUNT" : "EF_P_S"};
+    return false;
+}
+
 bool MarksInput::open_subject(int row) {
     activity();
     if (row < 0 || row >= series_.size()) return false;
     RunState& run = ctx_.run;
     const QStringList& r = series_[row];
     vak_ops_ = r.value(0).trimmed() + " " + r.value(1).trimmed();
-    const int k = row + 1;
     subject_total_ = Val(r.value(2));
     input_total_ = subject_total_;
-    const QString found = find_ignoring_case(run.data_folder, QString("PUNTE%1.DBF").arg(k));
-    if (found.isEmpty()) {
+    subject_row_ = row;
+    marks_path_ = find_ignoring_case(run.data_folder, table_stem() + QString::number(row + 1) + ".DBF");
+    if (marks_path_.isEmpty()) {
         ctx_.dialogs.beep();
         return false;
     }
     ask_input_total();
     ops_totale_ = number_text(subject_total_) + " -- " + number_text(input_total_);
+    return input_total_chosen();
+}
 
-    // The table must open and have the class list's fields before its copy
+bool MarksInput::open_chosen() {
+    RunState& run = ctx_.run;
+    // The table must open and have the fields the grid edits before its copy
     // replaces the last good one.
     DbfError error;
-    auto table = DbfTable::open(found, &error);
-    if (table && (table->field_count() < 4 || table->field(kClassListMark).type != DbfType::Character)) {
-        error = DbfError{DbfError::NoSuchField, found, table->field_count() < 3 ? "EF_PUNT" : "EF_P_S"};
-        table.reset();
-    }
+    auto table = DbfTable::open(marks_path_, &error);
+    if (table && !layout_fits(*table, &error)) table.reset();
     if (!table) {
         ctx_.dialogs.message(dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
         return false;
     }
-    const QString backup = path_ignoring_case(run.data_folder, QString("PUNTE%1.BAK").arg(k));
+    const QString backup =
+        path_ignoring_case(run.data_folder, table_stem() + QString::number(subject_row_ + 1) + ".BAK");
     QString why;
-    if (!copy_file_atomic(found, backup, &why)) {
+    if (!copy_file_atomic(marks_path_, backup, &why)) {
         ctx_.dialogs.message(run.tr("Kan nie " + QDir::toNativeSeparators(backup) + " skryf nie: " + why,
                                     "Can't write " + QDir::toNativeSeparators(backup) + ": " + why),
                              MsgIcon::Critical);
         return false;
     }
     table_ = std::move(table);
-    subject_row_ = row;
-    marks_path_ = found;
     backup_path_ = backup;
     open_ = false;
     if (table_->RecordCount() == 0) return false;
 
     sum_of_marks_ = 0;
     mark_count_ = 0;
+    before_sort();
+    if (!sort_by_name() || !load_marks()) return false;
+    open_ = true;
+    save_enabled_ = true;
+    return true;
+}
+
+void MarksInput::before_sort() {
+    RunState& run = ctx_.run;
     if (input_total_ != subject_total_)
         ctx_.dialogs.message(run.tr("Besig om punte van" + number_text(subject_total_) + " na" +
                                         number_text(input_total_) + " te verwerk!",
@@ -233,10 +252,6 @@ bool MarksInput::open_subject(int row) {
     effort_keys_wanted_ = ctx_.dialogs.message(run.tr("GAAN U PRESTASIESLEUTELS OOK INLEES ?",
                                                       "ARE YOU GOING TO INPUT EFFORT KEYS ALSO ?"),
                                                MsgIcon::Question, MsgButtons::YesNo) == MsgAnswer::Yes;
-    if (!sort_by_name() || !load_marks()) return false;
-    open_ = true;
-    save_enabled_ = true;
-    return true;
 }
 
 void MarksInput::set_progress(const std::function<void(int, int)>& progress) { progress_ = progress; }
@@ -375,7 +390,7 @@ bool MarksInput::cell_changed(int row, int column, const QString& typed) {
     }
     if (column == kClassListMark && !no_mark(now)) {
         sum_of_marks_ = float(double(sum_of_marks_) + Val(text));
-        mark_count_ += 1;
+        if (counts_keyed_marks()) mark_count_ += 1;
         show_totals();
     }
     return true;
@@ -417,52 +432,67 @@ bool MarksInput::marks_save() {
     // comes back.
     open_ = false;
 
+    return copy_into_partner();
+}
+
+bool MarksInput::copy_into_partner() {
     // Each mark into obe_p<K>.dbf by admission number; a learner who isn't
     // there yet is added.
-    const QString obe_name = QString("OBE_P%1.DBF").arg(subject_row_ + 1);
+    return copy_marks_into(
+        "OBE_P", "eo_t_nr", "eo_punt", [](const QVariant& number) { return QVariant(Val(plain_text(number))); },
+        [](const QVariant& stored) {
+            const QString mark = toets_null_text(stored);
+            return no_mark(mark.trimmed()) ? stored : QVariant(format_one_decimal(Val(mark)));
+        });
+}
+
+bool MarksInput::copy_marks_into(const QString& stem, const QString& number_name, const QString& mark_name,
+                                 const std::function<QVariant(const QVariant&)>& number_value,
+                                 const std::function<QVariant(const QVariant&)>& mark_value) {
+    RunState& run = ctx_.run;
+    DbfTable& t = *table_;
     DbfError error;
-    auto obe = DbfTable::open(path_ignoring_case(run.data_folder, obe_name), &error);
-    const int number_field = obe ? obe->field_index("eo_t_nr") : -1;
-    const int mark_field = obe ? obe->field_index("eo_punt") : -1;
-    if (obe && (number_field < 0 || mark_field < 0)) {
-        error = DbfError{DbfError::NoSuchField, obe->path(), number_field < 0 ? "EO_T_NR" : "EO_PUNT"};
-        obe.reset();
+    auto other =
+        DbfTable::open(path_ignoring_case(run.data_folder, stem + QString::number(subject_row_ + 1) + ".DBF"), &error);
+    const int number_field = other ? other->field_index(number_name) : -1;
+    const int mark_field = other ? other->field_index(mark_name) : -1;
+    if (other && (number_field < 0 || mark_field < 0)) {
+        error = DbfError{DbfError::NoSuchField, other->path(), (number_field < 0 ? number_name : mark_name).toUpper()};
+        other.reset();
     }
-    if (!obe || !obe->begin_batch()) {
-        if (obe) error = obe->last_error();
+    if (!other || !other->begin_batch()) {
+        if (other) error = other->last_error();
         ctx_.dialogs.message(dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
         return false;
     }
     // Only the first of equal numbers counts, as a search from the top finds it.
     QHash<double, int> positions;
     int position = 0;
-    for (obe->MoveFirst(); !obe->Eof(); obe->MoveNext(), ++position) {
-        const double n = Val(plain_text(obe->value(number_field)));
+    for (other->MoveFirst(); !other->Eof(); other->MoveNext(), ++position) {
+        const double n = Val(plain_text(other->value(number_field)));
         if (!positions.contains(n)) positions.insert(n, position);
     }
     for (t.MoveFirst(); !t.Eof(); t.MoveNext()) {
-        const double number = Val(stored_text(t, kClassListNumber));
-        const auto at = positions.constFind(number);
+        const QVariant number = t.value(kClassListNumber);
+        const auto at = positions.constFind(Val(plain_text(number)));
         bool ok;
         if (at != positions.constEnd()) {
-            obe->MoveFirst();
-            obe->Move(at.value());
-            ok = obe->Edit();
+            other->MoveFirst();
+            other->Move(at.value());
+            ok = other->Edit();
         } else {
-            ok = obe->AddNew() && obe->set_value(number_field, number);
+            ok = other->AddNew() && other->set_value(number_field, number_value(number));
         }
-        const QVariant stored = t.value(kClassListMark);
-        const QString mark = toets_null_text(stored);
-        ok = ok && obe->set_value(mark_field, no_mark(mark.trimmed()) ? stored : QVariant(format_one_decimal(Val(mark))));
-        if (!ok || !obe->Update()) {
-            error = obe->last_error();
-            obe->CancelUpdate();
-            obe->commit_batch();
+        ok = ok && other->set_value(mark_field, mark_value(t.value(kClassListMark)));
+        if (!ok || !other->Update()) {
+            error = other->last_error();
+            other->CancelUpdate();
+            other->commit_batch();
             ctx_.dialogs.message(dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
             return false;
         }
     }
-    if (!obe->commit_batch(&error)) {
+    if (!other->commit_batch(&error)) {
         ctx_.dialogs.message(dbf_error_message(error, run.language_afrikaans), MsgIcon::Critical);
         return false;
     }
@@ -473,12 +503,14 @@ void MarksInput::marks_undo() {
     activity();
     if (!open_ || !table_) return;
     RunState& run = ctx_.run;
-    if (ctx_.dialogs.message(run.tr("'UNDO' sal punte na vorige waardes herstel!", "'UNDO' reset marks to previous values!"),
-                             MsgIcon::Exclamation, MsgButtons::OkCancel) == MsgAnswer::Cancel)
-        return;
+    if (ctx_.dialogs.message(undo_warning(), MsgIcon::Exclamation, MsgButtons::OkCancel) == MsgAnswer::Cancel) return;
     // The backup holds the marks out of the series' own total: they go to
     // the input total again, or the save would convert them a second time.
     if (restore_backup()) load_marks(false);
+}
+
+QString MarksInput::undo_warning() const {
+    return ctx_.run.tr("'UNDO' sal punte na vorige waardes herstel!", "'UNDO' reset marks to previous values!");
 }
 
 bool MarksInput::restore_backup() {
@@ -503,15 +535,17 @@ bool MarksInput::restore_backup() {
 bool MarksInput::marks_print() {
     activity();
     if (!table_ || subject_row_ < 0) return false;
-    const QString title = marks_list_title(series_.value(subject_row_));
+    const QString title = series_title();
     const bool printed = printer_.print([&](ReportRun& r) {
-        const bool chosen = print_marks_list(r, *table_, title, input_total_);
+        const bool chosen = print_cycle_marks_list(r, *table_, title, input_total_);
         if (chosen) list_printed_ = true;
         return chosen;
     });
     go_to(0);
     return printed;
 }
+
+QString MarksInput::series_title() const { return marks_list_title(series_.value(subject_row_)); }
 
 bool MarksInput::heading_click(int column) {
     activity();
@@ -556,27 +590,33 @@ void MarksInput::scale_marks() {
     show_totals();
 }
 
+QStringList MarksInput::paste_warning() const {
+    if (ctx_.run.language_afrikaans)
+        return {"Hierdie funksie sal blindweg enige inligting wat in die Windows 'clipboard' is",
+                "as punte in die puntelêer 'paste'. Dit is UITERS belangrik dat",
+                "u seker maak dat u nie hierdie funksie doen as die data in die 'clipboard' nie",
+                "in PRESIES dieselfde volgorde as die leerders op die skerm is.",
+                "Hierdie funksie het geen validasie nie en sal alle punte op die",
+                "matriks OORSKRYF (oorweeg LEERDERVOLGORDE en VAKTOTAAL)",
+                "WIL U DEFNITIEF VOORTGAAN ?"};
+    return {"This function will indiscriminately paste any information from",
+            "the Windows clipboard as marks in the marks file. It is of extreme",
+            "importance not to execute this function if the data in the clipboard",
+            "is not in EXACTLY the same sequence as the learners on the screen.",
+            "This function contains no validation and will overwrite any marks on",
+            "the marks file (consider LEARNER SEQUENCE and SUBJECT TOTAL)",
+            "DO YOU REALY WANT TO CONTINUE ?"};
+}
+
 void MarksInput::paste_into_flex() {
     activity();
     if (!open_ || !table_) return;
-    RunState& run = ctx_.run;
-    const QStringList af = {"Hierdie funksie sal blindweg enige inligting wat in die Windows 'clipboard' is",
-                            "as punte in die puntelêer 'paste'. Dit is UITERS belangrik dat",
-                            "u seker maak dat u nie hierdie funksie doen as die data in die 'clipboard' nie",
-                            "in PRESIES dieselfde volgorde as die leerders op die skerm is.",
-                            "Hierdie funksie het geen validasie nie en sal alle punte op die",
-                            "matriks OORSKRYF (oorweeg LEERDERVOLGORDE en VAKTOTAAL)",
-                            "WIL U DEFNITIEF VOORTGAAN ?"};
-    const QStringList en = {"This function will indiscriminately paste any information from",
-                            "the Windows clipboard as marks in the marks file. It is of extreme",
-                            "importance not to execute this function if the data in the clipboard",
-                            "is not in EXACTLY the same sequence as the learners on the screen.",
-                            "This function contains no validation and will overwrite any marks on",
-                            "the marks file (consider LEARNER SEQUENCE and SUBJECT TOTAL)",
-                            "DO YOU REALY WANT TO CONTINUE ?"};
-    if (ctx_.dialogs.message((run.language_afrikaans ? af : en).join("\r\n"), MsgIcon::Critical, MsgButtons::YesNo) !=
-        MsgAnswer::Yes)
+    if (ctx_.dialogs.message(paste_warning().join("\r\n"), MsgIcon::Critical, MsgButtons::YesNo) != MsgAnswer::Yes)
         return;
+    paste_confirmed();
+}
+
+void MarksInput::paste_column(int field, bool as_mark) {
     DbfTable& t = *table_;
     const int count = t.RecordCount();
     TextGrid paste_grid(count, 1);
@@ -589,7 +629,8 @@ void MarksInput::paste_into_flex() {
     }
     int row = 0;
     for (t.MoveFirst(); !t.Eof(); t.MoveNext(), ++row) {
-        if (!t.Edit() || !t.set_value(kClassListMark, format_one_decimal(Val(paste_grid.text(row, 0)))) || !t.Update()) {
+        const QString text = paste_grid.text(row, 0);
+        if (!t.Edit() || !t.set_value(field, as_mark ? format_one_decimal(Val(text)) : text) || !t.Update()) {
             t.CancelUpdate();
             t.commit_batch();
             table_failed();
@@ -612,7 +653,7 @@ void MarksInput::marks_exit() {
         return;
     }
     table_.reset();
-    ctx_.screens.unload(screen::punte_inlees);
+    ctx_.screens.unload(screen_name());
     ctx_.screens.show(screen::punte_menu1);
 }
 

@@ -10,6 +10,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 #include <functional>
 #include <memory>
 
@@ -20,6 +21,7 @@
 namespace veldo {
 
 class DbfTable;
+struct DbfError;
 class PrintService;
 class TextGrid;
 struct ReportRun;
@@ -50,8 +52,10 @@ MarksListSum fill_marks_print_grid(TextGrid& grid, DbfTable& marks, bool afrikaa
 // ("<page>.../"), and the two average lines under the last row ("GEMIDDELD
 // := " and the average out of the input total, then the percentage). False
 // when the output choice was cancelled.
-bool print_marks_list(ReportRun& r, DbfTable& marks, const QString& title, double input_total);
+bool print_cycle_marks_list(ReportRun& r, DbfTable& marks, const QString& title, double input_total);
 
+// The screen's logic. The assessment screen (obe_inlees) is this one with
+// the two tables swapped; what differs is behind the virtual members.
 class MarksInput : public EditableGrid {
 public:
     MarksInput(ShellContext& ctx, PrintService& printer);
@@ -64,7 +68,7 @@ public:
     // The series list alone, as the command line needs it.
     void list_series();
 
-    QString caption() const;  // "PUNTE INLEES" / "MARKS INPUT"
+    virtual QString caption() const;  // "PUNTE INLEES" / "MARKS INPUT"
     // "SAKREKENAAR", "UNDO", "SKRYF", "DRUK", "'PASTE'", "EXIT" or their
     // English, and the tool tips of the first five and of the average.
     QStringList button_captions() const;
@@ -85,6 +89,9 @@ public:
     // False when nothing opened (a missing table beeps, a foreign or
     // unreadable one says why).
     bool open_subject(int row);
+    // The grid's column widths in twips, and whether a column shows.
+    virtual QList<int> column_widths() const { return {1000, 6000, 1100, 800}; }
+    virtual bool column_shown(int) const { return true; }
     QString vak_ops() const { return vak_ops_; }  // "PUNTE INLEES 8 AFR" once a series is chosen
     QString ops_totale() const { return ops_totale_; }  // "<subject total> -- <input total>"
     // Hears the sort's progress (done, count) while a series opens.
@@ -95,10 +102,10 @@ public:
 
     // The open series in the grid.
     int learner_count() const override;
-    int column_count() const override { return open_ ? 4 : 0; }
+    int column_count() const override { return open_ ? table_columns() : 0; }
     QString heading(int column) const override;
     QString cell(int row, int column) override;
-    bool column_takes_marks(int column) const override { return open_ && (column == 2 || column == 3); }
+    bool column_takes_marks(int column) const override { return open_ && column >= 2 && column < table_columns(); }
     int column_entered(int column, int from) const override;
     // A cell left with a changed value. Column 2: the range test with the
     // running sum, the mark stored with one decimal; column 3 takes any
@@ -108,7 +115,7 @@ public:
     // Where the cursor goes after a cell of `column` on `row` was left:
     // the key of the same learner while effort keys are typed, else the
     // mark of the next learner.
-    std::pair<int, int> next_cell(int row, int column) const;
+    virtual std::pair<int, int> next_cell(int row, int column) const;
 
     // The two labels: the running total ("####0.0") and the average in
     // percent ("##0.0"); empty until there is a sum above 0.
@@ -129,26 +136,62 @@ public:
     // is opened again. False when that failed (message shown).
     bool restore_backup();
     // The print of the list through the output dialog; false when cancelled.
-    bool marks_print();
+    virtual bool marks_print();
     // A click on the mark column's heading: the same list.
     bool heading_click(int column);
     // A click on the average: scaling to a new average.
     void scale_marks();
     void paste_into_flex();
+    // What the table and the grid hold. Public for the widget's sake.
+    bool has_table() const { return table_ != nullptr; }
     // From a series: save, offer the list, back to the list. From the list:
     // the screen closes and the menu comes.
     void marks_exit();
 
-private:
+protected:
+    // Hooks of the two screens.
+    virtual QString screen_name() const;
+    virtual QString table_stem() const { return "PUNTE"; }  // <stem><K>.DBF and .BAK
+    virtual int table_columns() const { return 4; }
+    // False, with `error`, when an opened table lacks the fields the grid edits.
+    virtual bool layout_fits(const DbfTable& table, DbfError* error) const;
+    // After the input total: the whole opening here; the assessment screen
+    // first asks for its mode.
+    virtual bool input_total_chosen() { return open_chosen(); }
+    // After the backup, before the sort: the conversion message and the
+    // effort key question here.
+    virtual void before_sort();
+    // Keyed marks count towards the average's count.
+    virtual bool counts_keyed_marks() const { return true; }
+    // The copy of every mark into the other table, after the conversion back.
+    virtual bool copy_into_partner();
+    virtual QString undo_warning() const;
+    virtual QStringList paste_warning() const;
+    // After the warning was answered Yes.
+    virtual void paste_confirmed() { paste_column(kClassListMark, true); }
+    // user_info.txt on load.
+    virtual void remember_user_info();
+
+    // The marks in `field` from the clipboard, one line per learner; as a
+    // mark with one decimal, or as the plain text.
+    void paste_column(int field, bool as_mark);
+    // The rest of the opening, once the input total (and mode) are known.
+    bool open_chosen();
+    // Every mark into `stem`<K>.DBF by admission number, a learner who isn't
+    // there added with the number as `number_value` gives it, the mark as
+    // `mark_value` gives it.
+    bool copy_marks_into(const QString& stem, const QString& number_field, const QString& mark_field,
+                         const std::function<QVariant(const QVariant&)>& number_value,
+                         const std::function<QVariant(const QVariant&)>& mark_value);
+    bool table_failed();
+    QString series_title() const;
     bool go_to(int row);
     void show_totals();
     // Brings the marks to the input total; with `count_marks` the running
     // sum and count are taken anew and shown.
     bool load_marks(bool count_marks = true);
     bool sort_by_name();
-    bool table_failed();
     bool ask_input_total();
-    void close_series();
 
     ShellContext& ctx_;
     PrintService& printer_;

@@ -195,6 +195,32 @@ DemoResult write_demo_school(RunState& run, const QString& data_folder) {
         result.written << setup_path << marks;
     }
 
+    // The lookup lists of the assessment screen, per subject: its effort
+    // keys, and per grade its formative codes, as the administration
+    // program leaves them.
+    QStringList listed;
+    for (const DemoSeries& s : kSeries) {
+        const QString base = QString(s.subject).trimmed().replace(' ', '_');
+        const QString keys = dir.filePath("L" + base + "_P_S.dbf");
+        if (!listed.contains(keys)) {
+            listed << keys;
+            const QList<QList<QVariant>> rows = {{"1", "Uitstekend"}, {"2", "Goed"}, {"3", "Bevredigend"},
+                                                 {"4", "Swak"},       {"5", "Geen poging"}};
+            if (!add_rows(keys, effort_key_fields(), rows, &error))
+                return fail(dbf_error_message(error, true), dbf_error_message(error, false));
+            result.written << keys;
+        }
+        const QString formative = dir.filePath("L" + base + "_f_e." + QString(s.grade).trimmed());
+        if (listed.contains(formative)) continue;
+        listed << formative;
+        if (!write_file_atomic(formative,
+                               "1\r\nNie bereik nie\r\n2\r\nGedeeltelik bereik\r\n3\r\nBereik\r\n4\r\n"
+                               "Oortref\r\n10\r\nAfwesig met rede\r\n",
+                               &error_text))
+            return fail("Kan nie " + formative + " skryf nie.", "Can't write " + formative + ".");
+        result.written << formative;
+    }
+
     // The school record lies at the drive root, where the start looks for it.
     const QString school = run.in_folder(QString(), "Skl_Dta_random.txt");
     if (find_ignoring_case(QFileInfo(school).path(), "skl_dta_random.txt").isEmpty()) {

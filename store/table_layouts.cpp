@@ -23,6 +23,10 @@ QList<DbfField> assessment_fields() {
             {"EO_FE_3", DbfType::Character, 4, 0}, {"EO_FE_4", DbfType::Character, 4, 0}};
 }
 
+QList<DbfField> effort_key_fields() {
+    return {{"PS_SLEUTEL", DbfType::Character, 2, 0}, {"PS_BESKRYF", DbfType::Character, 30, 0}};
+}
+
 QList<DbfField> symbol_table_fields() {
     return {{"PI2_SIMBL", DbfType::Character, 2, 0},
             {"PI2_GRNS_B", DbfType::Numeric, 6, 1},

@@ -19,6 +19,8 @@ QList<DbfField> mark_book_fields();
 QList<DbfField> class_list_fields();
 // `obe_p<N>.dbf`: EO_T_NR, EO_NAME, EO_PUNT, EO_P_S, EO_FE_1 to EO_FE_4.
 QList<DbfField> assessment_fields();
+// `L<subject>_P_S.dbf`, the effort keys of a subject: the key, its text.
+QList<DbfField> effort_key_fields();
 // `pi2_dta.dbf`: PI2_SIMBL, PI2_GRNS_B, PI2_GRNS_O.
 QList<DbfField> symbol_table_fields();
 

@@ -8,7 +8,7 @@
 namespace veldo {
 
 enum class MsgIcon { None, Critical, Question, Exclamation, Information };
-enum class MsgButtons { Ok, OkCancel, YesNo, YesNoCancel };
+enum class MsgButtons { Ok, OkCancel, YesNo, YesNoCancel, AbortRetryIgnore };
 enum class MsgAnswer { Ok, Cancel, Yes, No };
 
 class UserDialogs {

@@ -398,6 +398,45 @@ TEST_F(CliBook, CycleMarksAreSetShownScaledAndPrinted) {
     EXPECT_EQ(r.err.trimmed(), "There is no marks file PUNTE9.DBF in " + data() + ".");
 }
 
+// The assessment words and the mark list: each step's exit code, what it
+// says, and whether obe_p1.dbf changed.
+TEST_F(CliBook, AssessmentIsSetAndTheMarkListPrintsByRank) {
+    const QString obe = data() + "/obe_p1.dbf";
+    struct Step {
+        QStringList args;
+        int exit_code;
+        QString out_or_err;
+        bool changes;
+    };
+    const Step steps[] = {
+        {{"obe", "set", "--mode", "3", "--learner", "10001", "--value", "40", "--key", "3", "--formative", "1,10",
+          "--input-total", "50"},
+         0, "10001\tBotha, Anri\t40.0\t3\t1\t10\t\t", true},
+        {{"obe", "set", "--mode", "0", "--learner", "10002", "--value", "40"}, 0, "Venter, Jaco\t40.0", true},
+        {{"obe", "set", "--mode", "1", "--learner", "10002", "--value", "7"}, 1,
+         "Mode 1 does not show the column MARK( 100).", false},
+        {{"obe", "set", "--mode", "0", "--learner", "10002", "--value", "101"}, 1,
+         "Marks can only be ' ', 'A', 'a' or 0- 100", false},
+        {{"obe", "show", "--mode", "2"}, 0, "10001\tBotha, Anri\t1\t10\t\t", false},
+        {{"obe", "show", "--mode", "4"}, 2, "obe takes show, set or save and --mode 0, 1, 2 or 3", false},
+        {{"print", "marklist", "--rank", "--print-total", "50", "--pdf", drive.filePath("list.pdf")}, 0, "", false},
+    };
+    for (const Step& s : steps) {
+        SCOPED_TRACE(s.args.join(' ').toStdString());
+        const QByteArray before = read_bytes(obe);
+        const auto r = on(s.args[0], 1, s.args.mid(1));
+        EXPECT_EQ(r.exit_code, s.exit_code) << r.err.toStdString();
+        EXPECT_TRUE((s.exit_code == 0 ? r.out : r.err).contains(s.out_or_err)) << r.out.toStdString() << r.err.toStdString();
+        EXPECT_EQ(read_bytes(obe) != before, s.changes);
+    }
+    EXPECT_EQ(dump("punte1.dbf").value(1).split('\t').mid(0, 3), (QStringList{"10001", "Botha, Anri", "80.0"}));
+    // By rank, ties by name; the formative codes as their descriptions.
+    const QString text = pdf_text(drive.filePath("list.pdf")).simplified();
+    for (const char* part : {"1 10001 Botha, Anri 80.0 80.0 3 Nie bereik nie,",
+                             "2 10002 Venter, Jaco 40.0 120.0", "AVERAGE := 60.0 120.0%"})
+        EXPECT_TRUE(text.contains(part)) << part << "\n" << text.toStdString();
+}
+
 // The print word, read back as a reader would: the PDF's text and the
 // workbook's cells.
 TEST_F(CliBook, TheMarkBookGoesToAPdfWithItsHeadTableAndLegend) {

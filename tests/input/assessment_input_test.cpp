@@ -1,0 +1,428 @@
+// The assessment screen and the mark lists driven as a teacher drives them,
+// on the demo school: series 1 (8 AFR, out of 100) with a few marks in
+// obe_p1.dbf, the subject's effort keys in LAFR_P_S.dbf and its formative
+// codes in LAFR_f_e.8.
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include "input/assessment_input.h"
+#include "input/mark_lists.h"
+#include "shell/demo_school.h"
+#include "store/dbf_table.h"
+#include "store/table_layouts.h"
+#include "tests/support/mark_book_fixture.h"
+#include "tests/support/pdf_printer.h"
+#include "tests/support/shell_fixture.h"
+#include "tests/support/unprivileged.h"
+#include "util/file_lookup.h"
+#include "util/text_grid.h"
+
+namespace veldo {
+namespace {
+
+using testing::read_bytes;
+using testing::write_bytes;
+
+struct Assessment : ::testing::Test, testing::ShellFixture {
+    testing::PdfPrinter printer{run, dir.path()};
+    Assessment() {
+        run.data_folder = path("school");
+        run.language_afrikaans = false;
+        EXPECT_TRUE(write_demo_school(run, run.data_folder).ok);
+        seed(obe(), {{10001, "80.0"}, {10002, "0.8"}, {10003, "A"}, {10004, "33.3"}, {10005, "95.0"}});
+    }
+    QString punte() const { return find_ignoring_case(run.data_folder, "punte1.dbf"); }
+    QString obe() const { return find_ignoring_case(run.data_folder, "obe_p1.dbf"); }
+    // Marks (field 2) of a table by admission number.
+    static void seed(const QString& table, const QList<std::pair<int, QString>>& marks) {
+        auto t = DbfTable::open(table);
+        for (t->MoveFirst(); !t->Eof(); t->MoveNext())
+            for (const auto& [number, mark] : marks)
+                if (Val(t->value(0).toString()) == number) {
+                    t->Edit();
+                    t->set_value(2, mark);
+                    t->Update();
+                }
+    }
+    // The record of learner `number` in `table`, right-trimmed.
+    static QStringList stored(const QString& table, int number) {
+        auto t = DbfTable::open(table);
+        for (int r = 0; r < t->RecordCount(); ++r) {
+            const QStringList row = testing::stored_row(*t, r);
+            if (Val(row[0]) == number) return row;
+        }
+        return {};
+    }
+    static int row_of(MarksInput& input, int number) {
+        for (int r = 0; r < input.learner_count(); ++r)
+            if (Val(input.cell(r, 0)) == number) return r;
+        return -1;
+    }
+    // Series 1 open in `mode`, with `input_total` typed into the prompt.
+    void open(AssessmentInput& input, int mode, const QString& input_total = QString()) {
+        ASSERT_TRUE(input.load());
+        dialogs.inputs.enqueue(input_total);
+        ASSERT_TRUE(input.open_subject(0));
+        ASSERT_TRUE(input.choosing_mode());
+        ASSERT_TRUE(input.io_ok(mode));
+        dialogs.messages.clear();
+        dialogs.prompts.clear();
+    }
+};
+
+// Out of 50 in the mode with every column: the prompts, the lookup lists,
+// keying across the visible columns, a key from the list, the save back into
+// both tables to the last byte.
+TEST_F(Assessment, ATeacherKeysMarksKeysAndFormativeCodesAndSaves) {
+    AssessmentInput input(ctx, printer);
+    ASSERT_TRUE(input.load());
+    EXPECT_EQ(input.caption(), "OBE INPUT");
+    dialogs.inputs.enqueue("50");
+    ASSERT_TRUE(input.open_subject(0));
+    EXPECT_EQ(dialogs.prompts, QStringList{"INPUT TOTAL\r\n\r\n[ SUBJECT TOTAL =  100 ]\r\n"});
+    // The mode comes before anything is copied or converted.
+    EXPECT_TRUE(input.choosing_mode());
+    EXPECT_FALSE(input.series_open());
+    EXPECT_FALSE(QFile::exists(run.data_folder + "/OBE_P1.BAK"));
+    EXPECT_EQ(input.mode_captions(),
+              (QStringList{"SUMMATIVE EVALUATION", "EFFORT KEYS", "FORMATIVE EVALUATION", "MULTI ASSESSMENT"}));
+    const QByteArray before = read_bytes(obe());
+    ASSERT_TRUE(input.io_ok(AssessmentInput::MultiAssessment));
+    EXPECT_EQ(read_bytes(run.data_folder + "/OBE_P1.BAK"), before);
+    ASSERT_EQ(dialogs.messages.size(), 1);
+    EXPECT_EQ(dialogs.messages[0].text, "Busy converting marks from 100 to 50!");
+    EXPECT_EQ(dialogs.messages[0].buttons, MsgButtons::AbortRetryIgnore);
+
+    // The lists of the subject: keys with their texts and NONE under a blank
+    // key; formative codes padded to the longest ("10").
+    QStringList keys, codes;
+    for (const LookupItem& i : input.effort_keys()) keys << i.display();
+    for (const LookupItem& i : input.formative_list()) codes << i.display();
+    EXPECT_EQ(keys, (QStringList{"1 Uitstekend", "2 Goed", "3 Bevredigend", "4 Swak", "5 Geen poging", "    NONE"}));
+    EXPECT_EQ(codes, (QStringList{"01 Nie bereik nie", "02 Gedeeltelik bereik", "03 Bereik", "04 Oortref",
+                                  "10 Afwesig met rede"}));
+
+    QStringList headings;
+    for (int c = 0; c < input.column_count(); ++c) headings << input.heading(c);
+    EXPECT_EQ(headings, (QStringList{"A-NO", "LEARNER", "MARK( 50)", "E-K ", "F-E1", "F-E2", "F-E3", "F-E4"}));
+    EXPECT_EQ(input.cell(0, 1).trimmed(), "Adams, Anri");
+    const int r1 = row_of(input, 10001), r6 = row_of(input, 10006);
+    EXPECT_EQ(input.cell(r1, 2).trimmed(), "40.0");
+    EXPECT_EQ(input.cell(row_of(input, 10002), 2).trimmed(), ".4");
+    EXPECT_EQ(input.total_text(), "104.6");
+    EXPECT_EQ(input.average_text(), "52.3");
+
+    // Keying: no running count here, so the average divides by the count
+    // found at the opening (4).
+    struct Key {
+        int column;
+        const char* typed;
+        bool accepted;
+        const char* cell, *total, *average;
+    };
+    const Key typed[] = {
+        {2, "50.1", false, "", "104.6", "52.3"},   // above the input total
+        {2, "50", true, "50.0", "154.6", "77.3"},  // the input total itself
+        {3, "xyz", true, "xy", "154.6", "77.3"},    // no test, cut to the field
+        {4, "3", true, "3", "154.6", "77.3"},
+        {7, "10", true, "10", "154.6", "77.3"},
+    };
+    for (const Key& k : typed) {
+        SCOPED_TRACE(k.typed);
+        dialogs.messages.clear();
+        EXPECT_EQ(input.cell_changed(r6, k.column, k.typed), k.accepted);
+        EXPECT_EQ(input.cell(r6, k.column).trimmed(), QString(k.cell));
+        EXPECT_EQ(input.total_text(), k.total);
+        EXPECT_EQ(input.average_text(), k.average);
+        EXPECT_EQ(dialogs.texts(),
+                  k.accepted ? QStringList() : QStringList{"Marks can only be ' ', 'A', 'a' or 0- 50"});
+    }
+    // A key from the list, found again by the cell's value.
+    ASSERT_TRUE(input.choose_lookup(AssessmentInput::EffortKeyList, 1, r6, 3));
+    EXPECT_EQ(input.cell(r6, 3).trimmed(), "2");
+    EXPECT_EQ(input.lookup_row(AssessmentInput::EffortKeyList, "2"), 1);
+    EXPECT_EQ(input.lookup_row(AssessmentInput::EffortKeyList, ""), 5);
+
+    ASSERT_TRUE(input.marks_save());
+    EXPECT_FALSE(input.series_open());
+    EXPECT_EQ(stored(obe(), 10006), (QStringList{"10006", stored(obe(), 10006).value(1), "100.0", "2", "3", "", "", "10"}));
+    EXPECT_EQ(stored(obe(), 10001).value(2), "80.0");
+    EXPECT_EQ(stored(obe(), 10002).value(2), "0.8");
+    EXPECT_EQ(stored(obe(), 10003).value(2), "A");
+    struct Copied {
+        int number;
+        const char* mark;
+    };
+    for (const Copied& c : {Copied{10001, "80.0"}, {10002, "0.8"}, {10003, "A"}, {10006, "100.0"}, {10007, ""}}) {
+        SCOPED_TRACE(c.number);
+        EXPECT_EQ(stored(punte(), c.number).value(2), QString(c.mark));
+        EXPECT_EQ(stored(punte(), c.number).value(3), "");  // the keys stay in the assessment table
+    }
+}
+
+// Each mode shows its columns; the cursor lands on the first of them, runs
+// right through them and then down to the next learner.
+TEST_F(Assessment, EachModeShowsItsColumnsAndTheCursorWalksThem) {
+    struct Row {
+        int mode;
+        QList<int> shown;
+        int first;
+        std::pair<int, int> after_first, after_last;
+    };
+    const Row rows[] = {
+        {AssessmentInput::Summative, {0, 1, 2}, 2, {1, 2}, {1, 2}},
+        {AssessmentInput::EffortKeys, {0, 1, 3}, 3, {1, 3}, {1, 3}},
+        {AssessmentInput::Formative, {0, 1, 4, 5, 6, 7}, 4, {0, 5}, {1, 4}},
+        {AssessmentInput::MultiAssessment, {0, 1, 2, 3, 4, 5, 6, 7}, 2, {0, 3}, {1, 2}},
+    };
+    for (const Row& r : rows) {
+        SCOPED_TRACE(r.mode);
+        AssessmentInput input(ctx, printer);
+        open(input, r.mode);
+        QList<int> shown;
+        for (int c = 0; c < input.column_count(); ++c)
+            if (input.column_shown(c)) shown << c;
+        EXPECT_EQ(shown, r.shown);
+        EXPECT_EQ(input.column_entered(0, 0), r.first);
+        EXPECT_EQ(input.next_cell(0, r.first), r.after_first);
+        EXPECT_EQ(input.next_cell(0, r.shown.last()), r.after_last);
+        // The last learner stays where it is.
+        const int last = input.learner_count() - 1;
+        EXPECT_EQ(input.next_cell(last, r.shown.last()), (std::pair{last, r.first}));
+        // The lists appear only with their boxes on.
+        EXPECT_EQ(input.lookup_for(3), AssessmentInput::NoList);
+        input.set_ps_info(true);
+        input.set_fe_info(true);
+        EXPECT_EQ(input.lookup_for(2), AssessmentInput::NoList);
+        EXPECT_EQ(input.lookup_for(3), AssessmentInput::EffortKeyList);
+        EXPECT_EQ(input.lookup_for(4), AssessmentInput::FormativeList);
+        EXPECT_EQ(input.lookup_for(7), AssessmentInput::FormativeList);
+        input.set_ps_info(false);
+        input.set_fe_info(false);
+        ASSERT_TRUE(input.restore_backup());
+    }
+    // No option marked: OK acts as exit.
+    AssessmentInput input(ctx, printer);
+    ASSERT_TRUE(input.load());
+    ASSERT_TRUE(input.open_subject(0));
+    EXPECT_FALSE(input.io_ok(AssessmentInput::NoMode));
+    EXPECT_EQ(screens.unloaded, QStringList{"obe_inlees"});
+    EXPECT_EQ(screens.shown, QStringList{"punte_menu1"});
+}
+
+// The two boxes live in user_info.txt of the data folder: the folder, then
+// the two values; read on the next load.
+TEST_F(Assessment, TheListBoxesAreKeptInTheDataFolder) {
+    AssessmentInput input(ctx, printer);
+    ASSERT_TRUE(input.load());
+    EXPECT_FALSE(input.ps_info());
+    input.set_ps_info(true);
+    EXPECT_EQ(read_bytes(run.data_folder + "/user_info.txt"),
+              "\"" + run.data_folder.toUtf8() + "\"\r\n#TRUE#\r\n#FALSE#\r\n");
+    input.set_fe_info(true);
+    input.set_ps_info(false);
+    EXPECT_EQ(read_bytes(run.data_folder + "/user_info.txt"),
+              "\"" + run.data_folder.toUtf8() + "\"\r\n#FALSE#\r\n#TRUE#\r\n");
+    AssessmentInput again(ctx, printer);
+    ASSERT_TRUE(again.load());
+    EXPECT_FALSE(again.ps_info());
+    EXPECT_TRUE(again.fe_info());
+}
+
+// Paste after the warning into the chosen column; Cancel pastes nothing.
+// Undo says its own English words.
+TEST_F(Assessment, PasteGoesIntoTheChosenColumnAndUndoPutsItBack) {
+    run.language_afrikaans = true;
+    AssessmentInput input(ctx, printer);
+    open(input, AssessmentInput::MultiAssessment);
+    const int n = input.learner_count();
+    dialogs.clipboard = "4\r\n5x\r\n";
+    input.paste_into_flex();
+    ASSERT_EQ(dialogs.messages.size(), 1);
+    const QStringList warning = dialogs.messages[0].text.split("\r\n");
+    EXPECT_EQ(warning.value(0), "Hierdie funksie sal blindelings enige inligting wat in die Windows 'clipboard' is");
+    EXPECT_EQ(warning.value(3), "in PRESIES dieselfde volgorde as die leerders op die skerm is nie.");
+    EXPECT_TRUE(input.pasting());
+    EXPECT_EQ(input.paste_heading(), "'PASTE'");
+    struct Paste {
+        int target;
+        int column;
+        const char* first, *second;
+    };
+    for (const Paste& p : {Paste{-1, 3, "", ""}, {1, 3, "4", "5x"}, {2, 4, "4", "5x"}, {0, 2, "4.0", "5.0"}}) {
+        SCOPED_TRACE(p.target);
+        if (!input.pasting()) input.paste_into_flex();
+        input.pr_ok(p.target);
+        EXPECT_FALSE(input.pasting());
+        EXPECT_EQ(input.cell(0, p.column).trimmed(), QString(p.first));
+        EXPECT_EQ(input.cell(1, p.column).trimmed(), QString(p.second));
+        // Beyond the clipboard's lines a mark becomes 0.0, a text blank.
+        EXPECT_EQ(input.cell(n - 1, p.column).trimmed(), p.column == 2 ? "0.0" : "");
+    }
+    run.language_afrikaans = false;
+    dialogs.messages.clear();
+    input.marks_undo();
+    EXPECT_EQ(dialogs.texts(), QStringList{"'UNDO' will reset marks to previous values!"});
+    EXPECT_EQ(input.cell(0, 3).trimmed(), "");
+}
+
+// A missing table beeps; a foreign one says why and keeps the last good
+// backup; an empty one ends with no message; missing lists stay empty.
+TEST_F(Assessment, BadTablesOpenNothingAndLoseNothing) {
+    write_bytes(run.data_folder + "/OBE_P1.BAK", "the last good copy");
+    ASSERT_TRUE(DbfTable::create(run.data_folder + "/narrow.dbf", class_list_fields()));
+    const QByteArray narrow_bytes = read_bytes(run.data_folder + "/narrow.dbf");
+    ASSERT_TRUE(DbfTable::create(run.data_folder + "/empty.dbf", assessment_fields()));
+    const QByteArray empty_bytes = read_bytes(run.data_folder + "/empty.dbf");
+    struct Case {
+        const char* name;
+        QByteArray bytes;  // empty: no table
+        int beeps;
+        QStringList messages;
+    };
+    const QString shown = QDir::toNativeSeparators(run.data_folder + "/obe_p1.dbf");
+    const Case cases[] = {
+        {"missing", {}, 1, {}},
+        {"class list layout", narrow_bytes, 0, {"The table " + shown + " has no field EO_FE_1."}},
+        {"no records", empty_bytes, 0, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        QFile::remove(run.data_folder + "/obe_p1.dbf");
+        if (!c.bytes.isEmpty()) write_bytes(run.data_folder + "/obe_p1.dbf", c.bytes);
+        AssessmentInput input(ctx, printer);
+        ASSERT_TRUE(input.load());
+        dialogs.messages.clear();
+        const int beeps = dialogs.beeps;
+        const bool chosen = input.open_subject(0);
+        EXPECT_EQ(chosen, !c.bytes.isEmpty());
+        if (chosen) EXPECT_FALSE(input.io_ok(AssessmentInput::Summative));
+        EXPECT_FALSE(input.series_open());
+        EXPECT_EQ(dialogs.beeps - beeps, c.beeps);
+        EXPECT_EQ(dialogs.texts(), c.messages);
+        if (c.messages.isEmpty() && !c.bytes.isEmpty()) continue;  // an empty table's copy is taken first
+        EXPECT_EQ(read_bytes(run.data_folder + "/OBE_P1.BAK"), "the last good copy");
+    }
+    QFile::remove(run.data_folder + "/LAFR_P_S.dbf");
+    QFile::remove(run.data_folder + "/LAFR_f_e.8");
+    QFile::remove(run.data_folder + "/obe_p1.dbf");
+    ASSERT_TRUE(QFile::copy(run.data_folder + "/obe_p2.dbf", run.data_folder + "/obe_p1.dbf"));
+    AssessmentInput input(ctx, printer);
+    open(input, AssessmentInput::EffortKeys);
+    EXPECT_TRUE(input.effort_keys().isEmpty());
+    EXPECT_TRUE(input.formative_list().isEmpty());
+    EXPECT_TRUE(dialogs.texts().isEmpty());
+}
+
+// A data folder the teacher may not write: nothing opens, the boxes say
+// why they can't be kept, no file changes.
+TEST_F(Assessment, AReadOnlyFolderOpensNothingAndSaysWhy) {
+    if (testing::rerun_unprivileged()) return;
+    const QByteArray before = read_bytes(obe());
+    QFile(run.data_folder).setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    AssessmentInput input(ctx, printer);
+    ASSERT_TRUE(input.load());
+    ASSERT_TRUE(input.open_subject(0));
+    EXPECT_FALSE(input.io_ok(AssessmentInput::Summative));
+    input.set_ps_info(true);
+    QFile(run.data_folder).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    const QString folder = QDir::toNativeSeparators(run.data_folder);
+    ASSERT_EQ(dialogs.messages.size(), 2);
+    EXPECT_TRUE(dialogs.messages[0].text.startsWith("Can't write " + folder + "/OBE_P1.BAK: "));
+    EXPECT_TRUE(dialogs.messages[1].text.startsWith("Can't write " + run.data_folder + "/user_info.txt: "));
+    EXPECT_EQ(read_bytes(obe()), before);
+    EXPECT_FALSE(QFile::exists(run.data_folder + "/OBE_P1.BAK"));
+    EXPECT_FALSE(QFile::exists(run.data_folder + "/user_info.txt"));
+}
+
+// The list of the screen on paper: the list's own head, the visible fields
+// right-aligned between "¦", the totals and the average.
+TEST_F(Assessment, TheListPrintsTheVisibleFieldsAndItsTotals) {
+    AssessmentInput input(ctx, printer);
+    open(input, AssessmentInput::Summative);
+    ASSERT_TRUE(input.cell_changed(row_of(input, 10005), 2, "a"));
+    ASSERT_TRUE(input.marks_print());
+    const QString text = testing::pdf_text(printer.files.last());
+    for (const QString& line : {QString("PRINT MARKS"), QString("PAGE : 1"), QString("A-NO¦ LEARNER¦MARK( 100)"),
+                                QString("10001¦ Botha, Anri¦ 80.0"), QString("10003¦ Steyn, Lindiwe¦ A"),
+                                QString("TOTAL NUMBER OF LEARNERS/MARKS : 3.0 114.1"), QString("AVERAGE : 38.0")})
+        EXPECT_TRUE(text.simplified().contains(QString(line).simplified())) << line.toStdString() << "\n"
+                                                                            << text.toStdString();
+    EXPECT_EQ(printer.stems.last(), "MARKS 8 AFR__ 8A ");
+}
+
+// punte_druk: the join of both tables, alphabetical or by rank with ties by
+// name, the running total anew, the average lines out of the print total.
+TEST_F(Assessment, MarkListsJoinBothTablesInEitherOrder) {
+    seed(punte(), {{10001, "80.0"}, {10002, "77.0"}, {10003, "A"}, {10004, "77.0"}, {10005, "a"}});
+    {
+        auto t = DbfTable::open(obe());
+        for (t->MoveFirst(); !t->Eof(); t->MoveNext())
+            if (Val(t->value(0).toString()) == 10002) {
+                t->Edit();
+                t->set_value(3, "4");
+                t->set_value(4, "1");
+                t->set_value(6, "10");
+                t->set_value(7, "99");
+                t->Update();
+            }
+    }
+    MarkLists lists(ctx, printer);
+    lists.load();
+    EXPECT_EQ(lists.vak_ops(), "PRINT MARK LIST(S)");
+    EXPECT_EQ(lists.order_captions(), (QStringList{" ALPHABETIC", " "}));
+    EXPECT_EQ(lists.series().value(3).text, "   9 NW    N1 ");
+    EXPECT_FALSE(lists.print_enabled());
+    ASSERT_TRUE(lists.select_series(0));
+    EXPECT_EQ(lists.print_total(), "100");
+
+    struct Order {
+        bool rank;
+        QStringList first_rows;  // number, learner, mark, running total, key, formative
+    };
+    const Order orders[] = {
+        {false,
+         {"1|10001|Botha, Anri|80.0|80.0||", "2|10002|Venter, Jaco|77.0|157.0|4|Nie bereik nie, Afwesig met rede, 99",
+          "3|10003|Steyn, Lindiwe|A|157.0||"}},
+        {true,
+         {"1|10001|Botha, Anri|80.0|80.0||", "2|10004|Jansen, Ruan|77.0|157.0||",
+          "3|10002|Venter, Jaco|77.0|234.0|4|Nie bereik nie, Afwesig met rede, 99"}},
+    };
+    for (const Order& o : orders) {
+        SCOPED_TRACE(o.rank);
+        lists.set_rank_order(o.rank);
+        TextGrid grid;
+        double sum = 0;
+        int count = 0;
+        ASSERT_TRUE(lists.build_list(grid, &sum, &count));
+        EXPECT_EQ(count, 3);  // "A" and "a" are no marks
+        EXPECT_DOUBLE_EQ(sum, 234);
+        for (int r = 0; r < o.first_rows.size(); ++r) {
+            QStringList cells;
+            for (int c = 0; c < grid.cols(); ++c) cells << grid.text(r + 1, c).trimmed();
+            EXPECT_EQ(cells.join('|'), o.first_rows[r]);
+        }
+    }
+    struct Printed {
+        const char* total;
+        QStringList lines;
+    };
+    for (const Printed& p : {Printed{"50", {"AVERAGE := 78.0", "156.0%"}}, {"0", {"AVERAGE := 78.0"}}}) {
+        SCOPED_TRACE(p.total);
+        lists.set_print_total(p.total);
+        ASSERT_TRUE(lists.punte_druk_print());
+        const QString text = testing::pdf_text(printer.files.last()).simplified();
+        for (const QString& line : p.lines) EXPECT_TRUE(text.contains(line)) << line.toStdString();
+        EXPECT_EQ(text.contains("%"), QString(p.total) != "0");
+        EXPECT_EQ(printer.stems.last(), "MARKLIST 8 AFR 8A");
+    }
+    QFile::remove(punte());
+    dialogs.messages.clear();
+    EXPECT_FALSE(lists.punte_druk_print());
+    EXPECT_EQ(dialogs.texts(), QStringList{"There is no marks file PUNTE1.DBF in " +
+                                           QDir::toNativeSeparators(run.data_folder) + "."});
+}
+
+}  // namespace
+}  // namespace veldo
