@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Starts the desktop program under Xvfb on the demo school and saves what a
 # teacher sees: the splash, the three menus, the mark book list, an open
-# book with marks typed and one refused, and a column's menu, in Afrikaans
-# and in English.
+# book with marks typed and one refused, a column's menu, the cycle marks,
+# assessment and mark list screens, in Afrikaans and in English.
 # Usage: scripts/screenshots.sh [OUTPUT_FOLDER]   (default: shots/)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -88,6 +88,34 @@ for lang in af en; do
     shoot "punte_inlees-typing-$lang"
     key Return; shoot "punte_inlees-refused-$lang"
     key Return; key Escape
+    stop_program
+
+    # Assessment: series 1 out of 50 in the mode with every column, both
+    # lookup lists on; a mark, then the lists beside the key and the
+    # formative columns. Then the mark lists screen.
+    printf '"%s"\r\n#TRUE#\r\n#TRUE#\r\n' "$drive/data" > "$drive/data/user_info.txt"
+    start_program
+    sleep 3
+    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
+    key Return
+    key 1; key 2; shoot "obe_inlees-list-$lang"
+    key Return; xdotool type 50; key Return; shoot "obe_inlees-mode-$lang"
+    xdotool mousemove 553 592 click 1; sleep 0.3   # MULTI-ASSESSERING
+    xdotool mousemove 639 619 click 1; sleep 0.8   # OK
+    shoot "obe_inlees-converting-$lang"
+    key Return; shoot "obe_inlees-series-$lang"
+    for k in 4 2 Return; do xdotool key $k; sleep 0.2; done
+    sleep 0.6; shoot "obe_inlees-effort-list-$lang"
+    for k in 2 Return; do xdotool key $k; sleep 0.2; done
+    sleep 0.6; shoot "obe_inlees-formative-list-$lang"
+    stop_program
+
+    start_program
+    sleep 3
+    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
+    key Return
+    key 1; key 3; shoot "punte_druk-list-$lang"
+    key Return; shoot "punte_druk-chosen-$lang"
     stop_program
     rm -rf "$drive"
 done
