@@ -199,6 +199,8 @@ bool MarksInput::open_subject(int row) {
     subject_row_ = row;
     marks_path_ = find_ignoring_case(run.data_folder, table_stem() + QString::number(row + 1) + ".DBF");
     if (marks_path_.isEmpty()) {
+        // Nothing of the last series stays behind for a print from the list.
+        table_.reset();
         ctx_.dialogs.beep();
         return false;
     }
@@ -234,6 +236,9 @@ bool MarksInput::open_chosen() {
 
     sum_of_marks_ = 0;
     mark_count_ = 0;
+    average_percent_ = Currency();
+    total_text_.clear();
+    average_text_.clear();
     before_sort();
     if (!sort_by_name() || !load_marks()) return false;
     open_ = true;
