@@ -418,6 +418,20 @@ void show_series(Context& c, MarksInput& input) {
           << c.run.tr("GEMIDDELD ", "AVERAGE ") << input.average_text() << "%\n";
 }
 
+// The grid row of learner --learner; -1, with the table put back and a
+// message, when the series has no such learner.
+int learner_row(Context& c, MarksInput& input) {
+    const double learner = Val(c.options.value("learner"));
+    for (int row = 0; row < input.learner_count(); ++row)
+        if (learner > 0 && Val(input.cell(row, 0)) == learner) return row;
+    input.restore_backup();
+    print_error(c.run.tr("Daar is geen leerder " + c.options.value("learner") + " in puntereeks " +
+                             c.options.value("series") + " nie.",
+                         "There is no learner " + c.options.value("learner") + " in mark series " +
+                             c.options.value("series") + "."));
+    return -1;
+}
+
 int cmd_marks(Context& c) {
     const QString what = c.positional.value(0);
     if (what != "show" && what != "set" && what != "save") {
@@ -438,17 +452,8 @@ int cmd_marks(Context& c) {
         return input.restore_backup() ? 0 : 1;
     }
     if (what == "set") {
-        const double learner = Val(c.options.value("learner"));
-        int row = 0;
-        while (row < input.learner_count() && !(learner > 0 && Val(input.cell(row, 0)) == learner)) ++row;
-        if (row == input.learner_count()) {
-            input.restore_backup();
-            print_error(c.run.tr("Daar is geen leerder " + c.options.value("learner") + " in puntereeks " +
-                                     c.options.value("series") + " nie.",
-                                 "There is no learner " + c.options.value("learner") + " in mark series " +
-                                     c.options.value("series") + "."));
-            return 1;
-        }
+        const int row = learner_row(c, input);
+        if (row < 0) return 1;
         if ((c.options.contains("value") && !input.cell_changed(row, 2, c.options.value("value"))) ||
             (c.options.contains("key") && !input.cell_changed(row, 3, c.options.value("key")))) {
             input.restore_backup();
@@ -484,17 +489,8 @@ int cmd_obe(Context& c) {
         return input.restore_backup() ? 0 : 1;
     }
     if (what == "set") {
-        const double learner = Val(c.options.value("learner"));
-        int row = 0;
-        while (row < input.learner_count() && !(learner > 0 && Val(input.cell(row, 0)) == learner)) ++row;
-        if (row == input.learner_count()) {
-            input.restore_backup();
-            print_error(c.run.tr("Daar is geen leerder " + c.options.value("learner") + " in puntereeks " +
-                                     c.options.value("series") + " nie.",
-                                 "There is no learner " + c.options.value("learner") + " in mark series " +
-                                     c.options.value("series") + "."));
-            return 1;
-        }
+        const int row = learner_row(c, input);
+        if (row < 0) return 1;
         QList<std::pair<int, QString>> fields;
         if (c.options.contains("value")) fields.append({kClassListMark, c.options.value("value")});
         if (c.options.contains("key")) fields.append({kAssessmentKey, c.options.value("key")});
