@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 
 #include "markbook/marks_table.h"
 #include "markbook/setup_file.h"
@@ -88,7 +89,14 @@ bool export_task(RecordStore& store, const ExportRequest& request) {
     // The rows go to both tables in memory and to the disk in one write each.
     if (!punte->begin_batch()) return fail(punte->last_error());
     if (!obe->begin_batch()) return fail(obe->last_error());
+    const int records = marks->RecordCount();
+    auto progress = [&](int value) {
+        if (request.progress) request.progress(value, records);
+    };
+    progress(0);
+    int done = 0;
     for (marks->MoveFirst(); !marks->Eof(); marks->MoveNext()) {
+        progress(std::min(++done, records));
         const QVariant number = marks->value(0);
         const QVariant name = marks->value(1);
         const QString mark = toets_null_text(marks->value(mark_field));
@@ -106,6 +114,7 @@ bool export_task(RecordStore& store, const ExportRequest& request) {
         obe->set_value("EO_PUNT", value);
         if (!obe->Update(&error)) return fail(error);
     }
+    progress(-1);
     if (!punte->commit_batch(&error) || !obe->commit_batch(&error)) return fail(error);
     punte->Close();
     obe->Close();

@@ -5,6 +5,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 #include "markbook/setup_model.h"
 
@@ -21,6 +22,9 @@ struct ExportRequest {
     QStringList series_row;     // the vak_grid row
     int task = 0;               // the setup row, 1 to 40; 0 = none chosen
     QString folder;             // the chosen data folder; becomes the run's data folder
+    // The progress bar: (0, records) when the walk starts, (n, records)
+    // after each learner, (-1, records) when the bar goes.
+    std::function<void(int value, int maximum)> progress;
 };
 
 // The export as the screen does it after the folder choice: the question,

@@ -23,7 +23,7 @@ bool build_symbol_distribution(RecordStore& store, const QStringList& row, int s
         if (run.dialogs) run.dialogs->message(text, icon);
         return false;
     };
-    const QString marks_path = find_ignoring_case(folder, marks_table_name(series));
+    const QString marks_path = find_marks_table(folder, series);
     if (marks_path.isEmpty()) return say(no_mark_book_message(run));
     DbfError error;
     auto marks = DbfTable::open(marks_path, &error);

@@ -29,6 +29,10 @@
 #include "input/marks_input.h"
 #include "markbook/mark_book_input.h"
 #include "markbook/mark_book_print_screen.h"
+#include "exchange/export_screen.h"
+#include "exchange/symbol_screen.h"
+#include "gui/export_widget.h"
+#include "gui/symbol_print_widget.h"
 #include "gui/password_prompt_dialog.h"
 #include "gui/placeholder_screen.h"
 #include "gui/refused_folder_form.h"
@@ -51,8 +55,6 @@ struct PendingScreen {
 const QList<PendingScreen>& pending_screens() {
     static const QList<PendingScreen> list = {
         {screen::pboek_opstel, screen::punte_menu2, "PUNTEBOEK OPSTEL", "MARK BOOK SETUP"},
-        {screen::simbole_druk, screen::punte_menu2, "SIMBOOLVERSPREIDING DRUK", "SYMBOL DISTRIBUTION PRINT"},
-        {screen::pboek_uitvoer, screen::punte_menu2, "PUNTEBOEK UITVOER", "MARK BOOK EXPORT"},
     };
     return list;
 }
@@ -154,6 +156,18 @@ QWidget* Desktop::make(const QString& name) {
         lists->load();
         logic_.insert(name, lists);
         return new MarkListsWidget(*lists, this);
+    }
+    if (name == screen::simbole_druk) {
+        auto symbols = std::make_shared<SymbolPrintScreen>(ctx_, printer_);
+        if (!symbols->load()) return nullptr;
+        logic_.insert(name, symbols);
+        return new SymbolPrintWidget(*symbols, this);
+    }
+    if (name == screen::pboek_uitvoer) {
+        auto exporter = std::make_shared<MarkBookExport>(ctx_);
+        if (!exporter->load()) return nullptr;
+        logic_.insert(name, exporter);
+        return new ExportWidget(*exporter, this);
     }
     for (const PendingScreen& p : pending_screens())
         if (p.name == name) return new PlaceholderScreen(name, run_.tr(p.afrikaans, p.english), p.menu, *this, this);

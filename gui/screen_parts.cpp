@@ -4,6 +4,8 @@
 #include <QLabel>
 #include <QTableWidget>
 
+#include "util/text_grid.h"
+
 namespace veldo {
 
 void paint_form(QWidget* form) {
@@ -38,6 +40,41 @@ QTableWidget* series_list(const QList<QStringList>& rows, QWidget* parent) {
     grid->resizeColumnsToContents();
     if (!rows.isEmpty()) grid->setCurrentCell(0, 0);
     return grid;
+}
+
+void show_text_grid(QTableWidget* table, const TextGrid& grid) {
+    const int heading_rows = grid.fixed_rows() > 0 ? 1 : 0;
+    table->clear();
+    table->setColumnCount(grid.cols());
+    table->setRowCount(std::max(0, grid.rows() - heading_rows));
+    table->horizontalHeader()->setVisible(heading_rows > 0);
+    for (int c = 0; c < grid.cols(); ++c) {
+        const GridAlign align = grid.column_alignment(c);
+        const Qt::Alignment a = (align == GridAlign::Right    ? Qt::AlignRight
+                                 : align == GridAlign::Centre ? Qt::AlignHCenter
+                                                              : Qt::AlignLeft) |
+                                Qt::AlignVCenter;
+        if (heading_rows > 0) {
+            auto* heading = new QTableWidgetItem(grid.text(0, c).trimmed());
+            heading->setTextAlignment(a);
+            table->setHorizontalHeaderItem(c, heading);
+        }
+        for (int r = heading_rows; r < grid.rows(); ++r) {
+            auto* item = new QTableWidgetItem(grid.text(r, c));
+            item->setTextAlignment(a);
+            if (grid.cell_has_own_colours(r, c)) {
+                const int bgr = grid.cell_back_colour(r, c);
+                item->setBackground(QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF));
+            }
+            table->setItem(r - heading_rows, c, item);
+        }
+    }
+    table->resizeColumnsToContents();
+    for (int c = 0; c < grid.cols(); ++c) {
+        const int twips = grid.col_width(c);
+        table->setColumnHidden(c, twips == 0);
+        if (twips > 0) table->setColumnWidth(c, std::max(table->columnWidth(c), twips / 15));
+    }
 }
 
 }  // namespace veldo

@@ -11,6 +11,8 @@ class QWidget;
 
 namespace veldo {
 
+class TextGrid;
+
 // The family's form colour on `form`.
 void paint_form(QWidget* form);
 // A centred bold title in 15 points.
@@ -18,5 +20,9 @@ QLabel* screen_title(const QString& text, QWidget* parent);
 // vak_grid: nine columns, no headings, one whole row selected, rows trimmed;
 // the first row current, so that Enter can open it at once.
 QTableWidget* series_list(const QList<QStringList>& rows, QWidget* parent);
+// Shows a grid of the family in `table`: its heading row as the header, the
+// other rows below with the grid's alignments, widths (twips; -1 fits the
+// text, 0 hides) and cell colours.
+void show_text_grid(QTableWidget* table, const TextGrid& grid);
 
 }  // namespace veldo

@@ -50,7 +50,7 @@ struct Export : ::testing::Test {
         DbfTable::create(t.data("obe_p1.dbf"), assessment_fields());
     }
     ExportRequest request(int task) {
-        return ExportRequest{1, row, task, t.run.data_folder};
+        return ExportRequest{1, row, task, t.run.data_folder, {}};
     }
 };
 
