@@ -69,7 +69,12 @@ QStringList mark_book_legend(const TextGrid& grid, const MarkBookSetup& setup, b
     for (int c = first_column; c <= last; ++c) {
         const int r = c - 2;
         if (r < 1 || r > kSetupRows || !setup.rows[r - 1].is_used()) continue;
-        line += left_justified(letter + QString::number(r) + " " + setup.rows[r - 1].name, quarter);
+        const QString item = letter + QString::number(r) + " " + setup.rows[r - 1].name;
+        if (line_width <= 0) {
+            lines << item.trimmed();
+            continue;
+        }
+        line += left_justified(item, quarter);
         if (++items % 4 == 0) {
             lines << line;
             line.clear();
@@ -130,6 +135,12 @@ bool print_mark_book(ReportRun& r, const MarkBookSetup& setup, DbfTable& marks, 
     print_grid_pages(r, grid, title, kLandscape, options);
 
     auto legend = [&](int first, int last) {
+        // A workbook's columns are letters and numbers only without it: the
+        // legend goes below its grid too, one item to a row.
+        if (r.job.output_to_excel) {
+            if (r.job.worksheet.write_lines) r.job.worksheet.write_lines(mark_book_legend(grid, setup, af, 0, first, last));
+            return;
+        }
         r.surface.set_CurrentY(r.surface.CurrentY() + 2);
         r.surface.set_CurrentX(0);
         for (const QString& line : mark_book_legend(grid, setup, af, r.job.line_width, first, last))

@@ -31,7 +31,8 @@ void fill_print_grid(TextGrid& grid, const MarkBookSetup& setup, DbfTable& marks
 
 // The legend under the table: "P7 KLASWERK" for each named row from
 // `first_column` to `last_column` of the grid, four to a line, each
-// left-justified to a quarter of `line_width` characters.
+// left-justified to a quarter of `line_width` characters; with a width of 0
+// one to a line, as a workbook takes them.
 QStringList mark_book_legend(const TextGrid& grid, const MarkBookSetup& setup, bool afrikaans, int line_width,
                              int first_column = 3, int last_column = -1);
 

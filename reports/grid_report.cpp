@@ -65,10 +65,40 @@ QStringList split_breaks(const QString& text) {
     return t.split(QLatin1Char('\n'));
 }
 
-// The lines a cell prints on: wrapped where it asks for breaks, else cut.
+// The lines a cell prints on: wrapped where it asks for breaks or where a
+// text of several words is wider than its column; a single word wider than
+// its column (only a turned heading's column can be narrower) is cut.
 QStringList cell_lines(const PrintSurface& s, const QString& text, float width) {
-    if (has_line_break(text)) return wrap_cell_text(s, text, width).split(QLatin1Char('\n'));
+    if (has_line_break(text) || (text.trimmed().contains(QLatin1Char(' ')) && s.TextWidth(text) > width))
+        return wrap_cell_text(s, text, width).split(QLatin1Char('\n'));
     return {fit_cell_text(s, text, width)};
+}
+
+// What a column needs so that nothing in it is cut: its widest line, and
+// its widest word (where a text of several words may wrap), in columns.
+struct ColumnNeeds {
+    float line = 0;
+    float word = 0;
+};
+
+ColumnNeeds column_needs(const PrintSurface& s, const TextGrid& grid, int col) {
+    ColumnNeeds needs;
+    for (int r = 0; r < grid.rows(); ++r) {
+        const QString t = cell_text(grid, r, col);
+        if (t.isEmpty() || (r < grid.fixed_rows() && t.startsWith(kRotated))) continue;
+        for (const QString& part : split_breaks(t)) {
+            const QString line = part.trimmed();
+            const float width = s.TextWidth(line);
+            needs.line = std::max(needs.line, width);
+            if (!line.contains(QLatin1Char(' '))) {
+                needs.word = std::max(needs.word, width);
+                continue;
+            }
+            for (const QString& word : line.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+                needs.word = std::max(needs.word, s.TextWidth(word));
+        }
+    }
+    return needs;
 }
 
 // The widest line of the column's texts, in columns; -1 where the column's
@@ -101,6 +131,7 @@ public:
 
 private:
     void lay_out_columns(int count);
+    void widen_to_texts();
     std::vector<QStringList> row_cells(int row) const;
     float row_height(int row) const { return row_lines(row_cells(row)) + kRowGap; }
     bool is_page_break(int row) const;
@@ -147,6 +178,36 @@ void GridPrinter::lay_out_columns(int count) {
         }
         x += col.width;
         columns_.push_back(col);
+    }
+    table_right_ = x;
+    widen_to_texts();
+}
+
+// A column is never narrower than its widest text in the printing font:
+// a figure is never cut. Where the widened table would run off the page,
+// columns of words give the room back, down to their widest word, and
+// their texts wrap.
+void GridPrinter::widen_to_texts() {
+    const float designed_right = table_right_;
+    std::vector<ColumnNeeds> needs;
+    for (Column& c : columns_) {
+        needs.push_back(column_needs(s_, grid_, c.index));
+        c.width = std::max(c.width, needs.back().line + 2 * pad_);
+    }
+    float excess = table_left_ - std::max(designed_right, s_.ScaleWidth());
+    for (const Column& c : columns_) excess += c.width;
+    for (std::size_t i = columns_.size(); i-- > 0 && excess > 0;) {
+        Column& c = columns_[i];
+        const float least = needs[i].word + 2 * pad_;
+        const float give = std::min(excess, c.width - least);
+        if (give <= 0) continue;
+        c.width -= give;
+        excess -= give;
+    }
+    float x = table_left_;
+    for (Column& c : columns_) {
+        c.left = x;
+        x += c.width;
     }
     table_right_ = x;
 }

@@ -42,6 +42,9 @@ struct WorksheetHooks {
     std::function<void(const SheetHead&)> sheet_head;
     // print_grid_report with output_to_excel: the grid onto the current sheet.
     std::function<void(TextGrid&)> write_grid;
+    // Lines of text below what the current sheet holds, a blank row first,
+    // one line to a row in the first column (a legend under a grid).
+    std::function<void(const QStringList&)> write_lines;
     // print_grid_report's to_excel_file: asks the file, writes, saves.
     std::function<void(TextGrid&)> grid_to_new_file;
     // end_of_print with output_to_excel: saves the workbook and tells the user.

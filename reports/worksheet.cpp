@@ -165,12 +165,26 @@ void WorkbookOutput::write_grid_to_sheet(const TextGrid& grid) {
     excel_row_ = first_row + grid.rows();
 }
 
+void WorkbookOutput::write_lines_to_sheet(const QStringList& lines) {
+    Sheet& sheet = current_sheet();
+    int row = excel_row_ + 1;
+    for (const QString& line : lines) {
+        if (row > kMaxSheetRows) break;
+        Cell cell = sheet_cell_from_text(line);
+        cell.font_size = sheet.font_size;
+        cell.spills = true;
+        if (!cell.text.isEmpty()) sheet.cells[{row, 1}] = cell;
+        ++row;
+    }
+    excel_row_ = row;
+}
+
 std::vector<double> WorkbookOutput::fitted_widths(const Sheet& sheet) {
     std::vector<double> widths;
     for (const auto& [at, cell] : sheet.cells) {
         const int col = at.second;
         if (int(widths.size()) < col) widths.resize(size_t(col), 0.0);
-        if (cell.rotated || cell.text.isEmpty()) continue;
+        if (cell.rotated || cell.spills || cell.text.isEmpty()) continue;
         // Excel's unit is a digit of an 11-point font; a text of n characters
         // at size s needs about n * s / 10 of them, and a little air.
         QString shown = cell.text;
@@ -364,6 +378,7 @@ void install_worksheet_hooks(PrintJob& job, RunState& run) {
     };
     job.worksheet.sheet_head = [open_book](const SheetHead& head) { open_book().begin_sheet_head(head); };
     job.worksheet.write_grid = [open_book](TextGrid& grid) { open_book().write_grid_to_sheet(grid); };
+    job.worksheet.write_lines = [open_book](const QStringList& lines) { open_book().write_lines_to_sheet(lines); };
     // Asks for the file again, from the job's names; false on Cancel.
     auto ask_file = [&job, &run]() {
         OutputChoice choice;

@@ -47,6 +47,7 @@ public:
         int fore_rgb = -1;
         int align = 0;             // 0 general, 1 left, 2 centre, 3 right
         double font_size = kHeadFontSize;
+        bool spills = false;       // runs on over the empty cells beside it: no room of its own
     };
     struct Sheet {
         QString name;
@@ -68,6 +69,9 @@ public:
     // turns a heading upright and goes), the rest as cells. Without a sheet
     // a first one is made. Column widths are fitted when the workbook is saved.
     void write_grid_to_sheet(const TextGrid& grid);
+    // Text lines below what the sheet holds, after a blank row, one to a row
+    // in column 1; they take no width of the column.
+    void write_lines_to_sheet(const QStringList& lines);
 
     // Writes the workbook as "<export_folder><export_stem>.xlsx", replacing a
     // file of that name, and tells the user. A missing folder, a read-only or

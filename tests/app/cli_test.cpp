@@ -452,6 +452,23 @@ TEST_F(CliBook, TheMarkBookGoesToAPdfWithItsHeadTableAndLegend) {
         EXPECT_TRUE(text.contains(QString::fromUtf8(expected))) << expected;
 }
 
+// A workbook's mark columns are named below its grid, one item to a row
+// after a blank row, as the paper's legend names them.
+TEST_F(CliBook, TheMarkBookWorkbookNamesItsColumnsBelowTheGrid) {
+    const QString xlsx = drive.filePath("book.xlsx");
+    ASSERT_EQ(on("print", 5, {"markbook", "--xlsx", xlsx}).exit_code, 0);
+    SheetReadError error;
+    const auto sheet = read_first_sheet(xlsx, &error);
+    ASSERT_TRUE(sheet) << error.detail.toStdString();
+    QStringList first_cells;
+    for (const QStringList& row : *sheet) first_cells << row.value(0);
+    const qsizetype legend = first_cells.indexOf("M1 TAAK 1");
+    ASSERT_GT(legend, 7);
+    EXPECT_EQ(first_cells.value(legend - 1), "");
+    EXPECT_EQ(first_cells.value(legend - 2), "38");  // the last learner's row
+    EXPECT_EQ(first_cells.mid(legend + 19), QStringList{"M20 SUBTOTAAL 2"});  // the first block's last column
+}
+
 TEST_F(CliBook, TheSymbolDistributionGoesToAWorkbook) {
     const QString xlsx = drive.filePath("out/symbols.xlsx");
     QDir().mkpath(drive.filePath("out"));

@@ -112,12 +112,47 @@ TEST_F(GridReportTest, GridReportLastColumnLimitsTheTable) {
 
 // ---- Cell texts -------------------------------------------------------------------
 
-TEST_F(GridReportTest, GridReportWideCellIsCutNeverWrappedAndTheSentinelIsEmpty) {
-    TextGrid g = grid(QStringLiteral("<Naam|<B"), {QStringLiteral("Van der Merwe, Johannes\t a\u00A6a ")});
-    print(g);
-    EXPECT_TRUE(printed(QStringLiteral("Van der M")));     // 9 columns inside the padding
-    EXPECT_EQ(lines_at_y(6 + 1.25f + 1.25f).size(), 1);  // the row stays one line high
-    EXPECT_FALSE(printed_containing(QStringLiteral("a\u00A6a")));
+// A text wider than its column widens the column: a figure is never cut.
+// Where the widened table would leave the page, a column of words gives the
+// room back down to its widest word, and its text wraps.
+TEST_F(GridReportTest, GridReportColumnsWidenToTheirWidestTextAndWordsWrapAtThePageEdge) {
+    const float page = surface.ScaleWidth();
+    struct Row {
+        const char* why;
+        QString cell;
+        int width;                 // twips of the first column
+        float right;               // the frame's right edge
+        QStringList lines;         // what prints of the cell, line by line
+    } rows[] = {
+        {"a figure in a column of 3 letters", "-274.0", 360, 6 + 1 + 10, {"-274.0"}},
+        {"the column fits already: no change", "100.6", kTen, 20, {"100.6"}},
+        {"one letter wider than the column", "ABCDEFGHIJ", kTen, 11 + 10, {"ABCDEFGHIJ"}},
+        {"a name wider than its column", "Van der Merwe, Johannes", kTen, 24 + 10, {"Van der Merwe, Johannes"}},
+        {"words past the page wrap", QString("woord ").repeated(int(page) / 6 + 4).trimmed(), kTen, page,
+         {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.why);
+        surface = RecordingSurface();
+        surface.set_font_size(10);
+        surface.set_CurrentY(6);
+        TextGrid g = grid(QStringLiteral("<A|<B"), {row.cell + "\t a\u00A6a "});
+        g.set_col_width(0, row.width);
+        print(g);
+        const auto frame = surface.records_of(Kind::Box);
+        ASSERT_EQ(frame.size(), 1);
+        EXPECT_NEAR(frame[0].x2, row.right, 1e-3);
+        EXPECT_FALSE(printed_containing(QStringLiteral("a\u00A6a")));  // the sentinel is an empty cell
+        if (!row.lines.isEmpty()) {
+            EXPECT_TRUE(printed(row.lines.first()));
+            continue;
+        }
+        // Every word printed whole, on as many lines as the page needs.
+        QStringList words;
+        for (const QString& t : surface.texts()) words += t.split(' ', Qt::SkipEmptyParts);
+        EXPECT_EQ(words.count("woord"), row.cell.count("woord"));
+        EXPECT_EQ(surface.texts().size(), 4);  // two headings and the cell's two lines
+    }
 }
 
 TEST_F(GridReportTest, GridReportLineBreaksWrapTheCell) {
