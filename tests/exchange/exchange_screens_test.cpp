@@ -1,0 +1,205 @@
+// The export and symbol screens through a teacher's path on the demo school.
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QProcess>
+
+#include "exchange/export_screen.h"
+#include "exchange/symbol_screen.h"
+#include "markbook/marks_table.h"
+#include "shell/demo_school.h"
+#include "tests/support/mark_book_fixture.h"
+#include "tests/support/pdf_printer.h"
+#include "tests/support/shell_fixture.h"
+#include "util/file_lookup.h"
+
+namespace veldo {
+namespace {
+
+using testing::stored_row;
+
+struct ExchangeScreens : ::testing::Test, testing::ShellFixture {
+    testing::PdfPrinter printer{run, dir.path()};
+    ExchangeScreens() {
+        run.data_folder = path("school");
+        EXPECT_TRUE(write_demo_school(run, run.data_folder).ok);
+    }
+    QString table(const QString& name) const { return find_ignoring_case(run.data_folder, name); }
+    // The rows of a table that hold learner `name`, right-trimmed.
+    QList<QStringList> rows_of(const QString& name, const QString& learner) const {
+        QList<QStringList> out;
+        auto t = DbfTable::open(table(name));
+        for (int r = 0; r < t->RecordCount(); ++r)
+            if (stored_row(*t, r).value(1) == learner) out << stored_row(*t, r);
+        return out;
+    }
+};
+
+TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
+    MarkBookExport screen(ctx);
+    ASSERT_TRUE(screen.load());
+    EXPECT_EQ(screen.caption(), "MARK BOOK EXPORT");
+    ASSERT_EQ(screen.series().size(), 9);
+    screen.choose_series(0);
+    EXPECT_EQ(screen.vak_ops(), "8 AFR");
+    EXPECT_FALSE(screen.series_list_shown());
+    ASSERT_TRUE(screen.task_list_shown());
+    const TextGrid& tasks = screen.tasks();
+    ASSERT_EQ(tasks.rows(), 41);
+    EXPECT_EQ(tasks.row_texts(0), (QStringList{"EXP", "NO.", " TASK/PROJECT            ", " TOTAL  ", "   RESULT   ",
+                                               " OUT  OF ", " CYCLE "}));
+    EXPECT_EQ(tasks.text(1, 1), "1");
+    EXPECT_EQ(tasks.text(1, 2).trimmed(), "TAAK 1");
+    EXPECT_EQ(tasks.text(1, 3).trimmed(), "10");
+    EXPECT_EQ(tasks.text(40, 1), "40");
+    // Column 2 is pale yellow where the task has a total, white elsewhere.
+    EXPECT_EQ(tasks.cell_back_colour(1, 2), 0xC0FFFF);
+    EXPECT_EQ(tasks.cell_back_colour(40, 2), 0xFFFFFF);
+
+    const int before = DbfTable::open(table("punte1.dbf"))->RecordCount();
+    QList<std::pair<int, int>> bar;
+    screen.on_progress = [&] { bar << std::pair{screen.progress_visible() ? screen.progress_value() : -1, screen.progress_max()}; };
+    dialogs.folders.enqueue(run.data_folder);
+    ASSERT_TRUE(screen.export_task_row(1));
+    EXPECT_EQ(dialogs.prompts, QStringList{"DATA FOLDER FOR EXPORT"});
+    EXPECT_EQ(dialogs.texts(), (QStringList{"DO YOU WISH TO EXPORT \"TAAK 1\" ?",
+                                            "Marks for 8  AFR__8A exported sucessfully ..."}));
+    // 32 learners: the bar from 0 to 32, then gone.
+    ASSERT_EQ(bar.size(), 34);
+    EXPECT_EQ(bar.first(), std::pair(0, 32));
+    EXPECT_EQ(bar[32], std::pair(32, 32));
+    EXPECT_EQ(bar.last(), std::pair(-1, 32));
+    EXPECT_FALSE(screen.progress_visible());
+    // 3.5 of 10 goes over as 35 of the series' 100, appended beside the class list's row.
+    EXPECT_EQ(DbfTable::open(table("punte1.dbf"))->RecordCount(), before + 32);
+    EXPECT_EQ(rows_of("punte1.dbf", "Botha, Anri"), (QList<QStringList>{{"10001", "Botha, Anri", "", ""},
+                                                                       {"10001", "Botha, Anri", "35", ""}}));
+    EXPECT_EQ(rows_of("obe_p1.dbf", "Botha, Anri").last().mid(0, 3), (QStringList{"10001", "Botha, Anri", "35"}));
+    EXPECT_TRUE(screen.task_list_shown());
+    screen.pboek_uitvoer_exit();
+    EXPECT_EQ(screens.unloaded, QStringList{"pboek_uitvoer"});
+    EXPECT_EQ(screens.shown, QStringList{"punte_menu2"});
+}
+
+// Each refusal: its message in the user's language, nothing appended, and
+// the screen gone where the Part's steps end it.
+TEST_F(ExchangeScreens, TheExportRefusesWithItsMessages) {
+    struct Case {
+        const char* why;
+        bool afrikaans;
+        bool series_table;  // the data folder holds exp_mrk_control.txt
+        int task_row;       // the row double-clicked; -1 = none, the load refused
+        QString folder;     // the folder dialog's answer
+        QStringList texts;
+        bool screen_gone;
+    } cases[] = {
+        {"no series table", false, false, -1, "", {"There are no marks books to export ..."}, true},
+        {"geen reekstabel", true, false, -1, "", {"Daar is geen punteboeke om uit te voer nie ..."}, true},
+        {"the heading row", false, true, 0, "", {"NO MARK SERIES SELECTED ... DOUBLE CLICK ON SERIES TO EXPORT  !"}, false},
+        {"die opskrifry", true, true, 0, "", {"GEEN PUNTEREEKS GESKIES NIE ... DUBBELKLIK OP REEKS OM UIT TE VOER !"}, false},
+        {"a cancelled folder", false, true, 1, "", {}, true},
+        {"No to the question", true, true, 1, "same", {"WIL U DEFNITIEF \"TAAK 1\" UITVOER ?"}, false},
+    };
+    const QString folder = run.data_folder;
+    const QByteArray series = testing::read_bytes(table("exp_mrk_control.txt"));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        run.language_afrikaans = c.afrikaans;
+        run.data_folder = folder;
+        dialogs.messages.clear();
+        screens.unloaded.clear();
+        QFile::remove(table("exp_mrk_control.txt"));
+        if (c.series_table) testing::write_bytes(QDir(folder).filePath("exp_mrk_control.txt"), series);
+        if (!c.folder.isEmpty()) {
+            dialogs.folders.enqueue(folder);
+            dialogs.answers.enqueue(MsgAnswer::No);
+        }
+        const QByteArray punte = testing::read_bytes(table("punte1.dbf"));
+        MarkBookExport screen(ctx);
+        if (c.task_row < 0) {
+            EXPECT_FALSE(screen.load());
+        } else {
+            ASSERT_TRUE(screen.load());
+            screen.choose_series(0);
+            EXPECT_FALSE(screen.export_task_row(c.task_row));
+        }
+        EXPECT_EQ(dialogs.texts(), c.texts);
+        EXPECT_EQ(screens.unloaded.contains("pboek_uitvoer"), c.screen_gone);
+        EXPECT_EQ(testing::read_bytes(table("punte1.dbf")), punte);
+    }
+}
+
+TEST_F(ExchangeScreens, TheDistributionShowsInTheGridAndPrintsWhole) {
+    run.language_afrikaans = true;
+    SymbolPrintScreen screen(ctx, printer);
+    ASSERT_TRUE(screen.load());
+    EXPECT_EQ(screen.caption(), "SIMBOOLVERSPREIDING DRUK");
+    EXPECT_EQ(screen.button_captions(), (QStringList{"DRUK", "EXIT"}));
+    EXPECT_EQ(screen.series_list_height(), 9 * 300);
+    EXPECT_FALSE(screen.pboek_druk_print());  // nothing chosen yet
+    ASSERT_TRUE(screen.choose_series(0));
+    EXPECT_EQ(screen.vak_ops(), "8 AFR 8A");
+    const TextGrid& grid = screen.grid();
+    EXPECT_EQ(grid.row_texts(0).mid(0, 3), (QStringList{"SIMBOOL", "P1", "P2"}));
+    EXPECT_EQ(grid.row_texts(1).mid(0, 3), (QStringList{"", "10", "10"}));
+    EXPECT_EQ(grid.text(2, 0), "1 (0-29.9)");
+    EXPECT_EQ(grid.text(grid.rows() - 1, 0), "GEMIDDELD");
+    // Every learner with a mark for task 1 is counted once.
+    int counted = 0;
+    for (int r = 2; r < grid.rows() - 1; ++r) counted += grid.text(r, 1).toInt();
+    auto marks = DbfTable::open(table("marks1.dbf"));
+    int with_marks = 0;
+    for (marks->MoveFirst(); !marks->Eof(); marks->MoveNext()) {
+        const QString m = marks->value(2).toString().trimmed().toUpper();
+        if (!m.isEmpty() && m != "A") ++with_marks;
+    }
+    EXPECT_EQ(counted, with_marks);
+
+    const TextGrid shown = grid;
+    ASSERT_TRUE(screen.pboek_druk_print());
+    EXPECT_EQ(screen.grid().rows(), shown.rows());  // the screen keeps what it printed
+    const QString text = testing::pdf_text(printer.files.last()).simplified();
+    EXPECT_TRUE(text.contains("SIMBOLE 8 AFR 8A"));
+    EXPECT_TRUE(text.contains("GEMIDDELD " + shown.row_texts(shown.rows() - 1).mid(1, 3).join(' ')))
+        << text.toStdString();
+    printer.cancel = true;
+    EXPECT_FALSE(screen.pboek_druk_print());
+}
+
+// The table is looked for as marks<N>.txt, then as marks<N>.dbf; each
+// message ends the screen and brings the menu back.
+TEST_F(ExchangeScreens, TheDistributionFindsItsTableOrEndsTheScreen) {
+    struct Case {
+        const char* why;
+        int row;
+        const char* text_table;  // what goes in as marks<N>.txt: "", "copy" of the .dbf, "old" (41 fields)
+        QString message;         // "" = the distribution stands
+    } cases[] = {
+        {"the .dbf every screen uses", 0, "", ""},
+        {"an export disk's .txt comes first", 0, "old",
+         "Load the latest copy of VELDO-CLERK and recreate the \r\nexport disk to allow for 40 mark sets ..."},
+        {"no book at all", 1, "", "3 See 'MARK BOOK SETUP' to create mark book"},
+        {"only the .txt", 1, "copy", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const QString txt = QDir(run.data_folder).filePath(QString("marks%1.txt").arg(c.row + 1));
+        QFile::remove(txt);
+        if (QString(c.text_table) == "copy") QFile::copy(table("marks1.dbf"), txt);
+        if (QString(c.text_table) == "old") DbfTable::create(txt, mark_book_fields().mid(0, 41));
+        // Series 2 has no setup of its own: give it series 1's for the copy.
+        if (c.row == 1) QFile::copy(table("setup_8  AFR__8A.txt"), QDir(run.data_folder).filePath("setup_8  WISK_8B.txt"));
+        dialogs.messages.clear();
+        screens.unloaded.clear();
+        screens.shown.clear();
+        SymbolPrintScreen screen(ctx, printer);
+        ASSERT_TRUE(screen.load());
+        EXPECT_EQ(screen.choose_series(c.row), c.message.isEmpty());
+        EXPECT_EQ(dialogs.texts(), c.message.isEmpty() ? QStringList() : QStringList{c.message});
+        EXPECT_EQ(screens.shown, c.message.isEmpty() ? QStringList() : QStringList{"punte_menu2"});
+        EXPECT_EQ(screen.has_distribution(), c.message.isEmpty());
+    }
+}
+
+}  // namespace
+}  // namespace veldo
