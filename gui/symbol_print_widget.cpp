@@ -29,6 +29,9 @@ SymbolPrintWidget::SymbolPrintWidget(SymbolPrintScreen& screen, QWidget* parent)
     layout->addWidget(folder);
 
     vak_grid_ = veldo::series_list(screen_.series(), this);
+    // 300 twips a row: the list shows up to 17 series before it scrolls.
+    vak_grid_->verticalHeader()->setMinimumSectionSize(20);
+    vak_grid_->verticalHeader()->setDefaultSectionSize(20);
     vak_grid_->setFixedHeight(screen_.series_list_height() / 15 + 2 * vak_grid_->frameWidth());
     connect(vak_grid_, &QTableWidget::cellClicked, this, [this](int row, int) { choose(row); });
     connect(vak_grid_, &QTableWidget::cellActivated, this, [this](int row, int) { choose(row); });

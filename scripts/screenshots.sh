@@ -2,7 +2,8 @@
 # Starts the desktop program under Xvfb on the demo school and saves what a
 # teacher sees: the splash, the three menus, the mark book list, an open
 # book with marks typed and one refused, a column's menu, the cycle marks,
-# assessment and mark list screens, in Afrikaans and in English.
+# assessment and mark list screens, the symbol distribution and the export,
+# in Afrikaans and in English.
 # Usage: scripts/screenshots.sh [OUTPUT_FOLDER]   (default: shots/)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -116,6 +117,27 @@ for lang in af en; do
     key Return
     key 1; key 3; shoot "punte_druk-list-$lang"
     key Return; shoot "punte_druk-chosen-$lang"
+    stop_program
+
+    # The symbol distribution and the export, from the mark book menu.
+    start_program
+    sleep 3
+    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
+    key Return
+    key 2; key 5; shoot "simbole_druk-list-$lang"
+    key Return; shoot "simbole_druk-grid-$lang"
+    stop_program
+
+    start_program
+    sleep 3
+    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
+    key Return
+    key 2; key 4; shoot "pboek_uitvoer-list-$lang"
+    key Return; shoot "pboek_uitvoer-tasks-$lang"
+    xdotool mousemove 300 189 click --repeat 2 --delay 80 1; sleep 1.5   # task 1
+    shoot "pboek_uitvoer-folder-$lang"
+    key Return; shoot "pboek_uitvoer-confirm-$lang"
+    key Return; sleep 0.5; shoot "pboek_uitvoer-done-$lang"
     stop_program
     rm -rf "$drive"
 done

@@ -18,12 +18,14 @@
 #include <QTimer>
 
 #include "gui/desktop.h"
+#include "gui/export_widget.h"
 #include "gui/mark_book_input_widget.h"
 #include "gui/marks_input_widget.h"
 #include "gui/marks_grid_view.h"
 #include "gui/menu_widget.h"
 #include "gui/refused_folder_form.h"
 #include "gui/splash_widget.h"
+#include "gui/symbol_print_widget.h"
 #include "shell/change_folder.h"
 #include "shell/demo_school.h"
 #include "store/dbf_table.h"
@@ -429,6 +431,41 @@ TEST_F(DesktopWidgets, TheMarkBookMenuOpensThePrintScreen) {
     EXPECT_EQ(rows, 9);
     EXPECT_EQ(chosen, "8 AFR 8A");
     EXPECT_FALSE(desktop.is_loaded("pboek_druk"));
+    EXPECT_TRUE(desktop.is_loaded("punte_menu2"));
+}
+
+// The distribution and the export open from the mark book menu and answer
+// the keyboard: Enter on a series shows its grid or its tasks.
+TEST_F(DesktopWidgets, TheSymbolAndExportScreensOpenFromTheMenuAndAnswerTheKeyboard) {
+    Desktop desktop(program, [] { return false; });
+    MenuWidget* menu = mark_book_menu(desktop);
+    ASSERT_TRUE(menu);
+    menu->entry_button(4)->click();
+    auto* symbols = qobject_cast<SymbolPrintWidget*>(desktop.screen_widget("simbole_druk"));
+    ASSERT_TRUE(symbols);
+    QTest::keyClick(symbols->series_list(), Qt::Key_Return);
+    QTableWidget* grid = symbols->distribution();
+    ASSERT_EQ(grid->horizontalHeaderItem(1)->text(), "M1");
+    EXPECT_EQ(grid->item(0, 1)->text(), "10");  // the totals row
+    EXPECT_EQ(grid->item(grid->rowCount() - 1, 0)->text(), "AVERAGE");
+    EXPECT_TRUE(grid->isColumnHidden(grid->columnCount() - 1));  // past the named tasks
+    symbols->findChild<QPushButton*>("pboek_druk_exit")->click();
+    EXPECT_FALSE(desktop.is_loaded("simbole_druk"));
+
+    menu->entry_button(5)->click();
+    auto* exporter = qobject_cast<ExportWidget*>(desktop.screen_widget("pboek_uitvoer"));
+    ASSERT_TRUE(exporter);
+    EXPECT_FALSE(exporter->task_list()->isVisible());
+    QTest::keyClick(exporter->series_list(), Qt::Key_Return);
+    EXPECT_FALSE(exporter->series_list()->isVisible());
+    QTableWidget* tasks = exporter->task_list();
+    ASSERT_TRUE(tasks->isVisible());
+    ASSERT_EQ(tasks->rowCount(), 40);
+    EXPECT_EQ(tasks->horizontalHeaderItem(2)->text(), "TASK/PROJECT");
+    EXPECT_EQ(tasks->item(0, 2)->text().trimmed(), "TAAK 1");
+    EXPECT_EQ(tasks->item(0, 2)->background().color(), QColor(0xFF, 0xFF, 0xC0));
+    exporter->findChild<QPushButton*>("pboek_uitvoer_exit")->click();
+    EXPECT_FALSE(desktop.is_loaded("pboek_uitvoer"));
     EXPECT_TRUE(desktop.is_loaded("punte_menu2"));
 }
 
