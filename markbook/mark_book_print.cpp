@@ -151,10 +151,10 @@ bool print_mark_book(ReportRun& r, const MarkBookSetup& setup, DbfTable& marks, 
     if (used_tasks > 20) {
         r.surface.NewPage();
         r.job.new_print_job = true;
-        // The second block: the columns past 20 come out (those without a
-        // heading keep no width), the learner and the first 20 go. They keep
-        // the width of a mark column, so that "100.0" shows whole.
-        for (int c = 23; c < grid.cols(); ++c) grid.set_col_width(c, widths.value(c));
+        // The second block: the columns past 20 come out at 300 twips (those
+        // without a heading keep no width), the learner and the first 20 go.
+        // The report widens a column to its widest text, so "100.0" shows whole.
+        for (int c = 23; c < grid.cols(); ++c) grid.set_col_width(c, widths.value(c) == 0 ? 0 : 300);
         set_widths(grid, 2, 22, 0);
         print_grid_pages(r, grid, title, kLandscape, options);
         legend(23, grid.cols() - 1);

@@ -57,6 +57,7 @@ TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
     EXPECT_EQ(tasks.cell_back_colour(40, 2), 0xFFFFFF);
 
     const int before = DbfTable::open(table("punte1.dbf"))->RecordCount();
+    const int obe_before = DbfTable::open(table("obe_p1.dbf"))->RecordCount();
     QList<std::pair<int, int>> bar;
     screen.on_progress = [&] { bar << std::pair{screen.progress_visible() ? screen.progress_value() : -1, screen.progress_max()}; };
     dialogs.folders.enqueue(run.data_folder);
@@ -75,6 +76,15 @@ TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
     EXPECT_EQ(rows_of("punte1.dbf", "Botha, Anri"), (QList<QStringList>{{"10001", "Botha, Anri", "", ""},
                                                                        {"10001", "Botha, Anri", "35", ""}}));
     EXPECT_EQ(rows_of("obe_p1.dbf", "Botha, Anri").last().mid(0, 3), (QStringList{"10001", "Botha, Anri", "35"}));
+    // The first appended record of each table (the book's first learner), byte for byte.
+    auto record = [&](const QString& name, int index) {
+        const QByteArray raw = testing::read_bytes(table(name));
+        const int header = quint8(raw[8]) | quint8(raw[9]) << 8, length = quint8(raw[10]) | quint8(raw[11]) << 8;
+        return raw.mid(header + index * length, length);
+    };
+    const QByteArray name = QByteArray("Botha, Anri").leftJustified(40, ' ');
+    EXPECT_EQ(record("punte1.dbf", before), " 10001     " + name + "35      ");
+    EXPECT_EQ(record("obe_p1.dbf", obe_before), "      10001" + name + "35    " + QByteArray(18, ' '));
     EXPECT_TRUE(screen.task_list_shown());
     screen.pboek_uitvoer_exit();
     EXPECT_EQ(screens.unloaded, QStringList{"pboek_uitvoer"});
