@@ -14,6 +14,9 @@
 #include "reports/worksheet.h"
 #include "store/table_layouts.h"
 #include "exchange/export_marks.h"
+#include "markbook/move_learners.h"
+#include "markbook/setup_copy.h"
+#include "markbook/setup_screen.h"
 #include "input/assessment_input.h"
 #include "input/mark_lists.h"
 #include "input/marks_input.h"
@@ -53,6 +56,7 @@ struct Command {
     QStringList options;       // options it takes besides --lang
     int positional = 0;        // positional arguments it needs
     std::function<int(Context&)> run;
+    QStringList optional = {};  // options among `options` that may be left out
 };
 
 void print_error(const QString& text) { std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData()); }
@@ -620,6 +624,125 @@ int cmd_print(Context& c) {
     return c.dialogs.refused ? 1 : 0;
 }
 
+// The setup screen's actions on series N, each ending with the save of its
+// UPDATE button: a command has no later save.
+int cmd_setup(Context& c) {
+    const QString what = c.positional.value(0);
+    static const QStringList words{"show", "set", "insert", "remove", "example"};
+    if (!words.contains(what)) {
+        print_error("veldo-tally: setup takes show, set, insert, remove or example\n\n" + usage_text());
+        return 2;
+    }
+    if ((what == "set" || what == "remove") && !c.options.contains("row")) {
+        print_error("veldo-tally: setup " + what + " needs --row\n\n" + usage_text());
+        return 2;
+    }
+    if (what == "insert" && !c.options.contains("line")) {
+        print_error("veldo-tally: setup insert needs --line\n\n" + usage_text());
+        return 2;
+    }
+    int series = 0;
+    QStringList row;
+    if (!chosen_series(c, &series, &row)) return 1;
+    CliScreens screens;
+    ShellContext ctx{c.run, c.store, c.dialogs, screens, Clock{}};
+    CliPrinter printer(c, {});
+    SetupScreen screen(ctx, printer);
+    if (!screen.load() || !screen.choose_subject(series - 1)) return 1;
+    const int setup_row = int(Val(c.options.value("row")));
+    if ((what == "set" || what == "remove") && (setup_row < 1 || setup_row > kSetupRows)) {
+        print_error(c.run.tr("Die ry moet 1 tot 40 wees, nie \"" + c.options.value("row") + "\" nie.",
+                             "The row must be 1 to 40, not \"" + c.options.value("row") + "\"."));
+        return 1;
+    }
+    bool saved = false;
+    if (what == "show") {
+        c.out << "setup_" << screen.key() << ".txt\n";
+        const QStringList headings = screen.panel_headings();
+        c.out << headings.join('\t') << "\n";
+        for (int r = 1; r <= kSetupRows; ++r) {
+            const SetupRow& s = screen.setup().rows[std::size_t(r - 1)];
+            c.out << r << '\t' << s.name.trimmed() << '\t' << s.total.trimmed() << '\t' << s.target.trimmed() << '\t'
+                  << s.out_of.trimmed() << '\t' << s.cycle.trimmed() << "\n";
+        }
+        return 0;
+    }
+    if (what == "set") {
+        screen.select_row(setup_row);
+        const QStringList names{"", "name", "total", "target", "out-of", "cycle"};
+        for (int box = 1; box <= 5; ++box)
+            if (c.options.contains(names[box])) screen.type_into(box, c.options.value(names[box]));
+        for (int box = 2; box <= 4; ++box) {
+            if (screen.leave_box(box)) continue;
+            print_error(c.run.tr(screen.panel_headings()[box] + " moet 'n getal wees, nie \"" + screen.panel()[box] + "\" nie.",
+                                 screen.panel_headings()[box] + " must be a number, not \"" + screen.panel()[box] + "\"."));
+            return 1;
+        }
+        if (!screen.pboek_data_ok()) {
+            print_error(c.run.tr("Ry " + QString::number(setup_row) + " het geen naam nie: 'n ry word net met remove leeggemaak.",
+                                 "Row " + QString::number(setup_row) + " has no name: a row is only cleared by remove."));
+            return 1;
+        }
+        saved = screen.pboek_opstel_stoor();
+    } else if (what == "insert") {
+        c.dialogs.inputs = QStringList{c.options.value("line")};
+        if (Val(c.options.value("line")) <= 0) {
+            print_error(c.run.tr("Die lyn moet groter as 0 wees.", "The line must be above 0."));
+            return 1;
+        }
+        saved = screen.pboek_data_ins();
+    } else if (what == "remove") {
+        screen.select_row(setup_row);
+        saved = screen.pboek_data_del();
+    } else {
+        screen.pboek_opstel_help();
+        saved = screen.pboek_opstel_stoor();
+    }
+    if (saved) c.out << "setup_" << screen.key() << ".txt\n";
+    return saved ? 0 : 1;
+}
+
+int cmd_copy_setup(Context& c) {
+    if (!check_marks_folder(c)) return 1;
+    const auto rows = series_rows(c.store);
+    auto series_of = [&](const QString& text) {
+        const int n = int(Val(text));
+        if (n >= 1 && n <= rows.size()) return n;
+        print_error(c.run.tr("Daar is geen puntereeks " + text + " in " + c.run.data_folder + " nie.",
+                             "There is no mark series " + text + " in " + c.run.data_folder + "."));
+        return 0;
+    };
+    const int from = series_of(c.options.value("from"));
+    if (from == 0) return 1;
+    QList<int> to;
+    for (const QString& part : c.options.value("to").split(',')) {
+        const int n = series_of(part.trimmed());
+        if (n == 0) return 1;
+        to << n - 1;
+    }
+    const int copied = copy_setups(c.run, rows, from - 1, without_source(to, from - 1));
+    if (copied < 0) return 1;
+    c.out << copied << c.run.tr(" opstelling(s) gekopieer\n", " setup(s) copied\n");
+    return c.dialogs.refused ? 1 : 0;
+}
+
+int cmd_move_learner(Context& c) {
+    if (!check_marks_folder(c)) return 1;
+    MoveLearners move(c.store, c.dialogs);
+    if (!move.set_groups(c.options.value("from"), c.options.value("to"))) return 1;
+    const QString number = c.options.value("learner").trimmed();
+    for (int i = 0; i < move.learners().size(); ++i) {
+        if (move.learners()[i].section(' ', 0, 0) != number) continue;
+        if (!move.move_learner(i)) return 1;
+        c.out << number << c.run.tr(": van groep ", ": from group ") << move.from_group()
+              << c.run.tr(" na groep ", " to group ") << move.to_group() << "\n";
+        return 0;
+    }
+    print_error(c.run.tr("Leerder " + number + " is nie in groep " + move.from_group() + " nie.",
+                         "Learner " + number + " is not in group " + move.from_group() + "."));
+    return 1;
+}
+
 const QList<Command>& commands() {
     static const QList<Command> list = {
         {"demo", "demo --data DIR", "write a sample school's data folder to DIR", {"data"}, 0, cmd_demo},
@@ -650,6 +773,18 @@ const QList<Command>& commands() {
          0, cmd_export},
         {"symbols", "symbols --data DIR --series N", "print the symbol distribution of mark book N",
          {"data", "series"}, 0, cmd_symbols},
+        {"setup", "setup show|set|insert|remove|example --data DIR --series N [--row R] [--name X] [--total T] "
+                  "[--target R2] [--out-of O] [--cycle C] [--line L]",
+         "show the setup of book N, set row R's values, insert a row before line L, remove row R (its marks go "
+         "with it) or fill the example; each change ends with the save of UPDATE",
+         {"data", "series", "row", "name", "total", "target", "out-of", "cycle", "line"}, 1, cmd_setup,
+         {"row", "name", "total", "target", "out-of", "cycle", "line"}},
+        {"copy-setup", "copy-setup --data DIR --from N --to N2[,N3...]",
+         "copy the setup of series N to the series listed, each under the shortest form of its key",
+         {"data", "from", "to"}, 0, cmd_copy_setup},
+        {"move-learner", "move-learner --data DIR --from GROUP --to GROUP --learner T-NR",
+         "move a learner's marks row and class-list row from one group to another",
+         {"data", "from", "to", "learner"}, 0, cmd_move_learner},
         {"marks", "marks show|set|save --data DIR --series K [--input-total X] [--learner T-NR --value V --key E]",
          "the marks of series K (punte<K>.dbf) out of X: show them, set a learner's mark or effort key and save, or "
          "save them into obe_p<K>.dbf",
@@ -722,7 +857,7 @@ int run_command_line(const QStringList& arguments, const QString& application_fo
             !(required == "column" && command->word == "print") && required != "input-total" &&
             !((command->word == "marks" || command->word == "obe") &&
               (required == "learner" || required == "value" || required == "key" || required == "formative")) &&
-            required != "rank" && required != "print-total" &&
+            required != "rank" && required != "print-total" && !command->optional.contains(required) &&
             !c.options.contains(required))
             return usage_error(command->word + " needs --" + required);
     if (c.options.contains("lang") && c.options["lang"] != "af" && c.options["lang"] != "en")

@@ -33,8 +33,9 @@
 #include "exchange/symbol_screen.h"
 #include "gui/export_widget.h"
 #include "gui/symbol_print_widget.h"
+#include "gui/setup_widget.h"
+#include "markbook/setup_screen.h"
 #include "gui/password_prompt_dialog.h"
-#include "gui/placeholder_screen.h"
 #include "gui/refused_folder_form.h"
 #include "gui/splash_widget.h"
 #include "shell/calculator.h"
@@ -45,21 +46,6 @@
 #include "shell/menus.h"
 
 namespace veldo {
-
-namespace {
-
-// The screens later parts of the program add, with their menu and caption.
-struct PendingScreen {
-    QString name, menu, afrikaans, english;
-};
-const QList<PendingScreen>& pending_screens() {
-    static const QList<PendingScreen> list = {
-        {screen::pboek_opstel, screen::punte_menu2, "PUNTEBOEK OPSTEL", "MARK BOOK SETUP"},
-    };
-    return list;
-}
-
-}  // namespace
 
 Desktop::Desktop(const QString& application_folder, std::function<bool()> another_copy_running)
     : application_folder_(application_folder),
@@ -157,6 +143,12 @@ QWidget* Desktop::make(const QString& name) {
         logic_.insert(name, lists);
         return new MarkListsWidget(*lists, this);
     }
+    if (name == screen::pboek_opstel) {
+        auto setup = std::make_shared<SetupScreen>(ctx_, printer_);
+        if (!setup->load()) return nullptr;
+        logic_.insert(name, setup);
+        return new SetupWidget(*setup, this);
+    }
     if (name == screen::simbole_druk) {
         auto symbols = std::make_shared<SymbolPrintScreen>(ctx_, printer_);
         if (!symbols->load()) return nullptr;
@@ -169,8 +161,6 @@ QWidget* Desktop::make(const QString& name) {
         logic_.insert(name, exporter);
         return new ExportWidget(*exporter, this);
     }
-    for (const PendingScreen& p : pending_screens())
-        if (p.name == name) return new PlaceholderScreen(name, run_.tr(p.afrikaans, p.english), p.menu, *this, this);
     return nullptr;
 }
 

@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QListWidget>
 #include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
@@ -103,6 +104,28 @@ MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
     kopieer_raam_->hide();
     layout->addWidget(kopieer_raam_);
 
+    // skuif_raam: the learners of the from group; a click moves one.
+    skuif_raam_ = new QFrame(this);
+    skuif_raam_->setObjectName("skuif_raam");
+    skuif_raam_->setFrameShape(QFrame::StyledPanel);
+    auto* skuif = new QVBoxLayout(skuif_raam_);
+    ppl_skuif_lys_ = new QListWidget(skuif_raam_);
+    ppl_skuif_lys_->setObjectName("ppl_skuif_lys");
+    skuif->addWidget(ppl_skuif_lys_);
+    auto* skuif_close = new QPushButton("OK", skuif_raam_);
+    skuif_close->setObjectName("skuif_ok");
+    skuif->addWidget(skuif_close, 0, Qt::AlignRight);
+    connect(ppl_skuif_lys_, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
+        if (input_.skuif_click(ppl_skuif_lys_->row(item))) delete item;
+    });
+    connect(skuif_close, &QPushButton::clicked, this, [this] {
+        input_.skuif_close();
+        skuif_raam_->hide();
+        vak_grid_->setFocus();
+    });
+    skuif_raam_->hide();
+    layout->addWidget(skuif_raam_);
+
     auto* buttons = new QHBoxLayout;
     auto add = [&](const QString& name, const QString& caption, bool book_only, auto handler) {
         auto* b = new QPushButton(caption, this);
@@ -140,6 +163,14 @@ MarkBookInputWidget::MarkBookInputWidget(MarkBookInput& input, QWidget* parent)
         input_.paste_into_flex(at.isValid() ? at.column() : 0);
         reload_at(at.row(), at.column());
     });
+    skuif_leerders_ = add("skuif_leerders", input_.skuif_caption(), false, [this] {
+        if (!input_.skuif_leerders()) return;
+        ppl_skuif_lys_->clear();
+        ppl_skuif_lys_->addItems(input_.skuif_list());
+        skuif_raam_->show();
+        ppl_skuif_lys_->setFocus();
+    });
+    skuif_leerders_->setToolTip(input_.skuif_tip());
     add("marks_exit", captions.value(8), false, [this] { input_.marks_exit(); });
     layout->addLayout(buttons);
     refresh();
@@ -155,6 +186,8 @@ void MarkBookInputWidget::refresh() {
     vak_grid_->setVisible(!open);
     grid_->setVisible(open);
     for (QPushButton* b : book_buttons_) b->setEnabled(open);
+    // Learners move between the groups' tables while no book holds them open.
+    skuif_leerders_->setEnabled(!open);
     if (!open) {
         kopieer_raam_->hide();
         model_->reload();

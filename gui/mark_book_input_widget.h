@@ -7,6 +7,7 @@
 
 class QComboBox;
 class QFrame;
+class QListWidget;
 class QLabel;
 class QProgressBar;
 class QPushButton;
@@ -49,6 +50,9 @@ private:
     MarksGridView* grid_;
     QProgressBar* progress_;
     QFrame* kopieer_raam_;
+    QFrame* skuif_raam_;
+    QListWidget* ppl_skuif_lys_;
+    QPushButton* skuif_leerders_;
     QComboBox* kopieer_reeks_[2];
     QList<QPushButton*> book_buttons_;
     bool refused_ = false;

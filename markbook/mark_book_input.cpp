@@ -2,6 +2,7 @@
 
 #include "markbook/column_actions.h"
 #include "markbook/mark_book_print.h"
+#include "markbook/move_learners.h"
 #include "markbook/totals_engine.h"
 #include "markbook/typed_mark.h"
 #include "reports/print_service.h"
@@ -197,6 +198,30 @@ void MarkBookInput::kol_opsie_click(int item) {
     if (!scale_column(*book_->table, lists, c, current, wanted)) table_failed();
     show_averages();
 }
+
+bool MarkBookInput::skuif_leerders() {
+    activity();
+    move_ = std::make_unique<MoveLearners>(ctx_.store, ctx_.dialogs);
+    if (move_->choose_groups()) return true;
+    move_.reset();
+    return false;
+}
+
+QString MarkBookInput::skuif_tip() const {
+    return ctx_.run.tr(" SKUIF LEERDERS TUSSEN POS-/KLAS GROEPE EN BEHOU INGELEESDE PUNTE ",
+                       " MOVE LEARNERS BETWEEN POST-/CLASS GROUPS RETAINING ENTERED MARKS ");
+}
+
+QString MarkBookInput::skuif_caption() const { return ctx_.run.tr("SKUIF LEERDERS", "MOVE LEARNERS"); }
+
+QStringList MarkBookInput::skuif_list() const { return move_ ? move_->learners() : QStringList(); }
+
+bool MarkBookInput::skuif_click(int position) {
+    activity();
+    return move_ && move_->move_learner(position);
+}
+
+void MarkBookInput::skuif_close() { move_.reset(); }
 
 void MarkBookInput::copy_ok(int from_item, int to_item) {
     if (!book_) return;

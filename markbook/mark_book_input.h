@@ -17,6 +17,7 @@
 
 namespace veldo {
 
+class MoveLearners;
 class PrintService;
 struct ShellContext;
 
@@ -91,6 +92,16 @@ public:
     // PUNTELYS ?") and lets the book go.
     void query_unload();
 
+    // skuif_leerders: the two groups asked for; true when the learner list
+    // of the from group (skuif_raam) is to be shown.
+    bool skuif_leerders();
+    QString skuif_tip() const;
+    QString skuif_caption() const;
+    QStringList skuif_list() const;
+    // A click on the list: the learner with the marks to the other group.
+    bool skuif_click(int position);
+    void skuif_close();
+
 private:
     bool refuse(const QString& text);
     void show_averages();
@@ -104,6 +115,7 @@ private:
     int series_row_ = -1;
     QString vak_info_;
     std::unique_ptr<OpenMarkBook> book_;
+    std::unique_ptr<MoveLearners> move_;
     std::array<Currency, 43> averages_{};
     int chosen_column_ = -1;
 };

@@ -174,7 +174,7 @@ TEST_F(DesktopWidgets, TheKeyboardComesBackToTheMenuBehindAClosedScreen) {
     QWidget* setup = desktop.screen_widget("pboek_opstel");
     ASSERT_TRUE(setup);
     EXPECT_TRUE(holds(setup, desktop.focusWidget()));
-    auto* exit = setup->findChild<QPushButton*>("exit");
+    auto* exit = setup->findChild<QPushButton*>("pboek_opstel_exit");
     ASSERT_TRUE(exit);
     exit->setFocus();
     exit->click();
