@@ -56,7 +56,10 @@ TEST_F(Cli, BadUsageExitsTwoWithTheUsage) {
         {"series", "--data", "x", "--bogus", "1"}, {"print", "bogus", "--data", "x", "--series", "1", "--pdf", "x.pdf"},
         {"marks", "frob", "--data", "x", "--series", "1"}, {"marks", "set", "--data", "x", "--series", "1", "--value", "1"},
         {"print", "setup", "--data", "x", "--series", "1"},
-        {"print", "setup", "--data", "x", "--series", "1", "--pdf", "a", "--xlsx", "b"}};
+        {"print", "setup", "--data", "x", "--series", "1", "--pdf", "a", "--xlsx", "b"},
+        {"setup", "frob", "--data", "x", "--series", "1"}, {"setup", "set", "--data", "x", "--series", "1"},
+        {"setup", "insert", "--data", "x", "--series", "1"}, {"copy-setup", "--data", "x", "--from", "1"},
+        {"move-learner", "--data", "x", "--from", "8A", "--to", "8B"}};
     for (const QStringList& args : cases) {
         const auto r = run(args);
         EXPECT_EQ(r.exit_code, 2) << args.join(' ').toStdString();
@@ -467,6 +470,55 @@ TEST_F(CliBook, TheMarkBookWorkbookNamesItsColumnsBelowTheGrid) {
     EXPECT_EQ(first_cells.value(legend - 1), "");
     EXPECT_EQ(first_cells.value(legend - 2), "38");  // the last learner's row
     EXPECT_EQ(first_cells.mid(legend + 19), QStringList{"M20 SUBTOTAAL 2"});  // the first block's last column
+}
+
+// The setup words change the setup file and the marks table as the screen
+// does, and say so; each refusal exits 1 and changes nothing.
+TEST_F(CliBook, TheSetupWordsEditCopyAndMoveWithExitCodes) {
+    const QString setup = data() + "/setup_8  AFR__8A.txt";
+    struct Step {
+        QStringList args;
+        int code;
+        const char* said;  // in stdout on success, stderr on refusal
+    } steps[] = {
+        {{"setup", "show", "--series", "1"}, 0, "5\tKLASWERK\t40\t11\t40\t"},
+        {{"setup", "set", "--series", "1", "--row", "22", "--name", "eksamen 3", "--total", "x"}, 1,
+         "TOTAL must be a number, not \"X\"."},
+        {{"setup", "set", "--series", "1", "--row", "41", "--name", "A"}, 1, "The row must be 1 to 40"},
+        {{"setup", "set", "--series", "1", "--row", "22", "--total", "50"}, 1, "Row 22 has no name"},
+        {{"setup", "set", "--series", "1", "--row", "22", "--name", "eksamen 3", "--total", "50"}, 0,
+         "setup_8  AFR__8A.txt"},
+        {{"setup", "insert", "--series", "1", "--line", "0"}, 1, "The line must be above 0."},
+        {{"setup", "insert", "--series", "1", "--line", "3"}, 0, "setup_8  AFR__8A.txt"},
+        {{"setup", "remove", "--series", "1", "--row", "3"}, 0, "setup_8  AFR__8A.txt"},
+        {{"setup", "example", "--series", "2"}, 0, "setup_8  WISK8B.txt"},
+        {{"copy-setup", "--from", "1", "--to", "3,6"}, 0, "2 setup(s) copied"},
+        {{"copy-setup", "--from", "1", "--to", "99"}, 1, "There is no mark series 99"},
+        {{"move-learner", "--from", "8A", "--to", "8A", "--learner", "10001"}, 1, "'FROM' and 'TO' GROUPS MUST DIFFER ..."},
+        {{"move-learner", "--from", "8A", "--to", "10A", "--learner", "99999"}, 1, "Learner 99999 is not in group 8A."},
+        {{"move-learner", "--from", "8A", "--to", "10A", "--learner", "10001"}, 0, "10001: from group 8A to group 10A"},
+    };
+    for (const Step& s : steps) {
+        SCOPED_TRACE(s.args.join(' ').toStdString());
+        const QByteArray before = read_bytes(setup);
+        QStringList args = s.args;
+        args.insert(1 + (args[0] == "setup"), "--data");
+        args.insert(2 + (args[0] == "setup"), data());
+        const auto r = run(args);
+        EXPECT_EQ(r.exit_code, s.code) << r.err.toStdString();
+        EXPECT_TRUE((s.code == 0 ? r.out : r.err).contains(QString::fromUtf8(s.said)))
+            << r.out.toStdString() << r.err.toStdString();
+        if (s.code != 0) EXPECT_EQ(read_bytes(setup), before);
+    }
+    // Row 22 stands as set; the inserted row 3 was removed again, and rows 1
+    // and 2, passed over by the insert, came out one target lower.
+    const QStringList shown = lines(run({"setup", "show", "--data", data(), "--series", "1"}));
+    EXPECT_EQ(shown.value(1 + 1), "1\tTAAK 1\t10\t4\t10\t");
+    EXPECT_EQ(shown.value(3 + 1), "3\tTAAK 3\t10\t5\t10\t");
+    EXPECT_EQ(shown.value(22 + 1), "22\tEKSAMEN 3\t50\t\t\t");
+    EXPECT_EQ(read_bytes(data() + "/setup_9ENHL9A.txt"), read_bytes(setup));  // copies land under the shortest key
+    EXPECT_TRUE(dump("marks5.dbf").last().startsWith("10001\tBotha, Anri"));
+    EXPECT_TRUE(dump("punte5.dbf").last().startsWith("10001\tBotha, Anri"));
 }
 
 TEST_F(CliBook, TheSymbolDistributionGoesToAWorkbook) {

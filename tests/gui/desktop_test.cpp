@@ -24,6 +24,7 @@
 #include "gui/marks_grid_view.h"
 #include "gui/menu_widget.h"
 #include "gui/refused_folder_form.h"
+#include "gui/setup_widget.h"
 #include "gui/splash_widget.h"
 #include "gui/symbol_print_widget.h"
 #include "shell/change_folder.h"
@@ -467,6 +468,43 @@ TEST_F(DesktopWidgets, TheSymbolAndExportScreensOpenFromTheMenuAndAnswerTheKeybo
     exporter->findChild<QPushButton*>("pboek_uitvoer_exit")->click();
     EXPECT_FALSE(desktop.is_loaded("pboek_uitvoer"));
     EXPECT_TRUE(desktop.is_loaded("punte_menu2"));
+}
+
+// The setup screen from the keyboard: Return on a series, capitals as
+// typed in the panel, Shift with "/" for the example, a right click for the
+// explanations.
+TEST_F(DesktopWidgets, TheSetupScreenAnswersTheKeyboard) {
+    Desktop desktop(program, [] { return false; });
+    MenuWidget* menu = mark_book_menu(desktop);
+    ASSERT_TRUE(menu);
+    menu->entry_button(1)->click();
+    auto* setup = qobject_cast<SetupWidget*>(desktop.screen_widget("pboek_opstel"));
+    ASSERT_TRUE(setup);
+    setup->series_list()->setCurrentCell(1, 0);  // 8 WISK 8B, without a setup
+    QTest::keyClick(setup->series_list(), Qt::Key_Return);
+    QTableWidget* grid = setup->setup_grid();
+    ASSERT_TRUE(grid->isVisible());
+    ASSERT_EQ(grid->rowCount(), 40);
+    EXPECT_EQ(grid->item(0, 1)->text().trimmed(), "");
+    QTest::keyClick(grid, Qt::Key_Question, Qt::ShiftModifier);
+    EXPECT_EQ(grid->item(0, 1)->text().trimmed(), "TASK 1");
+    // Moving to a row brings the colouring up to date: CLASS WORK is a total.
+    grid->setCurrentCell(21, 1);
+    EXPECT_EQ(grid->item(4, 1)->background().color(), QColor(0xFF, 0xFF, 0xC0));
+    EXPECT_EQ(setup->box(0)->text(), "22");
+    QTest::keyClicks(setup->box(1), "exam 3");
+    EXPECT_EQ(setup->box(1)->text(), "EXAM 3");
+    QTest::keyClicks(setup->box(2), "50");
+    setup->findChild<QPushButton*>("pboek_data_ok")->click();
+    EXPECT_EQ(grid->item(21, 1)->text().trimmed(), "EXAM 3");
+    EXPECT_EQ(grid->item(21, 2)->text().trimmed(), "50");
+
+    emit grid->customContextMenuRequested(QPoint(5, 5));
+    EXPECT_TRUE(setup->explanation_panel()->isVisible());
+    setup->findChild<QPushButton*>("kb_ok")->click();
+    EXPECT_FALSE(setup->explanation_panel()->isVisible());
+    setup->findChild<QPushButton*>("pboek_opstel_exit")->click();
+    EXPECT_FALSE(desktop.is_loaded("pboek_opstel"));
 }
 
 }  // namespace

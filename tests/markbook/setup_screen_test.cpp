@@ -1,0 +1,300 @@
+// The setup screen, copying setups and moving learners, through a teacher's
+// path on the demo school.
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include "markbook/marks_table.h"
+#include "markbook/move_learners.h"
+#include "markbook/setup_copy.h"
+#include "markbook/setup_file.h"
+#include "markbook/setup_screen.h"
+#include "shell/demo_school.h"
+#include "store/series.h"
+#include "store/table_layouts.h"
+#include "tests/support/mark_book_fixture.h"
+#include "tests/support/pdf_printer.h"
+#include "tests/support/shell_fixture.h"
+#include "util/file_lookup.h"
+
+namespace veldo {
+namespace {
+
+using testing::read_bytes;
+using testing::stored_row;
+
+struct Setup : ::testing::Test, testing::ShellFixture {
+    testing::PdfPrinter printer{run, dir.path()};
+    Setup() {
+        run.data_folder = path("school");
+        run.start_folder = run.program_folder;
+        run.language_afrikaans = false;
+        EXPECT_TRUE(write_demo_school(run, run.data_folder).ok);
+        DbfTable::create(run.start_folder + "/mrk_book.org", mark_book_fields());
+    }
+    QString table(const QString& name) const { return find_ignoring_case(run.data_folder, name); }
+    QList<QStringList> records(const QString& name) const {
+        QList<QStringList> out;
+        auto t = DbfTable::open(table(name));
+        for (int r = 0; r < t->RecordCount(); ++r) out << stored_row(*t, r);
+        return out;
+    }
+    // Rows of a setup as "NAME|TOTAL|TARGET|OUT OF|CYCLE".
+    static QStringList rows_of(const MarkBookSetup& s, int from, int to) {
+        QStringList out;
+        for (int r = from; r <= to; ++r) {
+            const SetupRow& row = s.rows[std::size_t(r - 1)];
+            out << QStringList{row.name, row.total, row.target, row.out_of, row.cycle}.join('|');
+        }
+        return out;
+    }
+};
+
+TEST_F(Setup, ABookIsMadeFromTheExampleAndItsMarksTableFromTheClassList) {
+    SetupScreen screen(ctx, printer);
+    ASSERT_TRUE(screen.load());
+    EXPECT_EQ(screen.caption(), "MARK BOOK SETUP");
+    ASSERT_TRUE(screen.choose_subject(1));  // 8 WISK 8B: no setup, no marks table yet
+    EXPECT_EQ(screen.vak_ops(), "8 WISK");
+    EXPECT_EQ(screen.key(), "8  WISK8B");  // never saved: the key without underscores
+    EXPECT_TRUE(screen.setup().is_empty());
+    ASSERT_TRUE(table("marks2.dbf").isEmpty());
+
+    screen.pboek_opstel_help();
+    ASSERT_TRUE(screen.pboek_opstel_stoor());
+    EXPECT_EQ(dialogs.texts(), QStringList());
+    const QByteArray file = read_bytes(table("setup_8  WISK8B.txt"));
+    EXPECT_TRUE(file.startsWith("\"TASK 1\"\r\n\"10\"\r\n\"5\"\r\n\"\"\r\n\"\"\r\n\"TASK 2\"\r\n"));
+    EXPECT_TRUE(file.contains("\"CLASS WORK\"\r\n\"40\"\r\n\"11\"\r\n\"40\"\r\n\"\"\r\n"));
+    EXPECT_EQ(file.count("\r\n"), 200);
+    // One row per learner of the class list, number and name, marks blank.
+    const QList<QStringList> learners = records("punte2.dbf");
+    const QList<QStringList> book = records("marks2.dbf");
+    ASSERT_EQ(book.size(), learners.size());
+    ASSERT_GT(book.size(), 0);
+    EXPECT_EQ(book[0].mid(0, 2), learners[0].mid(0, 2));
+    EXPECT_EQ(book[0].mid(2), QStringList(40, ""));
+    // The totals of the example in pale yellow, the rest white.
+    for (const auto& [row, colour] : {std::pair{5, 0xC0FFFF}, {11, 0xC0FFFF}, {21, 0xC0FFFF}, {1, 0xFFFFFF}, {22, 0xFFFFFF}}) {
+        SCOPED_TRACE(row);
+        screen.choose_subject(1);
+        EXPECT_EQ(screen.name_colour(row), colour);
+    }
+    EXPECT_FALSE(screen.list_shown());
+    ASSERT_TRUE(screen.pboek_opstel_save());
+    EXPECT_TRUE(screen.list_shown());
+}
+
+// Insert before line 3, then remove line 5, on 8 AFR 8A with its marks:
+// the setup rows and targets as the screen moves them, and every field of
+// every learner moved along.
+TEST_F(Setup, InsertAndRemoveMoveTheRowsTargetsAndEveryLearnersMarks) {
+    const QList<QStringList> before = records("marks1.dbf");
+    SetupScreen screen(ctx, printer);
+    ASSERT_TRUE(screen.load());
+    ASSERT_TRUE(screen.choose_subject(0));
+    dialogs.inputs.enqueue("3");
+    ASSERT_TRUE(screen.pboek_data_ins());
+    // Rows above line 3 keep their target (5, now TASK 4's row); rows from 3 on name one further.
+    EXPECT_EQ(rows_of(screen.setup(), 1, 6), (QStringList{"TAAK 1|10|5|10|", "TAAK 2|10|5|10|", "||||",
+                                                          "TAAK 3|10|6|10|", "TAAK 4|10|6|10|", "KLASWERK|40|12|40|"}));
+    screen.select_row(5);
+    ASSERT_TRUE(screen.pboek_data_del());
+    EXPECT_EQ(rows_of(screen.setup(), 3, 6),
+              (QStringList{"||||", "TAAK 3|10|5|10|", "KLASWERK|40|11|40|", "MINI OPDRAG|20|11|10|"}));
+    EXPECT_EQ(rows_of(screen.setup(), 40, 40), QStringList{"||||"});
+    EXPECT_EQ(dialogs.prompts, QStringList{"INSERT BEFORE LINE ..."});
+    EXPECT_EQ(dialogs.texts(), QStringList{"DO YOU WISH TO DELETE \r\n\"TAAK 4\" ?"});
+    // What was saved is what the screen shows.
+    EXPECT_EQ(read_bytes(table("setup_8  AFR__8A.txt")), screen.setup().to_file_bytes());
+
+    // Field 4 (row 3) came in blank, field 6 (row 5, TAAK 4) went out.
+    const QList<QStringList> after = records("marks1.dbf");
+    ASSERT_EQ(after.size(), before.size());
+    for (int r = 0; r < before.size(); ++r) {
+        SCOPED_TRACE(before[r][1].toStdString());
+        QStringList expected = before[r];
+        expected.insert(4, "");
+        expected.removeLast();
+        expected.removeAt(6);
+        expected << "";
+        EXPECT_EQ(after[r], expected);
+    }
+    EXPECT_EQ(after[0].mid(0, 9),
+              (QStringList{"10001", "Botha, Anri", "3.5", "4.5", "", "6.0", "", "8.0", "5.5"}));
+}
+
+// The rows move as the screen moves them, the edges included.
+TEST(SetupRows, InsertAndRemoveAdjustTargetsAsTheScreenDoes) {
+    auto setup = [](std::initializer_list<SetupRow> rows) {
+        MarkBookSetup s;
+        int i = 0;
+        for (const SetupRow& r : rows) s.rows[std::size_t(i++)] = r;
+        return s;
+    };
+    const MarkBookSetup three = setup({{"A", "10", "3", "", ""}, {"B", "10", "3", "", ""}, {"T", "20", "", "", ""}});
+    struct Case {
+        const char* why;
+        bool insert;
+        int at;
+        QStringList rows1to4;
+    } cases[] = {
+        {"insert before 2: B and T move, A keeps 3", true, 2, {"A|10|3||", "||||", "B|10|4||", "T|20|||"}},
+        {"insert above every used row moves nothing", true, 30, {"A|10|3||", "B|10|3||", "T|20|||", "||||"}},
+        {"insert 0 does nothing", true, 0, {"A|10|3||", "B|10|3||", "T|20|||", "||||"}},
+        {"remove the named target: the targets stay on 3, the next row", false, 3, {"A|10|3||", "B|10|3||", "||||", "||||"}},
+        {"remove row 1: every target above it drops", false, 1, {"B|10|2||", "T|20|||", "||||", "||||"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        MarkBookSetup s = three;
+        if (c.insert) SetupScreen::insert_rows(s, c.at);
+        else SetupScreen::remove_row(s, c.at);
+        QStringList rows;
+        for (int r = 0; r < 4; ++r)
+            rows << QStringList{s.rows[r].name, s.rows[r].total, s.rows[r].target, s.rows[r].out_of, s.rows[r].cycle}.join('|');
+        EXPECT_EQ(rows, c.rows1to4);
+    }
+    // Row 40 in use is lost by an insert.
+    MarkBookSetup full;
+    full.rows[39] = {"LAST", "10", "", "", ""};
+    SetupScreen::insert_rows(full, 1);
+    EXPECT_TRUE(full.is_empty());
+}
+
+TEST_F(Setup, ThePanelTakesCapitalsRefusesNonNumbersAndNeedsAName) {
+    SetupScreen screen(ctx, printer);
+    ASSERT_TRUE(screen.load());
+    ASSERT_TRUE(screen.choose_subject(0));
+    screen.select_row(22);
+    EXPECT_EQ(screen.panel()[0], "22");
+    struct Case {
+        int box;
+        const char* typed;
+        const char* kept;
+        bool leaves;
+    } cases[] = {
+        {1, "eksamen 3 é", "EKSAMEN 3 é", true},  // a to z only
+        {2, "", "", true},
+        {2, "12.5", "12.5", true},
+        {2, "abc", "ABC", false},
+        {3, "21", "21", true},
+        {3, "2x", "2X", false},
+        {4, " ", " ", true},
+        {5, "s5", "S5", true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.typed);
+        const int beeps = dialogs.beeps;
+        screen.type_into(c.box, c.typed);
+        EXPECT_EQ(screen.panel()[std::size_t(c.box)], QString::fromUtf8(c.kept));
+        EXPECT_EQ(screen.leave_box(c.box), c.leaves);
+        EXPECT_EQ(dialogs.beeps, beeps + (c.leaves ? 0 : 1));
+    }
+    screen.type_into(2, "50");
+    screen.type_into(3, "21");
+    ASSERT_TRUE(screen.pboek_data_ok());
+    EXPECT_EQ(rows_of(screen.setup(), 22, 22), QStringList{QString::fromUtf8("EKSAMEN 3 é|50|21| |S5")});
+    // A blank name is refused: a row is cleared only by removing it.
+    screen.type_into(1, "  ");
+    EXPECT_FALSE(screen.pboek_data_ok());
+    EXPECT_EQ(screen.setup().rows[21].name, QString::fromUtf8("EKSAMEN 3 é"));
+    // A click paints the row it names; nothing is saved until UPDATE.
+    screen.select_row(1);
+    EXPECT_EQ(screen.name_colour(21), 0xC0FFFF);
+    EXPECT_EQ(read_bytes(table("setup_8  AFR__8A.txt")).count("EKSAMEN 3"), 0);
+}
+
+TEST_F(Setup, TheExplanationsComeFromTheProgramsFolderAndGoBackOnlyAtVeldoHouse) {
+    testing::write_bytes(run.start_folder + "/kolom_info.eng", "\"COLUMNS\r\nTOTAL, the mark\"\r\n");
+    SetupScreen screen(ctx, printer);
+    ASSERT_TRUE(screen.load());
+    ASSERT_TRUE(screen.choose_subject(0));
+    for (const char* school : {"HOëRSKOOL DIE KRANS", "VELDO-HOUSE"}) {
+        SCOPED_TRACE(school);
+        run.school_name = QString::fromUtf8(school);
+        screen.show_explanations();
+        EXPECT_TRUE(screen.explanations_shown());
+        EXPECT_EQ(screen.explanations(), "COLUMNS\r\nTOTAL, the mark");
+        screen.set_explanations("COLUMNS\r\nTOTAL, edited");
+        screen.kb_ok();
+        EXPECT_FALSE(screen.explanations_shown());
+    }
+    EXPECT_EQ(read_bytes(run.start_folder + "/kolom_info.eng"), "\"COLUMNS\r\nTOTAL, edited\"\r\n");
+    ASSERT_TRUE(screen.kb_druk());
+    EXPECT_TRUE(testing::pdf_text(printer.files.last()).contains("TOTAL, edited"));
+    ASSERT_TRUE(screen.pboek_opstel_print());
+    EXPECT_TRUE(testing::pdf_text(printer.files.last()).contains("MARK BOOK SETUP"));
+}
+
+TEST_F(Setup, ASetupIsCopiedToTwoClassesUnderTheShortestKey) {
+    const QList<QStringList> rows = series_rows(*store);
+    const QByteArray source = read_bytes(table("setup_8  AFR__8A.txt"));
+    // 8 WISK 8B is answered Yes, 9 NW N1 No, 10 WISK 10A Yes; the source itself is passed over.
+    for (MsgAnswer a : {MsgAnswer::Yes, MsgAnswer::No, MsgAnswer::Yes}) dialogs.answers.enqueue(a);
+    EXPECT_EQ(copy_setups(run, rows, 0, without_source({1, 0, 3, 4}, 0)), 2);
+    EXPECT_EQ(dialogs.texts(), (QStringList{"DO YOU WISH TO COPY MARK BOOK SETUP FOR \r\n8 AFR 8A   TO 8 WISK 8B   ?",
+                                            "DO YOU WISH TO COPY MARK BOOK SETUP FOR \r\n8 AFR 8A   TO 9 NW   N1 ?",
+                                            "DO YOU WISH TO COPY MARK BOOK SETUP FOR \r\n8 AFR 8A   TO 10 WISK 10A   ?"}));
+    EXPECT_EQ(read_bytes(table("setup_8WISK8B.txt")), source);
+    EXPECT_EQ(read_bytes(table("setup_10WISK10A.txt")), source);
+    EXPECT_TRUE(table("setup_9NWN1.txt").isEmpty());
+    EXPECT_TRUE(table("marks2.dbf").isEmpty());  // only setups go over
+    // A source without a setup is named and nothing is copied.
+    dialogs.messages.clear();
+    EXPECT_EQ(copy_setups(run, rows, 1 + 0 * int(QFile::remove(table("setup_8WISK8B.txt"))), {2}), -1);
+    EXPECT_EQ(dialogs.texts(), QStringList{"MARK BOOK SETUP FOR 8 WISK 8B   DOES NOT EXIST ..."});
+}
+
+// The two boxes ask again after each refusal, with a beep and the message.
+TEST_F(Setup, MovingALearnerAsksForTwoValidGroupsAndMovesBothRows) {
+    const QList<QStringList> to_before = records("marks5.dbf");
+    const int list_before = int(records("punte5.dbf").size());
+    MoveLearners move(*store, dialogs);
+    for (const char* i : {"8A", "8A", "7Z", "8A", "8A", "7Z", "8A", "10A"}) dialogs.inputs.enqueue(i);
+    ASSERT_TRUE(move.choose_groups());
+    EXPECT_EQ(dialogs.texts(), (QStringList{"'FROM' and 'TO' GROUPS MUST DIFFER ...", "'FROM' GROUP INVALID ...",
+                                            "'TO' GROUP INVALID ..."}));
+    EXPECT_EQ(dialogs.beeps, 3);
+    EXPECT_EQ(dialogs.prompts.first(), "8A, 8B, 9/A, N1, 10A, F2, 11B, 12A, L1");
+    EXPECT_EQ(move.from_series(), 1);
+    EXPECT_EQ(move.to_series(), 5);
+    ASSERT_GT(move.learners().size(), 1);
+    EXPECT_EQ(move.learners()[1], "10002 Venter, Jaco");
+
+    const QStringList marks = records("marks1.dbf")[1];
+    dialogs.messages.clear();
+    ASSERT_TRUE(move.move_learner(1));
+    EXPECT_EQ(dialogs.texts(), QStringList{"DO YOU REALY WISH TO MOVE 10002 Venter, Jaco\r\nFROM GROUP 8A TO GROUP 10A ?"});
+    EXPECT_EQ(records("marks5.dbf").size(), to_before.size() + 1);
+    EXPECT_EQ(records("marks5.dbf").last(), marks);  // every field as it stood
+    EXPECT_EQ(records("punte5.dbf").size(), list_before + 1);
+    EXPECT_EQ(records("punte5.dbf").last().mid(0, 2), (QStringList{"10002", "Venter, Jaco"}));
+    for (const char* from : {"marks1.dbf", "punte1.dbf"})
+        for (const QStringList& r : records(from)) EXPECT_NE(r[0], "10002") << from;
+    EXPECT_FALSE(move.learners().contains("10002 Venter, Jaco"));
+
+    // A blank box ends the action.
+    dialogs.inputs.enqueue("8A");
+    dialogs.inputs.enqueue("");
+    EXPECT_FALSE(MoveLearners(*store, dialogs).choose_groups());
+}
+
+TEST_F(Setup, AMoveToAGroupWithoutABookIsRefusedAndTheTxtNameComesFirst) {
+    MoveLearners move(*store, dialogs);
+    ASSERT_TRUE(move.set_groups("8A", "8B"));  // 8 WISK 8B has no marks table
+    const QByteArray marks = read_bytes(table("marks1.dbf"));
+    EXPECT_FALSE(move.move_learner(0));
+    EXPECT_EQ(dialogs.texts().last(), "See 'MARK BOOK SETUP' to create TO GROUP mark book");
+    EXPECT_EQ(read_bytes(table("marks1.dbf")), marks);
+    // An export disk's marks2.txt and punte2.txt stand for the group's tables.
+    QFile::copy(table("marks1.dbf"), run.data_folder + "/marks2.txt");
+    QFile::copy(table("punte1.dbf"), run.data_folder + "/punte2.txt");
+    const int before = int(DbfTable::open(run.data_folder + "/marks2.txt")->RecordCount());
+    ASSERT_TRUE(move.move_learner(0));
+    EXPECT_EQ(DbfTable::open(run.data_folder + "/marks2.txt")->RecordCount(), before + 1);
+    EXPECT_EQ(find_group_table(run.data_folder, "marks", 2), run.data_folder + "/marks2.txt");
+}
+
+}  // namespace
+}  // namespace veldo
