@@ -2,8 +2,8 @@
 # Starts the desktop program under Xvfb on the demo school and saves what a
 # teacher sees: the splash, the three menus, the mark book list, an open
 # book with marks typed and one refused, a column's menu, the cycle marks,
-# assessment and mark list screens, the symbol distribution and the export,
-# in Afrikaans and in English.
+# assessment and mark list screens, the setup screen, the symbol
+# distribution and the export, in Afrikaans and in English.
 # Usage: scripts/screenshots.sh [OUTPUT_FOLDER]   (default: shots/)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -117,6 +117,18 @@ for lang in af en; do
     key Return
     key 1; key 3; shoot "punte_druk-list-$lang"
     key Return; shoot "punte_druk-chosen-$lang"
+    stop_program
+
+    # The setup screen: a book chosen, a row in the panel, the explanations.
+    start_program
+    sleep 3
+    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
+    key Return
+    key 2; key 1; shoot "pboek_opstel-list-$lang"
+    key Return; sleep 0.5
+    for k in Down Down Down Down; do xdotool key $k; sleep 0.2; done
+    sleep 0.5; shoot "pboek_opstel-panel-$lang"
+    xdotool mousemove 400 300 click 3; sleep 1; shoot "pboek_opstel-explanations-$lang"
     stop_program
 
     # The symbol distribution and the export, from the mark book menu.
