@@ -242,9 +242,12 @@ SetupWidget::SetupWidget(SetupScreen& screen, QWidget* parent) : QWidget(parent)
         screen_.copy_ok(from_list_->currentRow(), marked);
         refresh();
     });
-    kr->addWidget(from_list_, 0, 0);
-    kr->addWidget(to_list_, 0, 1);
-    kr->addWidget(copy_ok, 1, 1, Qt::AlignRight);
+    // The lists' tips stand above them too, so that it is plain which is which.
+    kr->addWidget(new QLabel(from_list_->toolTip().trimmed(), kopieer_raam_), 0, 0);
+    kr->addWidget(new QLabel(to_list_->toolTip().trimmed(), kopieer_raam_), 0, 1);
+    kr->addWidget(from_list_, 1, 0);
+    kr->addWidget(to_list_, 1, 1);
+    kr->addWidget(copy_ok, 2, 1, Qt::AlignRight);
     kopieer_raam_->setGeometry(120, 160, 700, 400);
 
     setFocusProxy(vak_grid_);

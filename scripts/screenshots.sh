@@ -129,6 +129,20 @@ for lang in af en; do
     for k in Down Down Down Down; do xdotool key $k; sleep 0.2; done
     sleep 0.5; shoot "pboek_opstel-panel-$lang"
     xdotool mousemove 400 300 click 3; sleep 1; shoot "pboek_opstel-explanations-$lang"
+    xdotool mousemove 909 596 click 1; sleep 0.5   # kb_ok
+    xdotool mousemove 611 697 click 1; sleep 0.8; shoot "pboek_opstel-copy-$lang"
+    stop_program
+
+    # Moving a learner from 8A to 10A, from the mark book input list.
+    start_program
+    sleep 3
+    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
+    key Return
+    key 2; key 2
+    xdotool mousemove 1005 697 click 1; sleep 1   # MOVE LEARNERS
+    shoot "pboek_inlees-move-from-$lang"
+    xdotool type 8A; key Return; xdotool type 10A; key Return
+    sleep 0.5; shoot "pboek_inlees-move-list-$lang"
     stop_program
 
     # The symbol distribution and the export, from the mark book menu.
