@@ -56,6 +56,8 @@ public:
             Value& v = values_[std::size_t(i)];
             const DbfField& field = table_.field(i);
             v.changed = false;
+            v.has_number = false;
+            v.pending = false;
             if (is_text_field(field.type) && !record.isEmpty()) {
                 const auto text = stored_text(field, record.data() + table_.field_offset(i));
                 v.null = !text;
@@ -71,13 +73,60 @@ public:
     bool is_null(int f) const { return values_[std::size_t(f)].null; }
     // The value through the null test, trimmed.
     QLatin1StringView normalised(int f) const { return is_null(f) ? QLatin1StringView() : trimmed(text(f)); }
-    double number(int f) const { return is_null(f) ? 0.0 : Val(text(f)); }
+    double number(int f) const {
+        const Value& v = values_[std::size_t(f)];
+        if (v.has_number) return v.number;
+        return is_null(f) ? 0.0 : Val(text(f));
+    }
+    // A mark that is neither blank nor an absence, and its number.
+    bool counts(int f, double* value) const {
+        const Value& v = values_[std::size_t(f)];
+        if (v.has_number) {
+            *value = v.number;
+            return true;
+        }
+        const QLatin1StringView t = normalised(f);
+        if (t.isEmpty() || t == QLatin1StringView("a")) return false;
+        *value = Val(t);
+        return true;
+    }
     void set(int f, QLatin1StringView text) {
         Value& v = values_[std::size_t(f)];
         const QLatin1StringView stored = text.left(table_.field(f).width);
         v.null = trimmed(stored).isEmpty();
         v.text.assign(stored.data(), std::size_t(stored.size()));
         v.changed = true;
+        v.has_number = false;
+        v.pending = false;
+    }
+    // A number in the one-decimal mask, as set(f, format_one_decimal(value))
+    // stores it; the text is written out only when it is read or saved.
+    void set_one_decimal(int f, double value) {
+        long long tenths = 0;
+        if (!one_decimal_tenths(value, &tenths)) {
+            set(f, QLatin1StringView(format_one_decimal(value).toLatin1()));
+            return;
+        }
+        int length = 2 + (value < 0 ? 1 : 0);
+        for (long long whole = tenths / 10; ; whole /= 10) {
+            ++length;
+            if (whole < 10) break;
+        }
+        Value& v = values_[std::size_t(f)];
+        v.negative = value < 0;
+        v.tenths = tenths;
+        v.changed = true;
+        v.null = false;
+        if (length > table_.field(f).width) {
+            // Cut at the field's width, as the table would store it.
+            write_out(v);
+            set(f, QLatin1StringView(std::string(v.text)));
+            return;
+        }
+        v.pending = true;
+        v.has_number = true;
+        const double read = double(tenths) / 10.0;
+        v.number = read == 0.0 ? 0.0 : (v.negative ? -read : read);
     }
     void set(int f, const QString& text) { set(f, QLatin1StringView(cp1252::encode(text))); }
     // Writes what changed; one Edit and Update for the record.
@@ -89,20 +138,22 @@ public:
         QByteArray record = table.record_bytes().toByteArray();
         std::vector<int> typed;  // changed fields that are no text: through their value
         for (int f = 2; f < int(values_.size()); ++f) {
-            const Value& v = values_[std::size_t(f)];
+            Value& v = values_[std::size_t(f)];
             if (!v.changed) continue;
             const DbfField& field = table.field(f);
             if (!is_text_field(field.type)) {
                 typed.push_back(f);
                 continue;
             }
+            if (v.pending) write_out(v);
             char* p = record.data() + table.field_offset(f);
             std::memset(p, ' ', std::size_t(field.width));
             if (!v.null) std::memcpy(p, v.text.data(), std::min(v.text.size(), std::size_t(field.width)));
         }
         table.set_record_bytes(record);
         for (int f : typed) {
-            const Value& v = values_[std::size_t(f)];
+            Value& v = values_[std::size_t(f)];
+            if (v.pending) write_out(v);
             table.set_value(f, v.null ? QVariant() : QVariant(cp1252::decode(v.text.data(), qsizetype(v.text.size()))));
         }
         table.Update();
@@ -113,30 +164,42 @@ private:
         std::string text;  // short enough to stay in the string itself
         bool null = true;
         bool changed = false;
+        // A total as the arithmetic left it: its number, and its one-decimal
+        // text still to be written out (the tenths, without the sign).
+        bool has_number = false;
+        double number = 0;
+        bool pending = false;
+        bool negative = false;
+        long long tenths = 0;
     };
+    // A pending text is written out the first time it is read.
     QLatin1StringView text(int f) const {
-        const Value& v = values_[std::size_t(f)];
+        Value& v = values_[std::size_t(f)];
+        if (v.pending) write_out(v);
         return QLatin1StringView(v.text.data(), qsizetype(v.text.size()));
+    }
+    static void write_out(Value& v) {
+        char buf[24];
+        int n = 0;
+        long long count = v.tenths;
+        if (v.negative) buf[n++] = '-';
+        char digits[20];
+        int d = 0;
+        const char decimal = char('0' + count % 10);
+        count /= 10;
+        do {
+            digits[d++] = char('0' + count % 10);
+            count /= 10;
+        } while (count > 0);
+        while (d > 0) buf[n++] = digits[--d];
+        buf[n++] = '.';
+        buf[n++] = decimal;
+        v.text.assign(buf, std::size_t(n));
+        v.pending = false;
     }
 
     const DbfTable& table_;
-    std::vector<Value> values_;
-};
-
-// A number in the one-decimal mask, for the working record.
-struct OneDecimal {
-    char buf[kOneDecimalRoom];
-    QByteArray wide;  // the rare number too long for the buffer
-    QLatin1StringView view;
-    explicit OneDecimal(double value) {
-        const int n = format_one_decimal_to(value, buf);
-        if (n >= 0) {
-            view = QLatin1StringView(buf, n);
-        } else {
-            wide = format_one_decimal(value).toLatin1();
-            view = QLatin1StringView(wide);
-        }
-    }
+    mutable std::vector<Value> values_;
 };
 
 // A real mark field of the table: never the learner's number or name.
@@ -218,9 +281,10 @@ bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
             const QLatin1StringView v = rec.normalised(i);
             if (v.isEmpty() || v == QLatin1StringView("A") || v == QLatin1StringView("a")) continue;
             out_of_sum[c] += r.y;
-            const OneDecimal m((Val(v) / r.x) * r.y);
-            if (rec.is_null(c)) rec.set(c, QLatin1StringView("0"));
-            rec.set(c, OneDecimal(rec.number(c) + Val(m.view)).view);
+            // The mark's share in one decimal, added to the total, which is
+            // kept in one decimal after each addition.
+            const double m = one_decimal_value((Val(v) / r.x) * r.y);
+            rec.set_one_decimal(c, rec.number(c) + m);
         }
 
         // Conversion of each fed total, in ascending field order.
@@ -228,17 +292,16 @@ bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
             const int c = total.c;
             if (!is_mark_field(rec, c)) continue;
             const int t = total.t;
-            const QLatin1StringView v = rec.normalised(c);
-            if (v.isEmpty() || v == QLatin1StringView("a")) continue;
+            double m = 0;
+            if (!rec.counts(c, &m)) continue;
             const double x = total.x;
             double y = out_of_sum[c];
             if (y == 0) y = x;
             if (y == 0) continue;  // a total of 0 with nothing fed: left as summed
             const double w = total.w;
-            const double m = Val(v);
             const double converted = (m / y) * x;
             const double d = converted - m;
-            rec.set(c, OneDecimal(converted).view);
+            rec.set_one_decimal(c, converted);
             if (c != t && t != kNoTarget && d != 0 && x != 0 && is_mark_field(rec, t)) {
                 const QString passed = format_one_decimal(Val(number_text(d / x)) * w);
                 rec.set(t, plain_number_text(rec.number(t) + Val(passed)));

@@ -308,6 +308,37 @@ QString format_mask(double value, const QString& mask) {
     return out;
 }
 
+bool one_decimal_tenths(double value, long long* count) {
+    if (!std::isfinite(value)) return false;
+    // A mark is far from a half in tenths almost always; then taking it to 15
+    // digits first can't change the rounding, and the tenths are counted
+    // directly.
+    const double tenths = std::fabs(value) * 10.0;
+    if (tenths >= 1e9) return false;
+    const double floor_part = std::floor(tenths);
+    const double fraction = tenths - floor_part;
+    if (std::fabs(fraction - 0.5) > 1e-6) {
+        *count = (long long)floor_part + (fraction > 0.5 ? 1 : 0);
+        return true;
+    }
+    // Near a half, the double nearest a whole number of hundredths (11.25,
+    // 0.15) is those hundredths to 15 digits (it lies within a part in 10^16
+    // of them, and they have fewer than 15 digits here), and the half goes
+    // away from zero. Only other near-halves take the digit work.
+    const double hundredths = std::nearbyint(std::fabs(value) * 100.0);
+    if (hundredths / 100.0 != std::fabs(value)) return false;
+    *count = ((long long)hundredths + 5) / 10;
+    return true;
+}
+
+double one_decimal_value(double value) {
+    long long tenths = 0;
+    if (!one_decimal_tenths(value, &tenths)) return Val(format_one_decimal(value));
+    // As Val reads "ddd.d": the tenths over ten, and never a negative zero.
+    const double read = double(tenths) / 10.0;
+    return read == 0.0 ? 0.0 : (value < 0 ? -read : read);
+}
+
 // "##0.0" is the mask of every stored mark: the same digits as format_mask
 // gives it, put together without walking the mask.
 int format_one_decimal_to(double value, char* out) {
@@ -317,7 +348,8 @@ int format_one_decimal_to(double value, char* out) {
         return int(text.size());
     }
     int n = 0;
-    auto write_tenths = [&](long long count) {
+    long long count = 0;
+    if (one_decimal_tenths(value, &count)) {
         if (value < 0) out[n++] = '-';
         char digits[24];
         int d = 0;
@@ -331,21 +363,6 @@ int format_one_decimal_to(double value, char* out) {
         out[n++] = '.';
         out[n++] = char('0' + decimal);
         return n;
-    };
-    // A mark is far from a half in tenths almost always; then taking it to 15
-    // digits first can't change the rounding, and the tenths are counted
-    // directly.
-    const double tenths = std::fabs(value) * 10.0;
-    if (tenths < 1e9) {
-        const double floor_part = std::floor(tenths);
-        const double fraction = tenths - floor_part;
-        if (std::fabs(fraction - 0.5) > 1e-6) return write_tenths((long long)floor_part + (fraction > 0.5 ? 1 : 0));
-        // Near a half, the double nearest a whole number of hundredths (11.25,
-        // 0.15) is those hundredths to 15 digits (it lies within a part in
-        // 10^16 of them, and they have fewer than 15 digits here), and the
-        // half goes away from zero. Only other near-halves take the digit work.
-        const double hundredths = std::nearbyint(std::fabs(value) * 100.0);
-        if (hundredths / 100.0 == std::fabs(value)) return write_tenths(((long long)hundredths + 5) / 10);
     }
     std::string whole, fraction;
     fixed_digits(std::fabs(value), 1, whole, fraction);

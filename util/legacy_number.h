@@ -36,6 +36,12 @@ QString format_one_decimal(double value);
 // or -1 for a number too long for it (format_one_decimal takes those).
 constexpr int kOneDecimalRoom = 32;
 int format_one_decimal_to(double value, char* out);
+// The whole number of tenths that format_one_decimal writes for `value`
+// (without its sign), where it can be had without the digit work: false for
+// the rare value near a half that needs it, and for a very large one.
+bool one_decimal_tenths(double value, long long* tenths);
+// Val(format_one_decimal(value)): the number a one-decimal mark reads back as.
+double one_decimal_value(double value);
 
 // Rounding to a number of decimals with ties to the even digit, judged on
 // the exact value of the double: only a double that lies exactly halfway is

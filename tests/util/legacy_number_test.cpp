@@ -124,6 +124,8 @@ TEST(LegacyNumberMask, OneDecimalAgreesWithTheGeneralMask) {
         if (i % 3 == 0) v = std::round(v * 100) / 100;                 // two decimals: many halves
         if (i % 3 == 1) v = (std::round(v * 20) + 1e-12 * (i % 7 - 3)) / 20;  // a hair off a half
         ASSERT_EQ(format_one_decimal(v), format_mask(v, mask)) << v;
+        // What the text reads back as, had without the text.
+        ASSERT_EQ(one_decimal_value(v), Val(format_one_decimal(v))) << v;
     }
     // Hundredths of every size up to a hundred million, past where the
     // short road for them stops.
@@ -133,7 +135,11 @@ TEST(LegacyNumberMask, OneDecimalAgreesWithTheGeneralMask) {
         ASSERT_EQ(format_one_decimal(v), format_mask(v, mask)) << v;
     }
     for (double v : {1e8 + 0.05, 123456789.25, 99999999.95, 12345678.25, -9999999.85, 1e12, -0.0, 0.0, 0.05, -0.05})
+    {
         EXPECT_EQ(format_one_decimal(v), format_mask(v, mask)) << v;
+        EXPECT_EQ(one_decimal_value(v), Val(format_one_decimal(v))) << v;
+        EXPECT_FALSE(std::signbit(one_decimal_value(v)) && one_decimal_value(v) == 0) << v;  // as Val: no -0
+    }
 }
 
 TEST(LegacyNumberMask, LocaleDoesNotChangeAByte) {
