@@ -1,6 +1,7 @@
 #include "reports/grid_report.h"
 
 #include <QChar>
+#include <QSet>
 #include <QStringList>
 
 #include <algorithm>
@@ -76,16 +77,14 @@ QStringList cell_lines(const PrintSurface& s, const QString& text, float width) 
 
 // What a column needs so that nothing in it is cut: its widest line, and
 // its widest word (where a text of several words may wrap), in columns.
-struct ColumnNeeds {
-    float line = 0;
-    float word = 0;
-};
-
 ColumnNeeds column_needs(const PrintSurface& s, const TextGrid& grid, int col) {
     ColumnNeeds needs;
+    QSet<QString> seen;  // a column's texts repeat: each is measured once
     for (int r = 0; r < grid.rows(); ++r) {
         const QString t = cell_text(grid, r, col);
         if (t.isEmpty() || (r < grid.fixed_rows() && t.startsWith(kRotated))) continue;
+        if (seen.contains(t)) continue;
+        seen.insert(t);
         for (const QString& part : split_breaks(t)) {
             const QString line = part.trimmed();
             const float width = s.TextWidth(line);
@@ -191,7 +190,13 @@ void GridPrinter::widen_to_texts() {
     const float designed_right = table_right_;
     std::vector<ColumnNeeds> needs;
     for (Column& c : columns_) {
-        needs.push_back(column_needs(s_, grid_, c.index));
+        const auto known = o_.measured ? o_.measured->find(c.index) : MeasuredColumns::iterator();
+        if (o_.measured && known != o_.measured->end()) {
+            needs.push_back(known->second);
+        } else {
+            needs.push_back(column_needs(s_, grid_, c.index));
+            if (o_.measured) (*o_.measured)[c.index] = needs.back();
+        }
         c.width = std::max(c.width, needs.back().line + 2 * pad_);
     }
     float excess = table_left_ - std::max(designed_right, s_.ScaleWidth());

@@ -21,6 +21,8 @@
 // (never set) is fitted to the column's contents; a width of 0 hides the
 // column.
 
+#include <map>
+#include <memory>
 #include <QString>
 
 #include "reports/page_engine.h"
@@ -40,6 +42,14 @@ enum class GridReportResult {
     Refused,   // too many columns; nothing printed, the form's loop ends
 };
 
+// What a column's texts need so that none is cut, in columns of the
+// printing font: its widest line, and its widest word.
+struct ColumnNeeds {
+    float line = 0;
+    float word = 0;
+};
+using MeasuredColumns = std::map<int, ColumnNeeds>;
+
 struct GridReportOptions {
     float left_offset = 0;   // shift of the table, in columns
     float top_offset = 0;    // and in lines
@@ -50,6 +60,10 @@ struct GridReportOptions {
     bool no_margin = false;
     int last_column = -1;       // columns to print; -1 is all of them
     bool to_excel_file = false; // straight to a new workbook, not the page
+    // The columns' needs, measured on the first page of a print and kept for
+    // the pages after it, which hold fewer of the grid's rows: measuring
+    // once keeps the print fast and its columns alike on every page.
+    std::shared_ptr<MeasuredColumns> measured;
 };
 
 GridReportResult print_grid_report(PrintSurface& surface, PrintJob& job, TextGrid& grid,

@@ -6,7 +6,9 @@
 namespace veldo {
 
 void print_grid_pages(ReportRun& r, TextGrid& grid, QString title, const QString& paper,
-                      const GridReportOptions& options, bool setup_twin, const PageFoot& foot) {
+                      const GridReportOptions& given, bool setup_twin, const PageFoot& foot) {
+    GridReportOptions options = given;
+    if (!options.measured) options.measured = std::make_shared<MeasuredColumns>();
     PageHeadOptions head;
     head.paper = paper;
     for (;;) {
