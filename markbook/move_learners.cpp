@@ -1,5 +1,7 @@
 #include "markbook/move_learners.h"
 
+#include <QRegularExpression>
+
 #include "store/dbf_open.h"
 #include "store/dbf_table.h"
 #include "store/record_store.h"
@@ -30,22 +32,27 @@ MoveLearners::MoveLearners(RecordStore& store, UserDialogs& dialogs) : store_(st
 
 bool MoveLearners::check(const QString& from, const QString& to) {
     RunState& run = store_.run();
+    // A list box finds an entry whatever the case it is typed in.
+    const qsizetype from_at = groups_.indexOf(QRegularExpression(
+        "^" + QRegularExpression::escape(from) + "$", QRegularExpression::CaseInsensitiveOption));
+    const qsizetype to_at = groups_.indexOf(QRegularExpression(
+        "^" + QRegularExpression::escape(to) + "$", QRegularExpression::CaseInsensitiveOption));
     QString refusal;
-    if (from.trimmed() == to.trimmed())
+    if (from.trimmed().compare(to.trimmed(), Qt::CaseInsensitive) == 0)
         refusal = run.tr("'VAN' en 'NA' GROEPE MOET VERSKIL ...", "'FROM' and 'TO' GROUPS MUST DIFFER ...");
-    else if (!groups_.contains(from))
+    else if (from_at < 0)
         refusal = run.tr("'VAN' GROEP ONGELDIG ...", "'FROM' GROUP INVALID ...");
-    else if (!groups_.contains(to))
+    else if (to_at < 0)
         refusal = run.tr("'NA' GROEP ONGELDIG ...", "'TO' GROUP INVALID ...");
     if (!refusal.isEmpty()) {
         dialogs_.beep();
         dialogs_.message(refusal, MsgIcon::Exclamation);
         return false;
     }
-    from_ = from;
-    to_ = to;
-    from_series_ = int(groups_.indexOf(from)) + 1;
-    to_series_ = int(groups_.indexOf(to)) + 1;
+    from_ = groups_[from_at];
+    to_ = groups_[to_at];
+    from_series_ = int(from_at) + 1;
+    to_series_ = int(to_at) + 1;
     fill_learners();
     return true;
 }

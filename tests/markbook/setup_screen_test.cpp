@@ -251,7 +251,7 @@ TEST_F(Setup, MovingALearnerAsksForTwoValidGroupsAndMovesBothRows) {
     const QList<QStringList> to_before = records("marks5.dbf");
     const int list_before = int(records("punte5.dbf").size());
     MoveLearners move(*store, dialogs);
-    for (const char* i : {"8A", "8A", "7Z", "8A", "8A", "7Z", "8A", "10A"}) dialogs.inputs.enqueue(i);
+    for (const char* i : {"8A", "8a", "7Z", "8A", "8A", "7Z", "8a", "10A"}) dialogs.inputs.enqueue(i);
     ASSERT_TRUE(move.choose_groups());
     EXPECT_EQ(dialogs.texts(), (QStringList{"'FROM' and 'TO' GROUPS MUST DIFFER ...", "'FROM' GROUP INVALID ...",
                                             "'TO' GROUP INVALID ..."}));
