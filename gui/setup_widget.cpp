@@ -47,7 +47,7 @@ SetupWidget::SetupWidget(SetupScreen& screen, QWidget* parent) : QWidget(parent)
     setObjectName("pboek_opstel");
     paint_form(this);
     resize(1000, 700);
-    const bool af = screen_.caption() == "PUNTEBOEK OPSTEL";
+    const bool af = screen_.afrikaans();
     const QStringList captions = screen_.button_captions();
     auto* layout = new QVBoxLayout(this);
     auto* school = new QLabel(screen_.school(), this);
@@ -256,7 +256,7 @@ SetupWidget::SetupWidget(SetupScreen& screen, QWidget* parent) : QWidget(parent)
 
 void SetupWidget::fill_grid() {
     TextGrid grid;
-    fill_setup_grid(grid, screen_.setup(), screen_.caption() == "PUNTEBOEK OPSTEL");
+    fill_setup_grid(grid, screen_.setup(), screen_.afrikaans());
     const int current = pboek_grid_->currentRow();
     const QSignalBlocker block(pboek_grid_);
     show_text_grid(pboek_grid_, grid);

@@ -54,6 +54,8 @@ SetupScreen::SetupScreen(ShellContext& ctx, PrintService& printer) : ctx_(ctx), 
 
 QString SetupScreen::caption() const { return ctx_.run.tr("PUNTEBOEK OPSTEL", "MARK BOOK SETUP"); }
 
+bool SetupScreen::afrikaans() const { return ctx_.run.language_afrikaans; }
+
 QStringList SetupScreen::button_captions() const {
     return ctx_.run.language_afrikaans
                ? QStringList{"OPDATEER", "STOOR PUNTEBOEK OPSTELLING", "VOORBEELD", "DRUK", "EXIT", "OK", "VOEG IN",

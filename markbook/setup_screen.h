@@ -25,6 +25,7 @@ public:
     // False when the screen went again.
     bool load();
     QString caption() const;  // "PUNTEBOEK OPSTEL" / "MARK BOOK SETUP"
+    bool afrikaans() const;
     // OPDATEER, STOOR PUNTEBOEK OPSTELLING, VOORBEELD, DRUK, EXIT, then the
     // panel's OK, insert, remove and the copy button, by language.
     QStringList button_captions() const;
