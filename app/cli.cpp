@@ -97,16 +97,22 @@ int cmd_series(Context& c) {
     return c.dialogs.refused ? 1 : 0;
 }
 
+// The series number a command line gives, 1 to the count of `rows`; 0,
+// with the message, when the folder has no such series.
+int series_number(Context& c, const QList<QStringList>& rows, const QString& text) {
+    const int n = int(Val(text));
+    if (n >= 1 && n <= rows.size()) return n;
+    print_error(c.run.tr("Daar is geen puntereeks " + text + " in " + c.run.data_folder + " nie.",
+                         "There is no mark series " + text + " in " + c.run.data_folder + "."));
+    return 0;
+}
+
 // The vak_grid row of --series N; N counts from 1.
 bool chosen_series(Context& c, int* series, QStringList* row) {
     if (!check_marks_folder(c)) return false;
     const auto rows = series_rows(c.store);
-    *series = int(Val(c.options.value("series")));
-    if (*series < 1 || *series > rows.size()) {
-        print_error(c.run.tr("Daar is geen puntereeks " + c.options.value("series") + " in " + c.run.data_folder + " nie.",
-                             "There is no mark series " + c.options.value("series") + " in " + c.run.data_folder + "."));
-        return false;
-    }
+    *series = series_number(c, rows, c.options.value("series"));
+    if (*series == 0) return false;
     *row = rows[*series - 1];
     return true;
 }
@@ -705,18 +711,11 @@ int cmd_setup(Context& c) {
 int cmd_copy_setup(Context& c) {
     if (!check_marks_folder(c)) return 1;
     const auto rows = series_rows(c.store);
-    auto series_of = [&](const QString& text) {
-        const int n = int(Val(text));
-        if (n >= 1 && n <= rows.size()) return n;
-        print_error(c.run.tr("Daar is geen puntereeks " + text + " in " + c.run.data_folder + " nie.",
-                             "There is no mark series " + text + " in " + c.run.data_folder + "."));
-        return 0;
-    };
-    const int from = series_of(c.options.value("from"));
+    const int from = series_number(c, rows, c.options.value("from"));
     if (from == 0) return 1;
     QList<int> to;
     for (const QString& part : c.options.value("to").split(',')) {
-        const int n = series_of(part.trimmed());
+        const int n = series_number(c, rows, part.trimmed());
         if (n == 0) return 1;
         to << n - 1;
     }

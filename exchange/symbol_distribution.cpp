@@ -23,7 +23,7 @@ bool build_symbol_distribution(RecordStore& store, const QStringList& row, int s
         if (run.dialogs) run.dialogs->message(text, icon);
         return false;
     };
-    const QString marks_path = find_marks_table(folder, series);
+    const QString marks_path = find_group_table(folder, "marks", series);
     if (marks_path.isEmpty()) return say(no_mark_book_message(run));
     DbfError error;
     auto marks = DbfTable::open(marks_path, &error);

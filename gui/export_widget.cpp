@@ -19,15 +19,7 @@ ExportWidget::ExportWidget(MarkBookExport& screen, QWidget* parent) : QWidget(pa
     paint_form(this);
     resize(900, 640);
     auto* layout = new QVBoxLayout(this);
-    auto* school = new QLabel(screen_.school(), this);
-    school->setObjectName("ops_ops1");
-    school->setAlignment(Qt::AlignCenter);
-    layout->addWidget(school);
-    layout->addWidget(screen_title(screen_.caption(), this));
-    dir_disp_ = new QLabel(this);
-    dir_disp_->setObjectName("dir_disp");
-    dir_disp_->setAlignment(Qt::AlignCenter);
-    layout->addWidget(dir_disp_);
+    dir_disp_ = add_screen_head(layout, this, screen_.school(), screen_.caption(), screen_.data_folder());
     vak_ops_ = screen_title(QString(), this);
     vak_ops_->setObjectName("vak_ops");
     layout->addWidget(vak_ops_);

@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QTableWidget>
+#include <QVBoxLayout>
 
 #include "util/text_grid.h"
 
@@ -23,6 +24,20 @@ QLabel* screen_title(const QString& text, QWidget* parent) {
     title->setFont(f);
     title->setAlignment(Qt::AlignCenter);
     return title;
+}
+
+QLabel* add_screen_head(QVBoxLayout* layout, QWidget* form, const QString& school, const QString& caption,
+                        const QString& folder) {
+    auto* school_label = new QLabel(school, form);
+    school_label->setObjectName("ops_ops1");
+    school_label->setAlignment(Qt::AlignCenter);
+    layout->addWidget(school_label);
+    layout->addWidget(screen_title(caption, form));
+    auto* dir_disp = new QLabel(folder, form);
+    dir_disp->setObjectName("dir_disp");
+    dir_disp->setAlignment(Qt::AlignCenter);
+    layout->addWidget(dir_disp);
+    return dir_disp;
 }
 
 QTableWidget* series_list(const QList<QStringList>& rows, QWidget* parent) {

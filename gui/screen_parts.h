@@ -7,6 +7,7 @@
 
 class QLabel;
 class QTableWidget;
+class QVBoxLayout;
 class QWidget;
 
 namespace veldo {
@@ -17,6 +18,10 @@ class TextGrid;
 void paint_form(QWidget* form);
 // A centred bold title in 15 points.
 QLabel* screen_title(const QString& text, QWidget* parent);
+// The head of a series screen: the school (ops_ops1), the title and the data
+// folder (dir_disp, returned so that a screen can show a new folder).
+QLabel* add_screen_head(QVBoxLayout* layout, QWidget* form, const QString& school, const QString& caption,
+                        const QString& folder);
 // vak_grid: nine columns, no headings, one whole row selected, rows trimmed;
 // the first row current, so that Enter can open it at once.
 QTableWidget* series_list(const QList<QStringList>& rows, QWidget* parent);

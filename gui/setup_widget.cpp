@@ -50,15 +50,7 @@ SetupWidget::SetupWidget(SetupScreen& screen, QWidget* parent) : QWidget(parent)
     const bool af = screen_.afrikaans();
     const QStringList captions = screen_.button_captions();
     auto* layout = new QVBoxLayout(this);
-    auto* school = new QLabel(screen_.school(), this);
-    school->setObjectName("ops_ops1");
-    school->setAlignment(Qt::AlignCenter);
-    layout->addWidget(school);
-    layout->addWidget(screen_title(screen_.caption(), this));
-    auto* folder = new QLabel(screen_.data_folder(), this);
-    folder->setObjectName("dir_disp");
-    folder->setAlignment(Qt::AlignCenter);
-    layout->addWidget(folder);
+    add_screen_head(layout, this, screen_.school(), screen_.caption(), screen_.data_folder());
     vak_ops_ = screen_title(QString(), this);
     vak_ops_->setObjectName("vak_ops");
     layout->addWidget(vak_ops_);

@@ -18,15 +18,7 @@ SymbolPrintWidget::SymbolPrintWidget(SymbolPrintScreen& screen, QWidget* parent)
     paint_form(this);
     resize(900, 640);
     auto* layout = new QVBoxLayout(this);
-    auto* school = new QLabel(screen_.school(), this);
-    school->setObjectName("ops_ops1");
-    school->setAlignment(Qt::AlignCenter);
-    layout->addWidget(school);
-    layout->addWidget(screen_title(screen_.caption(), this));
-    auto* folder = new QLabel(screen_.data_folder(), this);
-    folder->setObjectName("dir_disp");
-    folder->setAlignment(Qt::AlignCenter);
-    layout->addWidget(folder);
+    add_screen_head(layout, this, screen_.school(), screen_.caption(), screen_.data_folder());
 
     vak_grid_ = veldo::series_list(screen_.series(), this);
     // 300 twips a row: the list shows up to 17 series before it scrolls.

@@ -22,9 +22,9 @@ namespace veldo {
 
 QString marks_table_name(int series) { return QString("marks%1.dbf").arg(series); }
 
-QString find_marks_table(const QString& folder, int series) {
-    const QString text_name = find_ignoring_case(folder, QString("marks%1.txt").arg(series));
-    return text_name.isEmpty() ? find_ignoring_case(folder, marks_table_name(series)) : text_name;
+QString find_group_table(const QString& folder, const QString& stem, int series) {
+    const QString text_name = find_ignoring_case(folder, QString("%1%2.txt").arg(stem).arg(series));
+    return text_name.isEmpty() ? find_ignoring_case(folder, QString("%1%2.dbf").arg(stem).arg(series)) : text_name;
 }
 QString class_list_table_name(int series) { return QString("punte%1.dbf").arg(series); }
 QString assessment_table_name(int series) { return QString("obe_p%1.dbf").arg(series); }

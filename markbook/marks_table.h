@@ -21,10 +21,10 @@ QString marks_table_name(int series);       // "marks<N>.dbf"
 QString class_list_table_name(int series);  // "punte<N>.dbf"
 QString assessment_table_name(int series);  // "obe_p<N>.dbf"
 
-// The marks table of series N for the screens that name it "marks<N>.txt"
-// (an export disk's spelling): that name when the folder holds it, else the
-// "marks<N>.dbf" every other screen uses; empty when neither is there.
-QString find_marks_table(const QString& folder, int series);
+// A table of series N for the actions that name it "<stem><N>.txt" (an
+// export disk's spelling): that name when the folder holds it, else the
+// "<stem><N>.dbf" every other screen uses; empty when neither is there.
+QString find_group_table(const QString& folder, const QString& stem, int series);
 
 // The messages that close a mark book screen.
 QString no_mark_book_message(const RunState& run);         // "3 ..."

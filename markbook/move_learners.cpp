@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 
+#include "markbook/marks_table.h"
 #include "store/dbf_open.h"
 #include "store/dbf_table.h"
 #include "store/record_store.h"
@@ -21,11 +22,6 @@ QStringList learner_groups(RecordStore& store) {
         if (!group.isEmpty()) groups << group;
     }
     return groups;
-}
-
-QString find_group_table(const QString& folder, const QString& stem, int series) {
-    const QString text_name = find_ignoring_case(folder, QString("%1%2.txt").arg(stem).arg(series));
-    return text_name.isEmpty() ? find_ignoring_case(folder, QString("%1%2.dbf").arg(stem).arg(series)) : text_name;
 }
 
 MoveLearners::MoveLearners(RecordStore& store, UserDialogs& dialogs) : store_(store), dialogs_(dialogs) {}

@@ -54,8 +54,4 @@ private:
     QStringList learners_;
 };
 
-// The table of a group as this action names it: "<stem><N>.txt" when the
-// data folder holds it, else "<stem><N>.dbf"; empty when neither is there.
-QString find_group_table(const QString& folder, const QString& stem, int series);
-
 }  // namespace veldo

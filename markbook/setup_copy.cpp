@@ -4,26 +4,11 @@
 
 #include "markbook/setup_file.h"
 #include "store/run_state.h"
+#include "store/series.h"
 #include "util/safe_file.h"
 #include "util/user_dialogs.h"
 
 namespace veldo {
-
-namespace {
-
-// The setup key of a series record, its group taken from the first group
-// field or, if that is blank, the third.
-QString copy_key(const QStringList& row) {
-    QString group = row.value(3).trimmed();
-    if (group.isEmpty()) group = row.value(5).trimmed();
-    QString subject = row.value(1);
-    subject.replace(' ', '_');
-    QString key = (row.value(0) + subject + group).trimmed();
-    key.replace('/', '_');
-    return key;
-}
-
-}  // namespace
 
 QStringList copy_list_items(const QList<QStringList>& series_rows) {
     QStringList items;
@@ -44,7 +29,7 @@ int copy_setups(RunState& run, const QList<QStringList>& series_rows, int source
     if (source < 0 || source >= series_rows.size()) return 0;
     const QStringList items = copy_list_items(series_rows);
     const QString folder = run.data_folder;
-    const auto key = find_setup_key(folder, copy_key(series_rows[source]), SetupSearch::Readers);
+    const auto key = find_setup_key(folder, series_key(series_rows[source]), SetupSearch::Readers);
     if (!key) {
         if (run.dialogs)
             run.dialogs->message(run.tr("PUNTEBOEK OPSTELLING VIR " + items[source] + " BESTAAN NIE ...",
@@ -57,7 +42,7 @@ int copy_setups(RunState& run, const QList<QStringList>& series_rows, int source
     for (int d : destinations) {
         if (d < 0 || d >= series_rows.size() || d == source) continue;
         // A copy lands under the shortest form of the destination's key.
-        QString to_key = copy_key(series_rows[d]);
+        QString to_key = series_key(series_rows[d]);
         to_key.remove('_');
         to_key.remove(' ');
         const QString question = run.tr("WIL U DEFNITIEF PUNTEBOEK OPSTELLING VIR \r\n" + items[source] + " KOPIEER NA " +

@@ -31,6 +31,14 @@ start_program() {
     "$program" &
     app=$!
 }
+# The program started and the demo's data folder taken (DATA FOLDER, then
+# Return in its dialog), at the top menu.
+start_at_top_menu() {
+    start_program
+    sleep 3
+    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
+    key Return
+}
 stop_program() {
     kill $app 2>/dev/null || true
     wait $app 2>/dev/null || true
@@ -76,10 +84,7 @@ for lang in af en; do
 
     # Cycle marks: series 1 out of 50, effort keys too; a mark, a key, a
     # refused mark.
-    start_program
-    sleep 3
-    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
-    key Return
+    start_at_top_menu
     key 1; key 1; shoot "punte_inlees-list-$lang"
     key Return; shoot "punte_inlees-total-$lang"
     xdotool type 50; key Return; shoot "punte_inlees-converting-$lang"
@@ -95,10 +100,7 @@ for lang in af en; do
     # lookup lists on; a mark, then the lists beside the key and the
     # formative columns. Then the mark lists screen.
     printf '"%s"\r\n#TRUE#\r\n#TRUE#\r\n' "$drive/data" > "$drive/data/user_info.txt"
-    start_program
-    sleep 3
-    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
-    key Return
+    start_at_top_menu
     key 1; key 2; shoot "obe_inlees-list-$lang"
     key Return; xdotool type 50; key Return; shoot "obe_inlees-mode-$lang"
     xdotool mousemove 553 592 click 1; sleep 0.3   # MULTI-ASSESSERING
@@ -111,19 +113,13 @@ for lang in af en; do
     sleep 0.6; shoot "obe_inlees-formative-list-$lang"
     stop_program
 
-    start_program
-    sleep 3
-    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
-    key Return
+    start_at_top_menu
     key 1; key 3; shoot "punte_druk-list-$lang"
     key Return; shoot "punte_druk-chosen-$lang"
     stop_program
 
     # The setup screen: a book chosen, a row in the panel, the explanations.
-    start_program
-    sleep 3
-    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
-    key Return
+    start_at_top_menu
     key 2; key 1; shoot "pboek_opstel-list-$lang"
     key Return; sleep 0.5
     for k in Down Down Down Down; do xdotool key $k; sleep 0.2; done
@@ -134,10 +130,7 @@ for lang in af en; do
     stop_program
 
     # Moving a learner from 8A to 10A, from the mark book input list.
-    start_program
-    sleep 3
-    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
-    key Return
+    start_at_top_menu
     key 2; key 2
     xdotool mousemove 1005 697 click 1; sleep 1   # MOVE LEARNERS
     shoot "pboek_inlees-move-from-$lang"
@@ -146,18 +139,12 @@ for lang in af en; do
     stop_program
 
     # The symbol distribution and the export, from the mark book menu.
-    start_program
-    sleep 3
-    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
-    key Return
+    start_at_top_menu
     key 2; key 5; shoot "simbole_druk-list-$lang"
     key Return; shoot "simbole_druk-grid-$lang"
     stop_program
 
-    start_program
-    sleep 3
-    xdotool mousemove 372 489 click 1; sleep 1.5   # DATA FOLDER
-    key Return
+    start_at_top_menu
     key 2; key 4; shoot "pboek_uitvoer-list-$lang"
     key Return; shoot "pboek_uitvoer-tasks-$lang"
     xdotool mousemove 300 189 click --repeat 2 --delay 80 1; sleep 1.5   # task 1
