@@ -150,6 +150,37 @@ bool update_marks_table(RecordStore& store, int series) {
     return written;
 }
 
+namespace {
+
+// The template's bytes as the new table's start. Read and written here
+// rather than by QFile::copy, whose temporary file, rename and copied
+// permissions cost more than the header itself; the new table takes the
+// folder's usual permissions, so a template installed read-only still
+// gives a table the teacher can write.
+bool start_from_template(const QString& tmpl, const QString& fresh) {
+    QFile in(tmpl);
+    if (!in.open(QIODevice::ReadOnly)) return false;
+    const QByteArray bytes = in.readAll();
+    if (in.error() != QFileDevice::NoError) return false;
+    QFile out(fresh);
+    return out.open(QIODevice::WriteOnly | QIODevice::Truncate) && out.write(bytes) == bytes.size() && out.flush();
+}
+
+// A whole-number field (no decimals) of blanks then digits, the first not
+// a nought: its value written back through its text gives these same bytes,
+// so the copied record needs nothing more for it. A learner's number is
+// always such a field.
+bool written_as_stored(const char* p, int width) {
+    int i = 0;
+    while (i < width && p[i] == ' ') ++i;
+    if (i == width || p[i] == '0') return false;
+    for (; i < width; ++i)
+        if (p[i] < '0' || p[i] > '9') return false;
+    return true;
+}
+
+}  // namespace
+
 bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
     const QString tmpl = find_ignoring_case(run.start_folder, "mrk_book.org");
     if (tmpl.isEmpty()) {
@@ -180,7 +211,7 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
     // The new table is filled beside the old one and then takes its place.
     const QString fresh = QFileInfo(path).dir().filePath("." + QFileInfo(path).fileName() + ".rebuild");
     QFile::remove(fresh);
-    if (!QFile::copy(tmpl, fresh)) {
+    if (!start_from_template(tmpl, fresh)) {
         if (error) *error = "copy failed";
         return false;
     }
@@ -203,16 +234,28 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
         for (int f = 0; same_layout && f < fields; ++f)
             same_layout = table->field(f).type == old->field(f).type && table->field(f).width == old->field(f).width &&
                           table->field(f).decimals == old->field(f).decimals;
+        std::vector<bool> is_char(std::size_t(fields), false), is_whole(std::size_t(fields), false);
+        for (int f = 0; f < fields; ++f) {
+            const DbfField& field = old->field(f);
+            is_char[std::size_t(f)] = field.type == DbfType::Character;
+            is_whole[std::size_t(f)] = field.type == DbfType::Numeric && field.decimals == 0 && field.width <= 15;
+        }
         for (int r = 0; r < grid.rows(); ++r) {
             old->MoveFirst();
             old->Move(grid.text(r, 0).toInt());
             table->AddNew();
             const QByteArrayView record = old->record_bytes();
             if (same_layout) table->set_record_bytes(record);
+            // Most records hold no NUL at all: then no character field needs
+            // a look of its own.
+            const bool any_nul = same_layout && record.contains('\0');
             for (int f = 0; f < fields; ++f) {
-                const DbfField& field = old->field(f);
-                if (same_layout && field.type == DbfType::Character &&
-                    !QByteArrayView(record.data() + old->field_offset(f), field.width).contains('\0'))
+                if (same_layout && is_char[std::size_t(f)] &&
+                    (!any_nul ||
+                     !QByteArrayView(record.data() + old->field_offset(f), old->field(f).width).contains('\0')))
+                    continue;
+                if (same_layout && is_whole[std::size_t(f)] &&
+                    written_as_stored(record.data() + old->field_offset(f), old->field(f).width))
                     continue;
                 QString text = plain_text(old->value(f));
                 while (text.endsWith(' ')) text.chop(1);

@@ -47,7 +47,9 @@ std::optional<QLatin1StringView> stored_text(const DbfField& field, const char* 
 // stored bytes, with no QString or QVariant per field.
 class WorkRecord {
 public:
-    explicit WorkRecord(const DbfTable& table) : table_(table), values_(std::size_t(table.field_count())) {}
+    explicit WorkRecord(const DbfTable& table) : table_(table), values_(std::size_t(table.field_count())) {
+        for (int i = 0; i < table.field_count(); ++i) widths_.push_back(table.field(i).width);
+    }
 
     // The mark fields only: the learner's number and name take no part.
     void load() {
@@ -92,7 +94,7 @@ public:
     }
     void set(int f, QLatin1StringView text) {
         Value& v = values_[std::size_t(f)];
-        const QLatin1StringView stored = text.left(table_.field(f).width);
+        const QLatin1StringView stored = text.left(widths_[std::size_t(f)]);
         v.null = trimmed(stored).isEmpty();
         v.text.assign(stored.data(), std::size_t(stored.size()));
         v.changed = true;
@@ -117,7 +119,7 @@ public:
         v.tenths = tenths;
         v.changed = true;
         v.null = false;
-        if (length > table_.field(f).width) {
+        if (length > widths_[std::size_t(f)]) {
             // Cut at the field's width, as the table would store it.
             write_out(v);
             set(f, QLatin1StringView(std::string(v.text)));
@@ -199,6 +201,7 @@ private:
     }
 
     const DbfTable& table_;
+    std::vector<int> widths_;  // each field's width, looked up once
     mutable std::vector<Value> values_;
 };
 

@@ -1003,7 +1003,8 @@ bool DbfTable::Edit() {
         fail(DbfError::NoCurrentRecord);
         return false;
     }
-    edit_buf_ = QByteArray(bytes, record_length_);
+    edit_buf_.resize(record_length_);
+    std::memcpy(edit_buf_.data(), bytes, std::size_t(record_length_));
     edit_record_ = record;
     mode_ = Mode::Edit;
     return true;
@@ -1025,7 +1026,8 @@ bool DbfTable::can_change() {
 bool DbfTable::AddNew() {
     if (!can_change()) return false;
     leave_edit();
-    edit_buf_ = QByteArray(record_length_, ' ');
+    // The buffer is filled again rather than allocated for every record.
+    edit_buf_.fill(' ', record_length_);
     edit_record_ = -1;
     mode_ = Mode::AddNew;
     return true;

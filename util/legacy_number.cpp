@@ -315,7 +315,9 @@ bool one_decimal_tenths(double value, long long* count) {
     // directly.
     const double tenths = std::fabs(value) * 10.0;
     if (tenths >= 1e9) return false;
-    const double floor_part = std::floor(tenths);
+    // Below 1e9 and not negative, the whole part is the truncation: no call
+    // into the maths library for it.
+    const double floor_part = double((long long)tenths);
     const double fraction = tenths - floor_part;
     if (std::fabs(fraction - 0.5) > 1e-6) {
         *count = (long long)floor_part + (fraction > 0.5 ? 1 : 0);

@@ -231,6 +231,25 @@ struct SortKey {
 };
 
 int three_way(double a, double b) { return a < b ? -1 : (a > b ? 1 : 0); }
+
+// QString::toCaseFolded, without its cost for the plain ASCII text almost
+// every cell holds: there folding is A-Z to a-z and nothing else.
+QString folded(const QString& cell) {
+    bool upper = false;
+    for (QChar c : cell) {
+        const char16_t u = c.unicode();
+        if (u >= 0x80) return cell.toCaseFolded();
+        upper = upper || (u >= 'A' && u <= 'Z');
+    }
+    if (!upper) return cell;
+    QString out(cell.size(), Qt::Uninitialized);
+    QChar* to = out.data();
+    for (QChar c : cell) {
+        const char16_t u = c.unicode();
+        *to++ = QChar(u >= 'A' && u <= 'Z' ? char16_t(u + ('a' - 'A')) : u);
+    }
+    return out;
+}
 int three_way(const QString& a, const QString& b) {
     const int c = QString::compare(a, b, Qt::CaseSensitive);
     return c < 0 ? -1 : (c > 0 ? 1 : 0);
@@ -265,9 +284,9 @@ void TextGrid::sort(int first_col, int last_col, GridSort mode) {
                 key.number = Val(cell);
             } else if (generic) {
                 key.numeric = parse_numeric(cell, &key.number);
-                key.text = cell.toCaseFolded();
+                key.text = folded(cell);
             } else {
-                key.text = no_case ? cell.toCaseFolded() : cell;
+                key.text = no_case ? folded(cell) : cell;
             }
         }
     }
