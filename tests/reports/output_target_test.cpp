@@ -65,8 +65,6 @@ protected:
     }
 };
 
-// ---- opening ------------------------------------------------------------------------
-
 TEST_F(OutputTargetTest, LoadClearsTheFileTargetsAndReadsTheColourSwitch) {
     struct Case {
         const char* file;
@@ -96,8 +94,6 @@ TEST_F(OutputTargetTest, LoadClearsTheFileTargetsAndReadsTheColourSwitch) {
         EXPECT_FALSE(target.closed());
     }
 }
-
-// ---- print, colour, cancel, printer ---------------------------------------------------
 
 TEST_F(OutputTargetTest, PrintChoosesThePrinterAndWritesTheColourSwitch) {
     // Without a settings folder there is nowhere to keep the switch.
@@ -178,8 +174,6 @@ TEST_F(OutputTargetTest, CaptionsInBothLanguages) {
     }
 }
 
-// ---- Excel ----------------------------------------------------------------------------
-
 TEST_F(OutputTargetTest, ExcelOkSetsTheFileAndRemembersTheFolder) {
     choice.export_stem = "PUNTE GR8/A";
     choice.print_chosen = true;
@@ -233,8 +227,6 @@ TEST_F(OutputTargetTest, ExcelCancelKeepsTheDialogOpen) {
     EXPECT_FALSE(QFileInfo::exists(excel_gids()));
 }
 
-// ---- HTML ------------------------------------------------------------------------------
-
 TEST_F(OutputTargetTest, HtmlRecordsItsTargetAndNothingElse) {
     choice.print_chosen = true;
     target.load();
@@ -270,8 +262,6 @@ TEST_F(OutputTargetTest, HtmlCancelKeepsTheDialogOpenAndStartsFromItsOwnRemember
     EXPECT_FALSE(target.closed());
     EXPECT_EQ(read_bytes(html_gids()), remembered(drive.path("web")));
 }
-
-// ---- the job ------------------------------------------------------------------------------
 
 TEST_F(OutputTargetTest, TheChoiceTravelsToAndFromTheJob) {
     PrintJob job;
