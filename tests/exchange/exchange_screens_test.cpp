@@ -2,35 +2,21 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QProcess>
 
 #include "exchange/export_screen.h"
 #include "exchange/symbol_screen.h"
 #include "markbook/marks_table.h"
-#include "shell/demo_school.h"
-#include "tests/support/mark_book_fixture.h"
-#include "tests/support/pdf_printer.h"
-#include "tests/support/shell_fixture.h"
-#include "util/file_lookup.h"
+#include "tests/markbook/demo_school_fixture.h"
 
 namespace veldo {
 namespace {
 
-using testing::stored_row;
-
-struct ExchangeScreens : ::testing::Test, testing::ShellFixture {
-    testing::PdfPrinter printer{run, dir.path()};
-    ExchangeScreens() {
-        run.data_folder = path("school");
-        EXPECT_TRUE(write_demo_school(run, run.data_folder).ok);
-    }
-    QString table(const QString& name) const { return find_ignoring_case(run.data_folder, name); }
+struct ExchangeScreens : ::testing::Test, testing::DemoSchool {
     // The rows of a table that hold learner `name`, right-trimmed.
     QList<QStringList> rows_of(const QString& name, const QString& learner) const {
         QList<QStringList> out;
-        auto t = DbfTable::open(table(name));
-        for (int r = 0; r < t->RecordCount(); ++r)
-            if (stored_row(*t, r).value(1) == learner) out << stored_row(*t, r);
+        for (const QStringList& r : records(name))
+            if (r.value(1) == learner) out << r;
         return out;
     }
 };

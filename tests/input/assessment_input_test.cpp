@@ -8,14 +8,9 @@
 
 #include "input/assessment_input.h"
 #include "input/mark_lists.h"
-#include "shell/demo_school.h"
-#include "store/dbf_table.h"
 #include "store/table_layouts.h"
-#include "tests/support/mark_book_fixture.h"
-#include "tests/support/pdf_printer.h"
-#include "tests/support/shell_fixture.h"
+#include "tests/markbook/demo_school_fixture.h"
 #include "tests/support/unprivileged.h"
-#include "util/file_lookup.h"
 #include "util/text_grid.h"
 
 namespace veldo {
@@ -24,36 +19,12 @@ namespace {
 using testing::read_bytes;
 using testing::write_bytes;
 
-struct Assessment : ::testing::Test, testing::ShellFixture {
-    testing::PdfPrinter printer{run, dir.path()};
+struct Assessment : ::testing::Test, testing::DemoSchool {
     Assessment() {
-        run.data_folder = path("school");
-        run.language_afrikaans = false;
-        EXPECT_TRUE(write_demo_school(run, run.data_folder).ok);
-        seed(obe(), {{10001, "80.0"}, {10002, "0.8"}, {10003, "A"}, {10004, "33.3"}, {10005, "95.0"}});
+        set_fields("obe_p1.dbf", {{10001, "80.0"}, {10002, "0.8"}, {10003, "A"}, {10004, "33.3"}, {10005, "95.0"}});
     }
-    QString punte() const { return find_ignoring_case(run.data_folder, "punte1.dbf"); }
-    QString obe() const { return find_ignoring_case(run.data_folder, "obe_p1.dbf"); }
-    // Marks (field 2) of a table by admission number.
-    static void seed(const QString& table, const QList<std::pair<int, QString>>& marks) {
-        auto t = DbfTable::open(table);
-        for (t->MoveFirst(); !t->Eof(); t->MoveNext())
-            for (const auto& [number, mark] : marks)
-                if (Val(t->value(0).toString()) == number) {
-                    t->Edit();
-                    t->set_value(2, mark);
-                    t->Update();
-                }
-    }
-    // The record of learner `number` in `table`, right-trimmed.
-    static QStringList stored(const QString& table, int number) {
-        auto t = DbfTable::open(table);
-        for (int r = 0; r < t->RecordCount(); ++r) {
-            const QStringList row = testing::stored_row(*t, r);
-            if (Val(row[0]) == number) return row;
-        }
-        return {};
-    }
+    QString punte() const { return table("punte1.dbf"); }
+    QString obe() const { return table("obe_p1.dbf"); }
     static int row_of(MarksInput& input, int number) {
         for (int r = 0; r < input.learner_count(); ++r)
             if (Val(input.cell(r, 0)) == number) return r;
@@ -151,20 +122,11 @@ TEST_F(Assessment, ATeacherKeysMarksKeysAndFormativeCodesAndSaves) {
 
     ASSERT_TRUE(input.marks_save());
     EXPECT_FALSE(input.series_open());
-    EXPECT_EQ(stored(obe(), 10006), (QStringList{"10006", stored(obe(), 10006).value(1), "100.0", "2", "3", "", "", "10"}));
-    EXPECT_EQ(stored(obe(), 10001).value(2), "80.0");
-    EXPECT_EQ(stored(obe(), 10002).value(2), "0.8");
-    EXPECT_EQ(stored(obe(), 10003).value(2), "A");
-    struct Copied {
-        int number;
-        const char* mark;
-    };
-    for (const Copied& c :
-         {Copied{10001, "80.0"}, {10002, "0.8"}, {10003, "A"}, {10006, "100.0"}, {10007, ""}, {10099, "20.0"}}) {
-        SCOPED_TRACE(c.number);
-        EXPECT_EQ(stored(punte(), c.number).value(2), QString(c.mark));
-        EXPECT_EQ(stored(punte(), c.number).value(3), "");  // the keys stay in the assessment table
-    }
+    EXPECT_EQ(learner("obe_p1.dbf", 10006).mid(2), (QStringList{"100.0", "2", "3", "", "", "10"}));
+    EXPECT_EQ(fields("obe_p1.dbf", {10001, 10002, 10003}), (QStringList{"80.0", "0.8", "A"}));
+    const QList<int> copied = {10001, 10002, 10003, 10006, 10007, 10099};
+    EXPECT_EQ(fields("punte1.dbf", copied), (QStringList{"80.0", "0.8", "A", "100.0", "", "20.0"}));
+    EXPECT_EQ(fields("punte1.dbf", copied, 3), QStringList(6, ""));  // the keys stay in the assessment table
 }
 
 // Each mode shows its columns; the cursor lands on the first of them, runs
@@ -287,10 +249,10 @@ TEST_F(Assessment, BadTablesOpenNothingAndLoseNothing) {
         int beeps;
         QStringList messages;
     };
-    const QString shown = QDir::toNativeSeparators(run.data_folder + "/obe_p1.dbf");
+    const QString obe_shown = shown(run.data_folder + "/obe_p1.dbf");
     const Case cases[] = {
         {"missing", {}, 1, {}},
-        {"class list layout", narrow_bytes, 0, {"The table " + shown + " has no field EO_FE_1."}},
+        {"class list layout", narrow_bytes, 0, {"The table " + obe_shown + " has no field EO_FE_1."}},
         {"no records", empty_bytes, 0, {}},
     };
     for (const Case& c : cases) {
@@ -333,7 +295,7 @@ TEST_F(Assessment, AReadOnlyFolderOpensNothingAndSaysWhy) {
     EXPECT_FALSE(input.io_ok(AssessmentInput::Summative));
     input.set_ps_info(true);
     QFile(run.data_folder).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    const QString folder = QDir::toNativeSeparators(run.data_folder);
+    const QString folder = shown(run.data_folder);
     ASSERT_EQ(dialogs.messages.size(), 2);
     EXPECT_TRUE(dialogs.messages[0].text.startsWith("Can't write " + folder + "/OBE_P1.BAK: "));
     EXPECT_TRUE(dialogs.messages[1].text.startsWith("Can't write " + run.data_folder + "/user_info.txt: "));
@@ -361,19 +323,9 @@ TEST_F(Assessment, TheListPrintsTheVisibleFieldsAndItsTotals) {
 // punte_druk: the join of both tables, alphabetical or by rank with ties by
 // name, the running total anew, the average lines out of the print total.
 TEST_F(Assessment, MarkListsJoinBothTablesInEitherOrder) {
-    seed(punte(), {{10001, "80.0"}, {10002, "77.0"}, {10003, "A"}, {10004, "77.0"}, {10005, "a"}});
-    {
-        auto t = DbfTable::open(obe());
-        for (t->MoveFirst(); !t->Eof(); t->MoveNext())
-            if (Val(t->value(0).toString()) == 10002) {
-                t->Edit();
-                t->set_value(3, "4");
-                t->set_value(4, "1");
-                t->set_value(6, "10");
-                t->set_value(7, "99");
-                t->Update();
-            }
-    }
+    set_fields("punte1.dbf", {{10001, "80.0"}, {10002, "77.0"}, {10003, "A"}, {10004, "77.0"}, {10005, "a"}});
+    for (const auto& [field, value] : {std::pair{3, "4"}, {4, "1"}, {6, "10"}, {7, "99"}})
+        set_fields("obe_p1.dbf", {{10002, value}}, field);
     MarkLists lists(ctx, printer);
     lists.load();
     EXPECT_EQ(lists.vak_ops(), "PRINT MARK LIST(S)");
@@ -426,8 +378,7 @@ TEST_F(Assessment, MarkListsJoinBothTablesInEitherOrder) {
     QFile::remove(punte());
     dialogs.messages.clear();
     EXPECT_FALSE(lists.punte_druk_print());
-    EXPECT_EQ(dialogs.texts(), QStringList{"There is no marks file PUNTE1.DBF in " +
-                                           QDir::toNativeSeparators(run.data_folder) + "."});
+    EXPECT_EQ(dialogs.texts(), QStringList{"There is no marks file PUNTE1.DBF in " + shown(run.data_folder) + "."});
 }
 
 }  // namespace

@@ -2,33 +2,21 @@
 // drives them, on the demo school.
 #include <gtest/gtest.h>
 
-#include <QProcess>
-
 #include "markbook/mark_book_input.h"
 #include "markbook/mark_book_print_screen.h"
-#include "shell/demo_school.h"
-#include "store/dbf_table.h"
-#include "tests/support/mark_book_fixture.h"
-#include "tests/support/pdf_printer.h"
-#include "tests/support/shell_fixture.h"
+#include "tests/markbook/demo_school_fixture.h"
 
 namespace veldo {
 namespace {
 
 using veldo::testing::pdf_text;
 
-struct MarkBookScreens : ::testing::Test, testing::ShellFixture {
-    testing::PdfPrinter printer{run, dir.path()};
-    MarkBookScreens() {
-        run.data_folder = path("school");
-        EXPECT_TRUE(write_demo_school(run, run.data_folder).ok);
-    }
+struct MarkBookScreens : ::testing::Test, testing::DemoSchool {
     QString book_path() const { return run.data_folder + "/marks1.dbf"; }
     // Column `f` of marks1.dbf as stored, right-trimmed.
-    QStringList stored_column(int f) {
-        auto t = DbfTable::open(book_path());
+    QStringList stored_column(int f) const {
         QStringList out;
-        for (int r = 0; r < t->RecordCount(); ++r) out << testing::stored_row(*t, r)[f];
+        for (const QStringList& r : records("marks1.dbf")) out << r[f];
         return out;
     }
 };

@@ -2,10 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <array>
+#include <map>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -41,69 +42,33 @@ void write_zip(const QString& path, const std::vector<Part>& parts) {
     ASSERT_EQ(zip_close(z), 0);
 }
 
-const char* const kMain = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
-const char* const kRelNs = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
-
-QByteArray content_types() {
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
-           "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
-           "<Default Extension=\"rels\" ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
-           "<Default Extension=\"xml\" ContentType=\"application/xml\"/>"
-           "<Override PartName=\"/xl/workbook.xml\" ContentType=\"application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml\"/>"
-           "</Types>";
-}
-
-QByteArray package_rels(const char* workbook_target = "xl/workbook.xml") {
-    return QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                      "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
-                      "<Relationship Id=\"rId1\" Type=\"") +
-           kRelNs + "/officeDocument\" Target=\"" + workbook_target + "\"/></Relationships>";
-}
-
-// <sheet> entries: name and relationship id, in workbook order.
-QByteArray workbook(const std::vector<std::pair<QByteArray, QByteArray>>& sheets) {
-    QByteArray xml = QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<workbook xmlns=\"") + kMain +
-                     "\" xmlns:r=\"" + kRelNs + "\"><bookViews><workbookView/></bookViews><sheets>";
-    int n = 1;
-    for (const auto& s : sheets)
-        xml += "<sheet name=\"" + s.first + "\" sheetId=\"" + QByteArray::number(n++) + "\" r:id=\"" +
-               s.second + "\"/>";
-    return xml + "</sheets></workbook>";
-}
-
-// Relationships: id, last word of the type, target.
-QByteArray workbook_rels(const std::vector<std::array<QByteArray, 3>>& rels) {
-    QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                     "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">";
-    for (const auto& r : rels)
-        xml += "<Relationship Id=\"" + r[0] + "\" Type=\"" + kRelNs + "/" + r[1] + "\" Target=\"" + r[2] +
-               "\"/>";
-    return xml + "</Relationships>";
-}
-
+// The first worksheet's part around the given rows.
 QByteArray worksheet(const QByteArray& sheet_data) {
-    return QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<worksheet xmlns=\"") + kMain +
-           "\"><dimension ref=\"A1:D5\"/><sheetData>" + sheet_data +
-           "</sheetData><pageMargins left=\"0.7\"/></worksheet>";
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<worksheet xmlns=\""
+           "http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><dimension ref=\"A1:D5\"/><sheetData>" +
+           sheet_data + "</sheetData><pageMargins left=\"0.7\"/></worksheet>";
 }
 
-QByteArray shared_strings(const QByteArray& items) {
-    return QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<sst xmlns=\"") + kMain +
-           "\" count=\"9\" uniqueCount=\"9\">" + items + "</sst>";
+// The parts kept under tests/data/workbook/xlsx/<folder>, later folders over
+// earlier ones; "common" is a workbook of one sheet, Blad1, with shared
+// strings, and lacks the sheet itself.
+std::vector<Part> book(const QStringList& folders) {
+    std::map<QString, QByteArray> parts;
+    for (const QString& folder : folders) {
+        const QDir root(QStringLiteral(VELDO_SOURCE_DIR "/tests/data/workbook/xlsx/") + folder);
+        QDirIterator it(root.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString file = it.next();
+            parts[root.relativeFilePath(file)] = read_bytes(file);
+        }
+    }
+    return std::vector<Part>(parts.begin(), parts.end());
 }
 
-// One sheet and its shared strings, laid out as Excel saves them.
-std::vector<Part> simple_book(const QByteArray& sheet_data, const QByteArray& strings = QByteArray()) {
-    std::vector<Part> parts = {
-        {"[Content_Types].xml", content_types()},
-        {"_rels/.rels", package_rels()},
-        {"xl/workbook.xml", workbook({{"Blad1", "rId1"}})},
-        {"xl/_rels/workbook.xml.rels",
-         workbook_rels({{"rId1", "worksheet", "worksheets/sheet1.xml"},
-                        {"rId2", "sharedStrings", "sharedStrings.xml"}})},
-        {"xl/worksheets/sheet1.xml", worksheet(sheet_data)},
-    };
-    if (!strings.isNull()) parts.push_back({"xl/sharedStrings.xml", shared_strings(strings)});
+// The common workbook with `sheet_data` as the rows of its sheet.
+std::vector<Part> simple_book(const QByteArray& sheet_data) {
+    std::vector<Part> parts = book({"common"});
+    parts.push_back({"xl/worksheets/sheet1.xml", worksheet(sheet_data)});
     return parts;
 }
 
@@ -128,27 +93,10 @@ protected:
     }
 };
 
-// ---------------------------------------------------------------- .xlsx
-
+// Shared strings plain and rich, inline strings, numbers in any notation,
+// booleans, errors, formula results, a missing row.
 TEST_F(WorkbookTest, WorkbookXlsxReadsSharedRichInlineNumbersAndGaps) {
-    const QByteArray strings =
-        "<si><t>Nommer</t></si>"
-        "<si><t>Naam</t></si>"
-        "<si><r><rPr><b/></rPr><t xml:space=\"preserve\">An\xC3\xA9l </t></r>"
-        "<r><t>Botha</t></r><rPh sb=\"0\" eb=\"1\"><t>phonetic</t></rPh></si>"
-        "<si><t xml:space=\"preserve\">  Jan  </t></si>";
-    const QByteArray cells =
-        "<row r=\"1\" spans=\"1:2\"><c r=\"A1\" t=\"s\"><v>0</v></c><c r=\"B1\" t=\"s\"><v>1</v></c></row>"
-        "<row r=\"2\"><c r=\"A2\" t=\"n\"><v>1.0001E4</v></c><c r=\"B2\" t=\"s\"><v>2</v></c>"
-        "<c r=\"D2\" t=\"inlineStr\"><is><t>inline</t></is></c></row>"
-        "<row r=\"3\"><c r=\"A3\"><v>12.5</v></c><c r=\"B3\" t=\"b\"><v>1</v></c>"
-        "<c r=\"C3\" t=\"e\"><f>1/0</f><v>#DIV/0!</v></c><c r=\"D3\" t=\"str\"><f>\"a\"&amp;\"b\"</f><v>ab</v></c>"
-        "<c r=\"E3\" t=\"b\"><v>0</v></c></row>"
-        "<row r=\"5\"><c r=\"A5\" s=\"3\"><v>10002</v></c><c r=\"B5\" t=\"s\"><v>3</v></c>"
-        "<c r=\"C5\" s=\"1\"/><c r=\"D5\"><v>0.30000000000000004</v></c></row>"
-        "<row r=\"6\"><c r=\"A6\" t=\"inlineStr\"><is><r><t>Twee</t></r><r><t>_x000D_lyne</t></r></is></c>"
-        "<c r=\"B6\"><v>1E-3</v></c><c r=\"C6\"><v>-7</v></c></row>";
-    write_zip(path("klas.xlsx"), simple_book(cells, strings));
+    write_zip(path("klas.xlsx"), book({"common", "klas"}));
     EXPECT_EQ(read_ok("klas.xlsx"), (Rows{{"Nommer", "Naam"},
                                           {"10001", QString::fromUtf8("An\xC3\xA9l Botha"), "", "inline"},
                                           {"12.5", "TRUE", "#DIV/0!", "ab", "FALSE"},
@@ -160,36 +108,13 @@ TEST_F(WorkbookTest, WorkbookXlsxReadsSharedRichInlineNumbersAndGaps) {
 TEST_F(WorkbookTest, WorkbookXlsxReadsTheFirstWorksheetInWorkbookOrder) {
     // Sheet order lives in workbook.xml, not in the part names; a chart sheet
     // ahead of the worksheets is passed over.
-    const std::vector<Part> parts = {
-        {"[Content_Types].xml", content_types()},
-        {"_rels/.rels", package_rels()},
-        {"xl/workbook.xml", workbook({{"Grafiek", "rId9"}, {"Klas", "rId2"}, {"Ander", "rId1"}})},
-        {"xl/_rels/workbook.xml.rels",
-         workbook_rels({{"rId1", "worksheet", "worksheets/sheet1.xml"},
-                        {"rId2", "worksheet", "worksheets/sheet2.xml"},
-                        {"rId9", "chartsheet", "chartsheets/sheet1.xml"}})},
-        {"xl/worksheets/sheet1.xml", worksheet("<row r=\"1\"><c r=\"A1\" t=\"inlineStr\"><is><t>wrong</t></is></c></row>")},
-        {"xl/worksheets/sheet2.xml", worksheet("<row r=\"1\"><c r=\"B1\" t=\"inlineStr\"><is><t>right</t></is></c></row>")},
-        {"xl/chartsheets/sheet1.xml", "<chartsheet/>"},
-    };
-    write_zip(path("order.xlsx"), parts);
+    write_zip(path("order.xlsx"), book({"common", "order"}));
     EXPECT_EQ(read_ok("order.xlsx"), Rows({QStringList({"", "right"})}));
 }
 
 TEST_F(WorkbookTest, WorkbookXlsxFollowsRelationshipsWhereverTheyPoint) {
     // A workbook part outside xl/, an absolute target, names in another case.
-    const std::vector<Part> parts = {
-        {"[Content_Types].xml", content_types()},
-        {"_rels/.rels", package_rels("/book/Main.xml")},
-        {"book/main.xml", workbook({{"Klas", "rId7"}})},
-        {"book/_rels/main.xml.rels",
-         workbook_rels({{"rId7", "worksheet", "/Book/Sheets/First%20Sheet.xml"},
-                        {"rId8", "sharedStrings", "../book/strings.xml"}})},
-        {"book/sheets/first sheet.xml", worksheet("<row><c t=\"s\"><v>0</v></c><c><v>3</v></c></row>"
-                                                  "<row><c t=\"s\"><v>1</v></c><c t=\"s\"><v>99</v></c></row>")},
-        {"book/strings.xml", shared_strings("<si><t>een</t></si><si><t>twee</t></si>")},
-    };
-    write_zip(path("elders.xlsx"), parts);
+    write_zip(path("elders.xlsx"), book({"elders"}));
     // Rows and cells without a reference follow the one before; a shared
     // string index past the table reads as empty.
     EXPECT_EQ(read_ok("elders.xlsx"), Rows({QStringList({"een", "3"}), QStringList({"twee"})}));
@@ -224,17 +149,13 @@ TEST_F(WorkbookTest, WorkbookXlsxBrokenPackagesSayWhatIsWrong) {
     write_zip(path("geen_boek.xlsx"), {{"readme.txt", "hello"}});
     EXPECT_EQ(read_fails("geen_boek.xlsx").code, SheetReadError::NotAWorkbook);
 
-    std::vector<Part> no_sheets = simple_book("");
-    no_sheets[2].second = workbook({});
-    write_zip(path("geen_blad.xlsx"), no_sheets);
+    write_zip(path("geen_blad.xlsx"), book({"common", "no_sheet"}));
     EXPECT_EQ(read_fails("geen_blad.xlsx").code, SheetReadError::NoSheet);
 
     write_zip(path("stukkend.xlsx"), simple_book("<row r=\"1\"><c r=\"A1\"><v>1</v></row>"));
     EXPECT_EQ(read_fails("stukkend.xlsx").code, SheetReadError::Unreadable);
 
-    std::vector<Part> lost_sheet = simple_book("");
-    lost_sheet.erase(lost_sheet.begin() + 4);
-    write_zip(path("weg.xlsx"), lost_sheet);
+    write_zip(path("weg.xlsx"), book({"common"}));
     EXPECT_EQ(read_fails("weg.xlsx").code, SheetReadError::Unreadable);
 
     write_bytes(path("kop.xlsx"), QByteArray("PK\x03\x04", 4) + QByteArray(200, '\x7F'));
@@ -250,8 +171,6 @@ TEST_F(WorkbookTest, WorkbookXlsxBrokenPackagesSayWhatIsWrong) {
     write_bytes(path("crc.xlsx"), bytes);
     EXPECT_EQ(read_fails("crc.xlsx").code, SheetReadError::Unreadable);
 }
-
-// ---------------------------------------------------------------- kind of file
 
 TEST_F(WorkbookTest, WorkbookMissingEmptyAndGarbageFiles) {
     QByteArray garbage;
@@ -324,8 +243,6 @@ TEST(WorkbookMessages, InBothLanguages) {
     EXPECT_TRUE(sheet_error_message(e, false).contains("isn't a workbook"));
 }
 
-// ---------------------------------------------------------------- .xls
-
 TEST_F(WorkbookTest, WorkbookXlsReadsTheFirstSheetThroughFreeXL) {
     // Written by xlwt: RK and NUMBER cells, shared strings, a gap, two sheets.
     const QString fixture = QStringLiteral(VELDO_SOURCE_DIR "/tests/data/workbook/class_list.xls");
@@ -355,59 +272,42 @@ TEST_F(WorkbookTest, WorkbookXlsDamagedCompoundFileIsUnreadable) {
     EXPECT_EQ(read_fails("kop.xls").code, SheetReadError::Unreadable);
 }
 
-// ---------------------------------------------------------------- .csv
-
-TEST_F(WorkbookTest, WorkbookCsvWithCommasAndQuotes) {
-    write_bytes(path("komma.csv"),
-                "Nommer,Naam\r\n"
-                "10001,\"Botha, Anel\"\r\n"
-                "\"10002\",\"Sê \"\"Jan\"\"\",,\r\n"
-                "10003,\"twee\nlyne\",x\n"
-                "\n"
-                "10004\r\n"
-                "\r\n\r\n");
-    EXPECT_EQ(read_ok("komma.csv"), (Rows{{"Nommer", "Naam"},
-                                          {"10001", "Botha, Anel"},
-                                          {"10002", QString::fromUtf8("S\xC3\xAA \"Jan\"")},
-                                          {"10003", "twee\nlyne", "x"},
-                                          {},
-                                          {"10004"}}));
-}
-
-TEST_F(WorkbookTest, WorkbookCsvSemicolonWinsWhenBothOccur) {
-    write_bytes(path("kommapunt.csv"), "Nr;Naam, Van;Punt\r\n1;Botha, Anel;12,5\r\n2;\"a;b\";3");
-    EXPECT_EQ(read_ok("kommapunt.csv"),
-              Rows({QStringList({"Nr", "Naam, Van", "Punt"}), QStringList({"1", "Botha, Anel", "12,5"}),
-                    QStringList({"2", "a;b", "3"})}));
-
-    // A separator only inside quotes on the first line does not count.
-    write_bytes(path("aanhalings.csv"), "\"Nr;Naam\",Van\r\n1,Jan\r\n");
-    EXPECT_EQ(read_ok("aanhalings.csv"), Rows({QStringList({"Nr;Naam", "Van"}), QStringList({"1", "Jan"})}));
-
-    // A heading of one cell: the first line that has one decides.
-    write_bytes(path("een_kolom.csv"), "Klaslys\n1;Jan, Piet\n");
-    EXPECT_EQ(read_ok("een_kolom.csv"), Rows({QStringList({"Klaslys"}), QStringList({"1", "Jan, Piet"})}));
-    write_bytes(path("een_kolom_komma.csv"), "Klaslys\n1,Jan\n");
-    EXPECT_EQ(read_ok("een_kolom_komma.csv"), Rows({QStringList({"Klaslys"}), QStringList({"1", "Jan"})}));
-}
-
-TEST_F(WorkbookTest, WorkbookCsvTextEncodings) {
+// Commas or semicolons, quotes, encodings: each file's bytes and the rows read.
+TEST_F(WorkbookTest, WorkbookCsvSeparatorsQuotesAndEncodings) {
     const QString e_trema = QString::fromUtf8("Mari\xC3\xAB");
-    write_bytes(path("utf8.csv"), "Nr;Naam\n1;Mari\xC3\xAB\n");
-    EXPECT_EQ(read_ok("utf8.csv").value(1), QStringList({"1", e_trema}));
-    write_bytes(path("bom.csv"), "\xEF\xBB\xBFNr;Naam\n1;Mari\xC3\xAB\n");
-    EXPECT_EQ(read_ok("bom.csv"), Rows({QStringList({"Nr", "Naam"}), QStringList({"1", e_trema})}));
-    write_bytes(path("ansi.csv"), "Nr;Naam\n1;Mari\xEB\n2;\x93Oupa\x94\n");
-    const Rows ansi = read_ok("ansi.csv");
-    EXPECT_EQ(ansi.value(1), QStringList({"1", e_trema}));
-    EXPECT_EQ(ansi.value(2), QStringList({"2", QString::fromUtf8("\xE2\x80\x9COupa\xE2\x80\x9D")}));
+    struct Case {
+        const char* why;
+        QByteArray bytes;
+        Rows rows;
+    };
+    const Case cases[] = {
+        {"commas, quotes, blank lines and line ends of either kind",
+         "Nommer,Naam\r\n10001,\"Botha, Anel\"\r\n\"10002\",\"S\xC3\xAA \"\"Jan\"\"\",,\r\n"
+         "10003,\"twee\nlyne\",x\n\n10004\r\n\r\n\r\n",
+         {{"Nommer", "Naam"}, {"10001", "Botha, Anel"}, {"10002", QString::fromUtf8("S\xC3\xAA \"Jan\"")},
+          {"10003", "twee\nlyne", "x"}, {}, {"10004"}}},
+        {"the semicolon wins when both occur", "Nr;Naam, Van;Punt\r\n1;Botha, Anel;12,5\r\n2;\"a;b\";3",
+         {{"Nr", "Naam, Van", "Punt"}, {"1", "Botha, Anel", "12,5"}, {"2", "a;b", "3"}}},
+        {"a separator only inside quotes on the first line does not count", "\"Nr;Naam\",Van\r\n1,Jan\r\n",
+         {{"Nr;Naam", "Van"}, {"1", "Jan"}}},
+        {"a heading of one cell: the first line that has one decides", "Klaslys\n1;Jan, Piet\n",
+         {{"Klaslys"}, {"1", "Jan, Piet"}}},
+        {"a heading of one cell, then commas", "Klaslys\n1,Jan\n", {{"Klaslys"}, {"1", "Jan"}}},
+        {"UTF-8", "Nr;Naam\n1;Mari\xC3\xAB\n", {{"Nr", "Naam"}, {"1", e_trema}}},
+        {"UTF-8 with its mark", "\xEF\xBB\xBFNr;Naam\n1;Mari\xC3\xAB\n", {{"Nr", "Naam"}, {"1", e_trema}}},
+        {"Windows-1252", "Nr;Naam\n1;Mari\xEB\n2;\x93Oupa\x94\n",
+         {{"Nr", "Naam"}, {"1", e_trema}, {"2", QString::fromUtf8("\xE2\x80\x9COupa\xE2\x80\x9D")}}},
+        {"an unclosed quote runs to the end; a quote inside a field stands as is", "1,ab\"c,\"nooit\r\ntoe",
+         {{"1", "ab\"c", "nooit\r\ntoe"}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        write_bytes(path("lys.csv"), c.bytes);
+        EXPECT_EQ(read_ok("lys.csv"), c.rows);
+    }
 }
 
-TEST_F(WorkbookTest, WorkbookCsvHostileShapes) {
-    // An unclosed quote runs to the end; a quote inside a field stands as is.
-    write_bytes(path("oop.csv"), "1,ab\"c,\"nooit\r\ntoe");
-    EXPECT_EQ(read_ok("oop.csv"), Rows({QStringList({"1", "ab\"c", "nooit\r\ntoe"})}));
-
+TEST_F(WorkbookTest, WorkbookCsvRowsAndColumnsStopAtTheLimits) {
     QByteArray wide = "x";
     for (int i = 0; i < 1100; ++i) wide += ",y";
     write_bytes(path("wyd.csv"), wide + "\n");
@@ -418,8 +318,6 @@ TEST_F(WorkbookTest, WorkbookCsvHostileShapes) {
     write_bytes(path("lank.csv"), QByteArray("1\n").repeated(kSheetMaxRows + 100));
     EXPECT_EQ(read_ok("lank.csv").size(), kSheetMaxRows);
 }
-
-// ---------------------------------------------------------------- finding the workbook
 
 TEST_F(WorkbookTest, WorkbookFoundByNameThenByExtensionIgnoringCase) {
     EXPECT_EQ(find_first_fill_workbook(dir.path(), "wisk_10A"), "");
@@ -436,8 +334,6 @@ TEST_F(WorkbookTest, WorkbookFoundByNameThenByExtensionIgnoringCase) {
     EXPECT_EQ(find_first_fill_workbook(dir.path(), "wisk_10A.xlsx.bak"), path("wisk_10A.xlsx.bak"));
     EXPECT_EQ(find_first_fill_workbook(dir.path(), ""), "");
 }
-
-// ---------------------------------------------------------------- class list
 
 // Each entry as "<number>|<name>", the number to its last digit.
 QStringList entries(const QList<ClassListEntry>& list) {

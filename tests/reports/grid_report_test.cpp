@@ -58,8 +58,6 @@ struct GridReportTest : ::testing::Test {
 
 }  // namespace
 
-// ---- Widths and alignment -------------------------------------------------------
-
 TEST_F(GridReportTest, GridReportColumnsTakeTheirWidthThroughTheLetterWAndAlignWithPadding) {
     TextGrid g = grid(QStringLiteral("<Naam|^Klas|>Punt"), {QStringLiteral("Jan\t10A\t75.5")});
     EXPECT_FLOAT_EQ(grid_width_in_columns(surface, g, kTen), 10.0f);
@@ -109,8 +107,6 @@ TEST_F(GridReportTest, GridReportLastColumnLimitsTheTable) {
     EXPECT_TRUE(printed(QStringLiteral("b1")));
     EXPECT_FALSE(printed(QStringLiteral("c1")));
 }
-
-// ---- Cell texts -------------------------------------------------------------------
 
 // A text wider than its column widens the column: a figure is never cut.
 // Where the widened table would leave the page, a column of words gives the
@@ -186,8 +182,6 @@ TEST(GridReportText, FitDropsCharactersFromTheEndAndWrapBreaksAtMarkersBlanksAnd
     EXPECT_FALSE(has_line_break(QStringLiteral("x NL y")));
 }
 
-// ---- Headings --------------------------------------------------------------------
-
 TEST_F(GridReportTest, GridReportRotatedHeadingLosesItsMarkerAndRaisesTheRow) {
     TextGrid g = grid(QStringLiteral("<Naam|^~~R~~Gemiddeld"), {QStringLiteral("Jan\t70")});
     print(g);
@@ -221,8 +215,6 @@ TEST_F(GridReportTest, GridReportHeadingWithBreaksPrintsLineByLine) {
     EXPECT_FLOAT_EQ(at(QStringLiteral("Jan")).y, 6 + 2.25f + 0.125f);
 }
 
-// ---- Autofit ------------------------------------------------------------------------
-
 TEST_F(GridReportTest, GridReportAutofitTakesTheLongestText) {
     TextGrid g = grid(QStringLiteral("<Naam|^~~R~~Gemiddeld van die klas|<Leeg"),
                       {QStringLiteral("Marietjie\t70\t"), QStringLiteral("Jan\t100\t")});
@@ -254,8 +246,6 @@ TEST_F(GridReportTest, GridReportAutofitSkipsEmptyAndControlColumnsAndRefusesMor
     EXPECT_EQ(print(wide), GridReportResult::Refused);
     EXPECT_TRUE(surface.records().isEmpty());
 }
-
-// ---- Rules and frame ------------------------------------------------------------
 
 TEST_F(GridReportTest, GridReportRulesUnderRowsAndFrameAtTheEnd) {
     TextGrid g = grid(QStringLiteral("<A|<B"), {QStringLiteral("1\t2"), QStringLiteral("3\t4")});
@@ -292,8 +282,6 @@ TEST_F(GridReportTest, GridReportGroupRuleEverySoManyColumns) {
         if (l.x == l.x2 && std::fmod(l.x, 1.0f) != 0.0f) doubled << l.x;
     EXPECT_EQ(doubled, (QList<float>{10.15f, 20.15f}));
 }
-
-// ---- Pages --------------------------------------------------------------------------
 
 TEST_F(GridReportTest, GridReportRemovesPrintedRowsAndStopsOnAFullPage) {
     QStringList rows;
@@ -378,8 +366,6 @@ TEST_F(GridReportTest, GridReportMoreThan200ColumnsIsRefused) {
     EXPECT_EQ(print(ok), GridReportResult::Finished);
 }
 
-// ---- The setup twin ----------------------------------------------------------------
-
 TEST_F(GridReportTest, GridReportSetupTwinBreaksThePageAtPageMarkerThatTheListReportPrints) {
     TextGrid g = grid(QStringLiteral("<A|<B"),
                       {QStringLiteral("een\t1"), QStringLiteral("twee\t2"), QStringLiteral("\t <PAGE> "),
@@ -402,8 +388,6 @@ TEST_F(GridReportTest, GridReportSetupTwinBreaksThePageAtPageMarkerThatTheListRe
     EXPECT_EQ(print(list), GridReportResult::Finished);
     EXPECT_TRUE(printed(QStringLiteral("<PAGE>")));
 }
-
-// ---- Colour -----------------------------------------------------------------------
 
 TEST_F(GridReportTest, GridReportColouredCellsGetABoxOnlyWhenPrintingInColour) {
     TextGrid g = grid(QStringLiteral("<A|<B"), {QStringLiteral("x\ty")});
@@ -449,8 +433,6 @@ TEST_F(GridReportTest, GridReportColouredTurnedHeadingPrintsOverItsBox) {
     EXPECT_EQ(all[text_at].colour, 0x800000);
     EXPECT_EQ(surface.fore_colour(), 0);
 }
-
-// ---- Worksheets -------------------------------------------------------------------
 
 TEST_F(GridReportTest, GridReportHandsTheGridToTheWorksheet) {
     TextGrid g = grid(QStringLiteral("<A"), {QStringLiteral("x")});

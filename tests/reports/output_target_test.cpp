@@ -65,8 +65,6 @@ protected:
     }
 };
 
-// ---- opening ------------------------------------------------------------------------
-
 TEST_F(OutputTargetTest, LoadClearsTheFileTargetsAndReadsTheColourSwitch) {
     struct Case {
         const char* file;
@@ -96,8 +94,6 @@ TEST_F(OutputTargetTest, LoadClearsTheFileTargetsAndReadsTheColourSwitch) {
         EXPECT_FALSE(target.closed());
     }
 }
-
-// ---- print, colour, cancel, printer ---------------------------------------------------
 
 TEST_F(OutputTargetTest, PrintChoosesThePrinterAndWritesTheColourSwitch) {
     // Without a settings folder there is nowhere to keep the switch.
@@ -150,6 +146,10 @@ TEST_F(OutputTargetTest, SelectKeepsTheNewPrinter) {
     target.drukker_naam_dblclick();
     EXPECT_EQ(choice.printer_name, "Brother HL");
     EXPECT_FALSE(target.closed());
+    // The printer chosen stays for the next job.
+    PrintJob job;
+    apply_output_choice(choice, job);
+    EXPECT_EQ(output_choice_of(job).printer_name, "Brother HL");
 }
 
 TEST_F(OutputTargetTest, CaptionsInBothLanguages) {
@@ -177,8 +177,6 @@ TEST_F(OutputTargetTest, CaptionsInBothLanguages) {
         EXPECT_EQ((target.*text)(), QString::fromUtf8(afrikaans));
     }
 }
-
-// ---- Excel ----------------------------------------------------------------------------
 
 TEST_F(OutputTargetTest, ExcelOkSetsTheFileAndRemembersTheFolder) {
     choice.export_stem = "PUNTE GR8/A";
@@ -233,8 +231,6 @@ TEST_F(OutputTargetTest, ExcelCancelKeepsTheDialogOpen) {
     EXPECT_FALSE(QFileInfo::exists(excel_gids()));
 }
 
-// ---- HTML ------------------------------------------------------------------------------
-
 TEST_F(OutputTargetTest, HtmlRecordsItsTargetAndNothingElse) {
     choice.print_chosen = true;
     target.load();
@@ -269,28 +265,6 @@ TEST_F(OutputTargetTest, HtmlCancelKeepsTheDialogOpenAndStartsFromItsOwnRemember
     EXPECT_FALSE(choice.output_to_html);
     EXPECT_FALSE(target.closed());
     EXPECT_EQ(read_bytes(html_gids()), remembered(drive.path("web")));
-}
-
-// ---- the job ------------------------------------------------------------------------------
-
-TEST_F(OutputTargetTest, TheChoiceTravelsToAndFromTheJob) {
-    PrintJob job;
-    job.export_stem = "lys";
-    job.print_colour = -1;
-    OutputChoice c = output_choice_of(job);
-    EXPECT_EQ(c.export_stem, "lys");
-    EXPECT_EQ(c.print_colour, -1);
-    c.output_to_excel = true;
-    c.export_folder = "/tmp/x/";
-    c.print_job_title = "REPORTING TO EXCEL";
-    apply_output_choice(c, job);
-    EXPECT_TRUE(job.output_to_excel);
-    EXPECT_EQ(job.export_folder, "/tmp/x/");
-    EXPECT_EQ(job.print_job_title, "REPORTING TO EXCEL");
-    // The printer chosen with VERANDER stays for the next job.
-    c.printer_name = "Brother HL";
-    apply_output_choice(c, job);
-    EXPECT_EQ(output_choice_of(job).printer_name, "Brother HL");
 }
 
 }  // namespace

@@ -45,8 +45,6 @@ struct PageEngineTest : ::testing::Test {
 
 }  // namespace
 
-// ---- Setting up the job --------------------------------------------------------
-
 TEST_F(PageEngineTest, PageEngineSetupMeasuresTheSheetAtTheJobFont) {
     const float landscape8 = 523.0f / 9.6f, portrait8 = 770.0f / 9.6f;  // lines at size 8
     struct Case {
@@ -132,8 +130,6 @@ TEST_F(PageEngineTest, PageEngineZoomStretchesTheLinesOfThePage) {
     EXPECT_FLOAT_EQ(at(QStringLiteral("PAGE : 1")).py, 2.75 * 6);  // half-height lines
 }
 
-// ---- When a head is written ----------------------------------------------------
-
 // A form calls page_head before every block of lines: only the top of a page,
 // its last five lines or a new job get a head, on a new sheet.
 TEST_F(PageEngineTest, PageEngineASecondHeadOnlyAtTheTopNearTheFootOrForANewJob) {
@@ -168,8 +164,6 @@ TEST_F(PageEngineTest, PageEngineASecondHeadOnlyAtTheTopNearTheFootOrForANewJob)
         EXPECT_EQ(j.progress.page(), c.turns ? 2 : 1);
     }
 }
-
-// ---- The head block ------------------------------------------------------------
 
 TEST_F(PageEngineTest, PageEngineHeadBlockThreeColumnsOnThreeLines) {
     drive.run.school_name_2 = QStringLiteral("Paarl");
@@ -283,8 +277,6 @@ TEST_F(PageEngineTest, PageEnginePortraitSubtitleGoesUnderTheTitle) {
     EXPECT_FLOAT_EQ(big.y, 4.25f);  // half a line further down
 }
 
-// ---- No head, and the crest ----------------------------------------------------
-
 TEST_F(PageEngineTest, PageEngineNoHeadLeavesFrameAndHeadOutButPaintsTheLogo) {
     job.logo_file = drive.path("wapen.png");
     write_bytes(job.logo_file, "png");
@@ -326,8 +318,6 @@ TEST_F(PageEngineTest, PageEngineLogoInLandscapeAndOnlyWhenTheFileExists) {
     EXPECT_FLOAT_EQ(pics[0].x2 - pics[0].x, 3.5f);
     EXPECT_FLOAT_EQ(pics[0].y2 - pics[0].y, 1.5f);
 }
-
-// ---- Closing the job -----------------------------------------------------------
 
 TEST_F(PageEngineTest, PageEngineEndWithABodyPrintsTheShortBanner) {
     head();
@@ -382,8 +372,6 @@ TEST_F(PageEngineTest, PageEngineNoFootWhenLeftOutOrTooNearTheFoot) {
     end_of_print(surface, job, drive.run, false, true);
     EXPECT_FALSE(printed_containing(QStringLiteral("COMPASS")));
 }
-
-// ---- Choosing the output --------------------------------------------------------
 
 TEST_F(PageEngineTest, PageEngineOutputToThePrinterStartsANewJob) {
     job.new_print_job = false;

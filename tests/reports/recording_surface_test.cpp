@@ -5,8 +5,6 @@
 using namespace veldo;
 using Kind = PrintRecord::Kind;
 
-// ---- Metrics -----------------------------------------------------------------
-
 TEST(RecordingSurfaceMetrics, ThePageInCharactersOfTheFontByOrientationAndZoom) {
     struct Case {
         PageOrientation orientation;
@@ -41,8 +39,6 @@ TEST(RecordingSurfaceMetrics, TextIsMeasuredInCharactersAndLines) {
     EXPECT_FLOAT_EQ(s.lines_to_columns(1), 2.0f);
 }
 
-// ---- Position ----------------------------------------------------------------
-
 TEST(RecordingSurfacePosition, AChangeOfFontKeepsThePenWhereItWas) {
     RecordingSurface s;
     s.set_font_size(10);
@@ -69,8 +65,6 @@ TEST(RecordingSurfacePosition, PrintMovesAlongTheLineOrDown) {
     EXPECT_DOUBLE_EQ(r->px, 36.0);
     EXPECT_DOUBLE_EQ(r->py, 24.0);
 }
-
-// ---- Pages -------------------------------------------------------------------
 
 TEST(RecordingSurfacePages, NewPageCountsAndStartsAtTheTop) {
     RecordingSurface s;

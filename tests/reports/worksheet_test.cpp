@@ -52,20 +52,12 @@ SheetHead head(const QString& page, const QString& title) {
 
 // A small list as a report fills it: names, an upright heading, marks.
 TextGrid mark_list() {
-    TextGrid g(4, 4);
+    TextGrid g(1, 4);
     g.set_fixed_cols(0);
     g.set_format_string("<Naam|>~~R~~Punt|>Nr|<Kode");
-    g.set_text(1, 0, "ABRAHAMS, JAN");
-    g.set_text(1, 1, " 45.5");
-    g.set_text(1, 2, "'0123456789012");
-    g.set_text(1, 3, "a\u00a6a");
-    g.set_text(2, 0, "BOTHA, ANNA");
-    g.set_text(2, 1, "A");
-    g.set_text(2, 2, "12345678901");
-    g.set_text(2, 3, "007");
-    g.set_text(3, 0, "CELE, SIPHO");
-    g.set_text(3, 1, "-3");
-    g.set_text(3, 2, "12a");
+    for (const char* row : {"ABRAHAMS, JAN\t 45.5\t'0123456789012\ta\u00a6a", "BOTHA, ANNA\tA\t12345678901\t007",
+                            "CELE, SIPHO\t-3\t12a\t"})
+        g.add_item(QString::fromUtf8(row));
     g.set_cell_back_colour(3, 1, 0x0000FF);  // red, as 0xBBGGRR
     return g;
 }
@@ -82,8 +74,6 @@ protected:
         return rows.value_or(Rows());
     }
 };
-
-// ---- column letters and cell texts ----------------------------------------------
 
 TEST(ColumnLetters, OneLetterUpToZThenWholeDivisionAndRemainderNothingBelowOne) {
     // 52 = 2 * 26 + 0: the remainder's letter is character 64.
@@ -128,8 +118,6 @@ TEST(WorksheetCells, PlainDecimalsBecomeNumbersAndTheRestStaysText) {
     }
     EXPECT_DOUBLE_EQ(sheet_cell_from_text(" 45.5").number, 45.5);
 }
-
-// ---- heads and grids ------------------------------------------------------------
 
 TEST_F(WorksheetTest, HeadAndGridCellsReadBackWithTheirStylesAndEachHeadStartsASheet) {
     WorkbookOutput book(drive.run);
@@ -208,8 +196,6 @@ TEST_F(WorksheetTest, AGridWithoutAHeadStartsAtTheTopAndZeroWidthColumnsAreHidde
     const QString sheet = zip_entry(out_folder() + "los.xlsx", "xl/worksheets/sheet1.xml");
     EXPECT_TRUE(sheet.contains(QRegularExpression("<col min=\"4\" max=\"4\"[^>]*hidden=\"1\"")));
 }
-
-// ---- saving ---------------------------------------------------------------------
 
 TEST_F(WorksheetTest, SaveReplacesAnOldWorkbookAndTellsTheUserInEitherLanguage) {
     struct Case {
@@ -296,8 +282,6 @@ TEST_F(WorksheetTest, AReadOnlyFolderIsReported) {
     EXPECT_TRUE(drive.dialogs.messages[0].text.startsWith("COULD NOT WRITE "));
     QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
-
-// ---- the page engine's hooks -------------------------------------------------------
 
 TEST_F(WorksheetTest, HooksFillOneWorkbookPerJobAndSaveItAtTheEnd) {
     PrintJob job;
@@ -389,21 +373,15 @@ TEST_F(WorksheetTest, AReportThroughThePageEngineLandsInTheWorkbook) {
 
     EXPECT_FALSE(job.output_to_excel);
     const Rows rows = first_sheet("verslag.xlsx");
-    ASSERT_GE(rows.size(), 6);
-    EXPECT_EQ(rows[0].value(0), "2026.11.23");
-    EXPECT_EQ(rows[1].value(0), "09:30:00");
-    EXPECT_EQ(rows[1].value(2), "DIE KRANS");
-    EXPECT_EQ(rows[2].value(0), "PAGE : 1");
-    EXPECT_EQ(rows[2].value(2), "MARK LIST [GR 8A]");
-    EXPECT_EQ(rows[5].value(0), "Naam");
+    EXPECT_EQ(rows.value(1).mid(0, 3), (QStringList{"09:30:00", "", "DIE KRANS"}));
+    EXPECT_EQ(rows.value(2).mid(0, 3), (QStringList{"PAGE : 1", "", "MARK LIST [GR 8A]"}));
+    EXPECT_EQ(rows.value(5).value(0), "Naam");
     EXPECT_EQ(drive.dialogs.texts(), QStringList{"EXPORT OF verslag TO " + out_folder() + "verslag COMPLETE !!"});
 }
 
-// ---- LibreOffice ----------------------------------------------------------------------
-
 TEST_F(WorksheetTest, LibreOfficeOpensTheWorkbook) {
     const QString soffice = QStandardPaths::findExecutable("soffice");
-    if (soffice.isEmpty()) GTEST_SKIP() << "soffice is not installed";
+    ASSERT_FALSE(soffice.isEmpty()) << "soffice is not installed";
     WorkbookOutput book(drive.run);
     book.begin_sheet_head(head("PAGE : 1", "LIST"));
     book.write_grid_to_sheet(mark_list());
