@@ -153,10 +153,10 @@ bool update_marks_table(RecordStore& store, int series) {
 namespace {
 
 // The template's bytes as the new table's start. Read and written here
-// rather than by QFile::copy, whose temporary file, rename and copied
-// permissions cost more than the header itself; the new table takes the
-// folder's usual permissions, so a template installed read-only still
-// gives a table the teacher can write.
+// rather than by QFile::copy, whose temporary file, rename and change of
+// permissions cost more than the header itself. The new table takes the
+// folder's usual permissions: a template installed read-only still gives a
+// table the teacher can write.
 bool start_from_template(const QString& tmpl, const QString& fresh) {
     QFile in(tmpl);
     if (!in.open(QIODevice::ReadOnly)) return false;

@@ -115,6 +115,8 @@ TEST_F(MarksTable, OpeningRebuildsInNameOrderWithoutEmptyRows) {
     fill_marks_table(t.data("marks1.dbf"), {marks_row(3, "nel, Jan", {"7"}), marks_row(0, "Ghost", {"1"}),
                                             marks_row(1, "Botha, Anri", {"8", "A"}), marks_row(-2, "Neg", {}),
                                             marks_row(2, "du Plessis, Ruan", {"", "5"})});
+    // A template installed read-only still gives a table the teacher can write.
+    QFile::setPermissions(program + "/mrk_book.org", QFileDevice::ReadOwner | QFileDevice::ReadOther);
     auto book = open_mark_book(*t.store, row, 1);
     ASSERT_TRUE(book);
     EXPECT_EQ(book->key, "10 WISK_10A");
@@ -123,6 +125,7 @@ TEST_F(MarksTable, OpeningRebuildsInNameOrderWithoutEmptyRows) {
                                                          {"3", "nel, Jan", "7", ""}}));
     EXPECT_EQ(book->lists.kopieer_reeks.size(), 21);
     EXPECT_FALSE(QFileInfo::exists(t.data(".marks1.dbf.rebuild")));
+    EXPECT_TRUE(QFileInfo(t.data("marks1.dbf")).permissions() & QFileDevice::WriteOwner);
 }
 
 TEST_F(MarksTable, TheSetupIsFoundUnderItsOlderKeyForms) {
