@@ -15,14 +15,12 @@
 #include <QTimer>
 
 #include "gui/desktop_printer.h"
+#include "gui/output_dialog.h"
 #include "markbook/mark_book_print.h"
+#include "reports/output_target.h"
 #include "reports/report_run.h"
 #include "shell/demo_school.h"
 #include "store/dbf_table.h"
-#include "tests/support/pdf_printer.h"
-
-#include "gui/output_dialog.h"
-#include "reports/output_target.h"
 #include "tests/support/temp_drive.h"
 
 namespace veldo {
@@ -58,12 +56,6 @@ TEST(OutputDialogWidget, CancelPrintsNothing) {
     EXPECT_FALSE(choice.print_chosen);
     EXPECT_FALSE(choice.output_to_excel);
 }
-
-}  // namespace
-}  // namespace veldo
-
-namespace veldo {
-namespace {
 
 // The PDF files the CUPS PDF printer has written for this user since `since`.
 QStringList cups_pdf_files(const QDateTime& since) {
