@@ -6,20 +6,13 @@
 
 #include "gui/closing_message_widget.h"
 #include "gui/password_prompt_dialog.h"
-#include "shell/screens.h"
-#include "tests/support/fake_screens.h"
-#include "tests/support/temp_drive.h"
+#include "tests/support/shell_fixture.h"
 
 namespace veldo {
 namespace {
 
-using testing::FakeScreens;
+using PromptDrive = testing::ShellFixture;
 using testing::TempDrive;
-
-struct PromptDrive : TempDrive {
-    FakeScreens screens;
-    ShellContext ctx{run, *store, dialogs, screens, Clock{}};
-};
 
 TEST(PasswordPromptDialog, OkShowsThePlatformErrorAndCloses) {
     PromptDrive t;
