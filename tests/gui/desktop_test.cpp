@@ -60,8 +60,10 @@ struct DesktopWidgets : ::testing::Test {
         qputenv("KESTRALIN_DRIVE", drive.path().toUtf8());
         QDir().mkpath(program);
     }
+    QString start_folder = QDir::currentPath();  // the start moves into the program folder
     void TearDown() override {
         qunsetenv("KESTRALIN_DRIVE");
+        QDir::setCurrent(start_folder);
         // A desktop that ended the program leaves Qt's quit request standing,
         // which would end every later dialog the moment it opens; one turn of
         // the application's own loop clears it.

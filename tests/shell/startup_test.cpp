@@ -156,7 +156,6 @@ TEST(SchoolName, IsReadFromTheRecordAtTheDriveRootWhenThere) {
 // The start reads time_out.txt in the program folder, where the TIME-OUT
 // button writes it, also when the program runs from another folder.
 TEST(Startup, SetsYearProgramFolderTimeOutAndColours) {
-    const QString before = QDir::currentPath();  // the start moves there; later tests need it back
     Install t;
     run_startup(t.run, *t.store, t.program);
     EXPECT_EQ(t.run.current_year, "2026");
@@ -171,7 +170,6 @@ TEST(Startup, SetsYearProgramFolderTimeOutAndColours) {
     run_startup(t.run, *t.store, bin);
     EXPECT_EQ(t.run.program_folder, t.program);
     EXPECT_EQ(t.run.timeout_seconds, 120);
-    QDir::setCurrent(before);
 }
 
 }  // namespace

@@ -90,8 +90,7 @@ QList<DbfField> marks_fields() {
 constexpr int kMarksHeader = 32 + 4 * 32 + 1;
 constexpr int kMarksRecord = 25;
 
-double ole_days(const QDate& d) { return double(QDate(1899, 12, 30).daysTo(d)); }
-QVariant date_value(int y, int m, int d) { return QVariant::fromValue(OleDate{ole_days(QDate(y, m, d))}); }
+QVariant date_value(int y, int m, int d) { return QVariant::fromValue(ole_date_from(QDate(y, m, d))); }
 
 // A value with its type, exactly: "double 12.5", "veldo::OleDate 45351", "null".
 std::string typed(const QVariant& v) {
