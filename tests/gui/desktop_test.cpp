@@ -37,6 +37,7 @@ struct DesktopWidgets : ::testing::Test {
     QTemporaryDir drive;
     QString program = drive.filePath("Apps/VELDO-TALLY");
     QString school = drive.filePath("school");
+    QString start_folder = QDir::currentPath();  // the start moves into the program folder
 
     // A desktop started and past the splash: language 1 Afrikaans, 2 English.
     static bool started(Desktop& desktop, int language = 2) {
@@ -60,7 +61,6 @@ struct DesktopWidgets : ::testing::Test {
         qputenv("KESTRALIN_DRIVE", drive.path().toUtf8());
         QDir().mkpath(program);
     }
-    QString start_folder = QDir::currentPath();  // the start moves into the program folder
     void TearDown() override {
         qunsetenv("KESTRALIN_DRIVE");
         QDir::setCurrent(start_folder);
