@@ -429,7 +429,8 @@ TEST_F(CliBook, TheSetupWordsEditCopyAndMoveWithExitCodes) {
            {{"move-learner", "--from", "8A", "--to", "10A", "--learner", "10001"}, 0,
             "10001: from group 8A to group 10A"}},
           0);
-    EXPECT_EQ(lines(run({"setup", "show", "--data", data(), "--series", "1"})).value(22 + 1), "22\tEKSAMEN 3\t50\t\t\t");
+    const QStringList shown = lines(run({"setup", "show", "--data", data(), "--series", "1"}));
+    EXPECT_EQ(shown.value(22 + 1), "22\tEKSAMEN 3\t50\t\t\t");
     EXPECT_EQ(read_bytes(data() + "/setup_9ENHL9A.txt"), read_bytes(setup));  // copies land under the shortest key
 }
 

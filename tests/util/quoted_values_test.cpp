@@ -92,8 +92,8 @@ TEST(QuotedValuesRead, LargeFileReadsInLinearTime) {
 // ---- As a program reads them -------------------------------------------------------
 
 TEST(QuotedValuesAsBool, TruthOfTextsAndNumbers) {
-    for (const QuotedValue& yes : {QuotedValue::of_text("True"), QuotedValue::of_text("#TRUE#"), QuotedValue::bare("-1"),
-                                   QuotedValue::bare("2.5"), QuotedValue::of_bool(true)})
+    for (const QuotedValue& yes : {QuotedValue::of_text("True"), QuotedValue::of_text("#TRUE#"),
+                                   QuotedValue::bare("-1"), QuotedValue::bare("2.5"), QuotedValue::of_bool(true)})
         EXPECT_TRUE(yes.as_bool()) << yes.text.toStdString();
     for (const QuotedValue& no : {QuotedValue::bare("0"), QuotedValue::of_text("False"), QuotedValue::of_text("ja"),
                                   QuotedValue::of_text(QString())})
