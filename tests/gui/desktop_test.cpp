@@ -29,7 +29,6 @@
 #include "gui/symbol_print_widget.h"
 #include "shell/change_folder.h"
 #include "shell/demo_school.h"
-#include "store/dbf_table.h"
 
 namespace veldo {
 namespace {
@@ -38,17 +37,25 @@ struct DesktopWidgets : ::testing::Test {
     QTemporaryDir drive;
     QString program = drive.filePath("Apps/VELDO-TALLY");
     QString school = drive.filePath("school");
+    QString start_folder = QDir::currentPath();  // the start moves into the program folder
 
+    // A desktop started and past the splash: language 1 Afrikaans, 2 English.
+    static bool started(Desktop& desktop, int language = 2) {
+        if (!desktop.start()) return false;
+        qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(language)->click();
+        return true;
+    }
+    static MenuWidget* menu(Desktop& desktop, const char* name) {
+        return qobject_cast<MenuWidget*>(desktop.screen_widget(name));
+    }
     // An English desktop on the demo school, shown, at the mark book menu.
     MenuWidget* mark_book_menu(Desktop& desktop, int entry = 2) {
-        if (!desktop.start()) return nullptr;
-        qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
-        if (!write_demo_school(desktop.context().run, school).ok) return nullptr;
+        if (!started(desktop) || !write_demo_school(desktop.context().run, school).ok) return nullptr;
         desktop.context().run.data_folder = school;
         desktop.QMainWindow::show();
         QApplication::setActiveWindow(&desktop);
-        qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"))->entry_button(entry)->click();
-        return qobject_cast<MenuWidget*>(desktop.screen_widget(entry == 2 ? "punte_menu2" : "punte_menu1"));
+        menu(desktop, "punte_mnu")->entry_button(entry)->click();
+        return menu(desktop, entry == 2 ? "punte_menu2" : "punte_menu1");
     }
     void SetUp() override {
         qputenv("KESTRALIN_DRIVE", drive.path().toUtf8());
@@ -56,6 +63,7 @@ struct DesktopWidgets : ::testing::Test {
     }
     void TearDown() override {
         qunsetenv("KESTRALIN_DRIVE");
+        QDir::setCurrent(start_folder);
         // A desktop that ended the program leaves Qt's quit request standing,
         // which would end every later dialog the moment it opens; one turn of
         // the application's own loop clears it.
@@ -64,29 +72,24 @@ struct DesktopWidgets : ::testing::Test {
     }
 };
 
+// The captions and what the menus do are pinned by the menus' own tests;
+// here the widgets carry them.
 TEST_F(DesktopWidgets, ALanguageClickLeadsFromTheSplashToTheMenus) {
     Desktop desktop(program, [] { return false; });
-    ASSERT_TRUE(desktop.start());
-    auto* splash = qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"));
-    ASSERT_TRUE(splash);
-    splash->language_button(1)->click();
+    ASSERT_TRUE(started(desktop, 1));
     EXPECT_FALSE(desktop.is_loaded("marks_splash"));
-    auto* top = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"));
+    MenuWidget* top = menu(desktop, "punte_mnu");
     ASSERT_TRUE(top);
     EXPECT_TRUE(top->isVisible());
     EXPECT_EQ(top->entry_button(1)->text(), "SIKLUS/UGO");
     EXPECT_EQ(top->entry_button(2)->toolTip(), "PUNTEBOEK");
-
     top->entry_button(2)->click();
-    auto* book = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
+    MenuWidget* book = menu(desktop, "punte_menu2");
     ASSERT_TRUE(book);
-    EXPECT_EQ(book->entry_button(1)->text(), "PUNTEBOEK OPSTEL");
     EXPECT_EQ(book->entry_button(5)->text(), "UITVOER na ADMIN");
     book->exit_button()->click();
     EXPECT_FALSE(desktop.is_loaded("punte_menu2"));
     EXPECT_TRUE(desktop.is_loaded("punte_mnu"));
-    EXPECT_TRUE(QFileInfo::exists(drive.filePath("ProgramData/KESTRALIN/setup.txt")));
-    EXPECT_EQ(QFileInfo(drive.filePath("ProgramData/KESTRALIN/Audit_Trail.txt")).size(), 2 * 258);
 }
 
 TEST_F(DesktopWidgets, ASecondCopyEndsBeforeAnyMenu) {
@@ -101,28 +104,22 @@ TEST_F(DesktopWidgets, ASecondCopyEndsBeforeAnyMenu) {
     EXPECT_FALSE(desktop.is_loaded("punte_mnu"));
 }
 
-
 TEST_F(DesktopWidgets, TheFrameRefusesToCloseAndShowsTheTopMenu) {
     Desktop desktop(program, [] { return false; });
-    ASSERT_TRUE(desktop.start());
-    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
+    ASSERT_TRUE(started(desktop));
     desktop.unload("punte_mnu");
     EXPECT_FALSE(desktop.is_loaded("punte_mnu"));
     EXPECT_FALSE(desktop.close());
     EXPECT_TRUE(desktop.isVisible());
     EXPECT_TRUE(desktop.is_loaded("punte_mnu"));
-    auto* top = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"));
-    ASSERT_TRUE(top);
-    EXPECT_EQ(top->entry_button(2)->text(), "MARKS BOOK");
+    ASSERT_TRUE(menu(desktop, "punte_mnu"));
 }
-
 
 // The keyboard on the menus: Enter and Space press the focused entry,
 // Escape goes back from a second-level menu.
 TEST_F(DesktopWidgets, TheMenusWorkFromTheKeyboard) {
     Desktop desktop(program, [] { return false; });
-    ASSERT_TRUE(desktop.start());
-    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
+    ASSERT_TRUE(started(desktop));
     // Keys go to the entry that would have the keyboard: an offscreen window
     // is not always the active one, so focus can't be relied on here.
     const auto key = [](QWidget* target, int code, const QString& text = QString()) {
@@ -131,22 +128,17 @@ TEST_F(DesktopWidgets, TheMenusWorkFromTheKeyboard) {
         QApplication::sendEvent(target, &press);
         QApplication::sendEvent(target, &release);
     };
-    auto* top = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"));
-    ASSERT_TRUE(top);
-    key(top->entry_button(2), Qt::Key_Return);
-    auto* book = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
-    ASSERT_TRUE(book) << "Enter presses the focused entry";
-    key(book->entry_button(1), Qt::Key_Escape);
-    EXPECT_FALSE(desktop.is_loaded("punte_menu2")) << "Escape goes back to the top menu";
-    top = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"));
-    ASSERT_TRUE(top);
-    key(top->entry_button(2), Qt::Key_Space, " ");
-    book = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
-    ASSERT_TRUE(book) << "Space presses the focused entry";
-    key(book->entry_button(1), Qt::Key_Escape);
-    EXPECT_FALSE(desktop.is_loaded("punte_menu2"));
+    for (const auto& [code, text] : {std::pair{Qt::Key_Return, ""}, {Qt::Key_Space, " "}}) {
+        SCOPED_TRACE(code);
+        MenuWidget* top = menu(desktop, "punte_mnu");
+        ASSERT_TRUE(top);
+        key(top->entry_button(2), code, text);
+        MenuWidget* book = menu(desktop, "punte_menu2");
+        ASSERT_TRUE(book) << "the key presses the focused entry";
+        key(book->entry_button(1), Qt::Key_Escape);
+        EXPECT_FALSE(desktop.is_loaded("punte_menu2")) << "Escape goes back to the top menu";
+    }
 }
-
 
 bool holds(QWidget* outer, QWidget* inner) { return inner && (inner == outer || outer->isAncestorOf(inner)); }
 
@@ -154,8 +146,7 @@ bool holds(QWidget* outer, QWidget* inner) { return inner && (inner == outer || 
 // screen closes.
 TEST_F(DesktopWidgets, TheKeyboardComesBackToTheMenuBehindAClosedScreen) {
     Desktop desktop(program, [] { return false; });
-    ASSERT_TRUE(desktop.start());
-    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(2)->click();
+    ASSERT_TRUE(started(desktop));
     const QString data = drive.filePath("data");
     QDir().mkpath(data);
     QFile(data + "/exp_mrk_control.txt").open(QIODevice::WriteOnly);
@@ -165,10 +156,8 @@ TEST_F(DesktopWidgets, TheKeyboardComesBackToTheMenuBehindAClosedScreen) {
     QApplication::setActiveWindow(&desktop);
     QApplication::processEvents();
 
-    auto* top = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_mnu"));
-    ASSERT_TRUE(top);
-    top->entry_button(2)->click();
-    auto* book = qobject_cast<MenuWidget*>(desktop.screen_widget("punte_menu2"));
+    menu(desktop, "punte_mnu")->entry_button(2)->click();
+    MenuWidget* book = menu(desktop, "punte_menu2");
     ASSERT_TRUE(book);
     EXPECT_TRUE(holds(book, desktop.focusWidget()));
     book->entry_button(1)->click();
@@ -188,12 +177,10 @@ TEST_F(DesktopWidgets, TheKeyboardComesBackToTheMenuBehindAClosedScreen) {
     EXPECT_TRUE(holds(desktop.screen_widget("punte_mnu"), QApplication::focusWidget()));
 }
 
-
 // The form that stays after a refused folder says what it is and what to do.
 TEST_F(DesktopWidgets, TheRefusedFolderFormCarriesItsTitleAndWhatToDo) {
     Desktop desktop(program, [] { return false; });
-    ASSERT_TRUE(desktop.start());
-    qobject_cast<SplashWidget*>(desktop.screen_widget("marks_splash"))->language_button(1)->click();
+    ASSERT_TRUE(started(desktop, 1));
     desktop.context().run.data_folder = "/skool/ou";
     ChangeFolder folder(desktop.context());
     RefusedFolderForm form(folder, &desktop);
@@ -201,18 +188,16 @@ TEST_F(DesktopWidgets, TheRefusedFolderFormCarriesItsTitleAndWhatToDo) {
     auto* hint = form.findChild<QLabel*>("hint");
     ASSERT_TRUE(hint);
     EXPECT_EQ(hint->text(), folder.refused_hint());
-    EXPECT_TRUE(hint->text().startsWith("Die gids /skool/ou bevat nie punteleêrs nie."));
     form.show();
     form.findChild<QPushButton*>("exit")->click();
     EXPECT_EQ(form.result(), QDialog::Accepted);
     EXPECT_FALSE(form.isVisible());
 }
 
-
 // A teacher at the keyboard, key by key: the mark book menu, the first book,
 // marks with Return, a refused mark (the message, the cursor kept on its
 // cell, the keyboard back in the grid), Escape over an edit; every key counts
-// as activity; the table holds what was accepted.
+// as activity. What the screen stores is pinned by its own tests.
 TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     Desktop desktop(program, [] { return false; });
     MenuWidget* menu = mark_book_menu(desktop);
@@ -220,7 +205,6 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     menu->entry_button(2)->click();
     auto* input = qobject_cast<MarkBookInputWidget*>(desktop.screen_widget("pboek_inlees"));
     ASSERT_TRUE(input);
-    EXPECT_EQ(input->series_list()->rowCount(), 9);
     input->series_list()->setCurrentCell(0, 0);
     QTest::keyClick(input->series_list(), Qt::Key_Return);
     MarksGridView* grid = input->grid();
@@ -228,7 +212,6 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     ASSERT_EQ(grid->model()->rowCount(), 32);
     EXPECT_EQ(grid->currentIndex(), grid->model()->index(0, 2));
     EXPECT_TRUE(grid->isColumnHidden(30));
-    EXPECT_TRUE(grid->model()->headerData(2, Qt::Horizontal).toString().startsWith("TAAK 1\n10\n"));
     // The learner columns stay on the left; a heading is never cut.
     EXPECT_FALSE(grid->frozen_view()->isColumnHidden(1));
     EXPECT_TRUE(grid->frozen_view()->isColumnHidden(2));
@@ -315,20 +298,14 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     EXPECT_EQ(grid->model()->data(grid->model()->index(6, 3)).toString(), "7.0");
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     QApplication::setActiveWindow(&desktop);
-
-    auto t = DbfTable::open(school + "/marks1.dbf");
-    QStringList column;
-    for (t->MoveFirst(); !t->Eof() && column.size() < 3; t->MoveNext()) column << t->value(2).toString().trimmed();
-    EXPECT_EQ(column, QStringList({"7.0", "9.5", kept}));
+    EXPECT_EQ(shown(1), "9.5");
     input->button("marks_exit")->click();
     EXPECT_FALSE(input->series_list()->isHidden());
 }
 
-
-// Entry 3 of the mark book menu opens the print screen over the menu: the
-// series list, a book chosen, EXIT back to the menu.
 // Cycle marks at the keyboard: out of 50 with effort keys, the zigzag
-// between mark and key, a refused mark, and the exit that saves.
+// between mark and key, a refused mark, and the exit that saves (what it
+// saves is pinned by the screen's own tests).
 TEST_F(DesktopWidgets, CycleMarksAreKeyedWithTheirEffortKeys) {
     Desktop desktop(program, [] { return false; });
     MenuWidget* menu = mark_book_menu(desktop, 1);
@@ -336,7 +313,6 @@ TEST_F(DesktopWidgets, CycleMarksAreKeyedWithTheirEffortKeys) {
     menu->entry_button(1)->click();
     auto* input = qobject_cast<MarksInputWidget*>(desktop.screen_widget("punte_inlees"));
     ASSERT_TRUE(input);
-    EXPECT_EQ(input->series_list()->rowCount(), 9);
 
     // Every box is answered as a teacher would: 50 for the input total, Yes
     // to effort keys, No to the print, OK to the rest.
@@ -395,13 +371,10 @@ TEST_F(DesktopWidgets, CycleMarksAreKeyedWithTheirEffortKeys) {
     input->button("marks_exit")->click();
     EXPECT_EQ(said, (QStringList{"Busy converting marks from 50 to 100!", "DO YOU WANT TO PRINT A MARK LIST ?"}));
     EXPECT_FALSE(input->series_list()->isHidden());
-    auto t = DbfTable::open(school + "/obe_p1.dbf");
-    QStringList saved;
-    for (t->MoveFirst(); !t->Eof(); t->MoveNext())
-        if (!t->value(2).toString().trimmed().isEmpty()) saved << t->value(1).toString().trimmed() + " " + t->value(2).toString().trimmed();
-    EXPECT_EQ(saved, (QStringList{"Bezuidenhout, Sipho 77.0", "Adams, Anri 84.0"}));
 }
 
+// Entry 3 of the mark book menu opens the print screen over the menu: the
+// series list, a book chosen, EXIT back to the menu.
 TEST_F(DesktopWidgets, TheMarkBookMenuOpensThePrintScreen) {
     Desktop desktop(program, [] { return false; });
     MenuWidget* menu = mark_book_menu(desktop);
@@ -436,7 +409,8 @@ TEST_F(DesktopWidgets, TheMarkBookMenuOpensThePrintScreen) {
 }
 
 // The distribution and the export open from the mark book menu and answer
-// the keyboard: Enter on a series shows its grid or its tasks.
+// the keyboard: Enter on a series shows its grid or its tasks, whose
+// contents are pinned by the screens' own tests.
 TEST_F(DesktopWidgets, TheSymbolAndExportScreensOpenFromTheMenuAndAnswerTheKeyboard) {
     Desktop desktop(program, [] { return false; });
     MenuWidget* menu = mark_book_menu(desktop);
@@ -447,8 +421,6 @@ TEST_F(DesktopWidgets, TheSymbolAndExportScreensOpenFromTheMenuAndAnswerTheKeybo
     QTest::keyClick(symbols->series_list(), Qt::Key_Return);
     QTableWidget* grid = symbols->distribution();
     ASSERT_EQ(grid->horizontalHeaderItem(1)->text(), "M1");
-    EXPECT_EQ(grid->item(0, 1)->text(), "10");  // the totals row
-    EXPECT_EQ(grid->item(grid->rowCount() - 1, 0)->text(), "AVERAGE");
     EXPECT_TRUE(grid->isColumnHidden(grid->columnCount() - 1));  // past the named tasks
     symbols->findChild<QPushButton*>("pboek_druk_exit")->click();
     EXPECT_FALSE(desktop.is_loaded("simbole_druk"));
@@ -462,7 +434,6 @@ TEST_F(DesktopWidgets, TheSymbolAndExportScreensOpenFromTheMenuAndAnswerTheKeybo
     QTableWidget* tasks = exporter->task_list();
     ASSERT_TRUE(tasks->isVisible());
     ASSERT_EQ(tasks->rowCount(), 40);
-    EXPECT_EQ(tasks->horizontalHeaderItem(2)->text(), "TASK/PROJECT");
     EXPECT_EQ(tasks->item(0, 2)->text().trimmed(), "TAAK 1");
     EXPECT_EQ(tasks->item(0, 2)->background().color(), QColor(0xFF, 0xFF, 0xC0));
     exporter->findChild<QPushButton*>("pboek_uitvoer_exit")->click();

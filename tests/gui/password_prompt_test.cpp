@@ -6,51 +6,35 @@
 
 #include "gui/closing_message_widget.h"
 #include "gui/password_prompt_dialog.h"
-#include "shell/screens.h"
-#include "tests/support/fake_screens.h"
-#include "tests/support/temp_drive.h"
+#include "tests/support/shell_fixture.h"
 
 namespace veldo {
 namespace {
 
-using testing::FakeScreens;
+using PromptDrive = testing::ShellFixture;
 using testing::TempDrive;
 
-struct PromptDrive : TempDrive {
-    FakeScreens screens;
-    ShellContext ctx{run, *store, dialogs, screens, Clock{}};
-};
-
-TEST(PasswordPromptDialog, OkShowsThePlatformErrorAndCloses) {
-    PromptDrive t;
-    t.run.language_afrikaans = true;
-    t.run.password_accepted = true;
-    PasswordPromptDialog dialog(t.ctx);
-    dialog.show();
-    EXPECT_EQ(dialog.windowTitle(), "WAGWOORD");
-    EXPECT_FALSE(t.run.password_accepted);
-    EXPECT_EQ(dialog.scr_wagwoord()->echoMode(), QLineEdit::Password);
-    dialog.scr_wagwoord()->setText("geheim");
-    dialog.wagwoord_ok()->click();
-    ASSERT_EQ(t.dialogs.messages.size(), 1);
-    EXPECT_EQ(t.dialogs.messages[0].text, "Object required");
-    EXPECT_EQ(t.dialogs.messages[0].icon, MsgIcon::Critical);
-    EXPECT_FALSE(dialog.isVisible());
-    EXPECT_EQ(dialog.result(), QDialog::Rejected);
-    EXPECT_FALSE(t.run.menu_access_granted);
-    EXPECT_FALSE(t.run.password_accepted);
-}
-
-TEST(PasswordPromptDialog, EnterInTheBoxActsAsOk) {
-    PromptDrive t;
-    PasswordPromptDialog dialog(t.ctx);
-    dialog.show();
-    EXPECT_EQ(dialog.windowTitle(), "PASSWORD");
-    dialog.scr_wagwoord()->setText("x");
-    QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
-    QApplication::sendEvent(dialog.scr_wagwoord(), &press);
-    EXPECT_EQ(t.dialogs.texts(), QStringList({"Object required"}));
-    EXPECT_FALSE(dialog.isVisible());
+// OK, or Enter in the box, hands the typed password to the prompt (whose
+// answer is pinned by the password tests) and closes the window.
+TEST(PasswordPromptDialog, OkOrEnterShowsThePlatformErrorAndCloses) {
+    for (const bool enter : {false, true}) {
+        SCOPED_TRACE(enter);
+        PromptDrive t;
+        t.run.language_afrikaans = enter;
+        PasswordPromptDialog dialog(t.ctx);
+        dialog.show();
+        EXPECT_EQ(dialog.windowTitle(), enter ? "WAGWOORD" : "PASSWORD");
+        EXPECT_EQ(dialog.scr_wagwoord()->echoMode(), QLineEdit::Password);
+        dialog.scr_wagwoord()->setText("geheim");
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        if (enter)
+            QApplication::sendEvent(dialog.scr_wagwoord(), &press);
+        else
+            dialog.wagwoord_ok()->click();
+        EXPECT_EQ(t.dialogs.texts(), QStringList({"Object required"}));
+        EXPECT_FALSE(dialog.isVisible());
+        EXPECT_EQ(dialog.result(), QDialog::Rejected);
+    }
 }
 
 TEST(ClosingMessage, WidgetShowsTheCountdown) {
@@ -63,9 +47,8 @@ TEST(ClosingMessage, WidgetShowsTheCountdown) {
     w.tmr_label_tick();
     w.tmr_label_tick();
     const auto text = [&](const char* name) { return w.findChild<QLabel*>(name)->text(); };
-    EXPECT_EQ(text("lblMessage_0"), "Stelsel sluit oor ");
-    EXPECT_EQ(text("lblClose"), "4.8");
-    EXPECT_EQ(text("lblMessage_1"), " sekondes !");
+    EXPECT_EQ((QStringList{text("lblMessage_0"), text("lblClose"), text("lblMessage_1")}),
+              (QStringList{"Stelsel sluit oor ", "4.8", " sekondes !"}));
     EXPECT_FALSE(w.findChild<QLabel*>("Image1")->isVisible());
     bool finished = false;
     QObject::connect(&w, &ClosingMessageWidget::finished, [&] { finished = true; });

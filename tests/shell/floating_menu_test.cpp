@@ -3,25 +3,17 @@
 #include <QDir>
 
 #include "shell/floating_menu.h"
-#include "tests/support/fake_screens.h"
-#include "tests/support/temp_drive.h"
+#include "tests/support/shell_fixture.h"
 
 using namespace veldo;
 using namespace veldo::testing;
 
 namespace {
 
-struct Window {
-    TempDrive drive;
-    FakeScreens screens;
-    ShellContext ctx{drive.run, *drive.store, drive.dialogs, screens, Clock{}};
+// The family's programs lie beside this one, below the root folder.
+struct Window : ShellFixture {
     FloatingMenu menu{ctx};
-    QString root = drive.path("KESTRALIN");
-
-    Window() {
-        QDir().mkpath(root);
-        drive.run.root_folder = root;
-    }
+    QString root = run.root_folder;
     QString install(const QString& relative) {
         const QString path = root + "/" + relative;
         write_bytes(path, "MZ");
@@ -89,7 +81,7 @@ TEST(FloatingMenu, EveryLauncherStartsItsOwnProgram) {
         w.menu.sk0f_menu_click(l.index);
     }
     EXPECT_EQ(w.screens.started, expected);
-    EXPECT_TRUE(w.drive.dialogs.messages.isEmpty());
+    EXPECT_TRUE(w.dialogs.messages.isEmpty());
     EXPECT_TRUE(w.screens.unloaded.isEmpty());
 }
 
@@ -114,7 +106,7 @@ TEST(FloatingMenu, AProgramIsFoundIgnoringCaseOrElseTheUserIsToldToInstallIt) {
     for (const auto& r : rows) {
         SCOPED_TRACE(r.why);
         Window w;
-        w.drive.run.language_afrikaans = r.afrikaans;
+        w.run.language_afrikaans = r.afrikaans;
         QString program;
         if (r.installed && QString(r.installed).endsWith('/'))
             QDir().mkpath(w.root + "/" + r.installed);
@@ -124,14 +116,14 @@ TEST(FloatingMenu, AProgramIsFoundIgnoringCaseOrElseTheUserIsToldToInstallIt) {
         EXPECT_TRUE(w.screens.unloaded.isEmpty());
         if (!r.message) {
             EXPECT_EQ(w.screens.started, QStringList{program});
-            EXPECT_TRUE(w.drive.dialogs.messages.isEmpty());
+            EXPECT_TRUE(w.dialogs.messages.isEmpty());
             continue;
         }
         EXPECT_TRUE(w.screens.started.isEmpty());
-        ASSERT_EQ(w.drive.dialogs.messages.size(), 1);
-        EXPECT_EQ(w.drive.dialogs.messages[0].text, r.message);
-        EXPECT_EQ(w.drive.dialogs.messages[0].icon, MsgIcon::Critical);
-        EXPECT_EQ(w.drive.dialogs.messages[0].buttons, MsgButtons::Ok);
+        ASSERT_EQ(w.dialogs.messages.size(), 1);
+        EXPECT_EQ(w.dialogs.messages[0].text, r.message);
+        EXPECT_EQ(w.dialogs.messages[0].icon, MsgIcon::Critical);
+        EXPECT_EQ(w.dialogs.messages[0].buttons, MsgButtons::Ok);
     }
 }
 
@@ -141,6 +133,6 @@ TEST(FloatingMenu, IndexNotInTheTableDoesNothing) {
     w.install("VELDO-CLERK/VELDO-CLERK.EXE");
     for (int index : {0, 1, 8, 9, 15, -1, 99}) w.menu.sk0f_menu_click(index);
     EXPECT_TRUE(w.screens.started.isEmpty());
-    EXPECT_TRUE(w.drive.dialogs.messages.isEmpty());
+    EXPECT_TRUE(w.dialogs.messages.isEmpty());
     EXPECT_TRUE(w.screens.unloaded.isEmpty());
 }

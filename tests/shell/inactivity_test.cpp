@@ -3,24 +3,19 @@
 #include <gtest/gtest.h>
 
 #include "shell/inactivity.h"
-#include "shell/screens.h"
 #include "shell/startup.h"
-#include "tests/support/fake_screens.h"
-#include "tests/support/temp_drive.h"
+#include "tests/support/shell_fixture.h"
 
 namespace veldo {
 namespace {
 
-using testing::FakeScreens;
 using testing::read_bytes;
 using testing::TempDrive;
 
 // A frame with a fake clock and mouse, and a record of closing messages.
-struct Frame : TempDrive {
-    QString program = path("Apps/VELDO-TALLY");
+struct Frame : testing::ShellFixture {
+    QString program = run.program_folder;
     int now_ms = 0;
-    FakeScreens screens;
-    ShellContext ctx{run, *store, dialogs, screens, Clock{}};
     struct Shown {
         QString message, title;
         int duration_ms;
@@ -33,8 +28,6 @@ struct Frame : TempDrive {
                               }};
 
     Frame() {
-        QDir().mkpath(program);
-        run.program_folder = program;
         ctx.clock.now = [this] { return QTime(0, 0).addMSecs(now_ms); };
         run.timeout_seconds = 300;
     }

@@ -4,8 +4,7 @@
 #include <QFile>
 
 #include "shell/manual_viewer.h"
-#include "tests/support/fake_screens.h"
-#include "tests/support/temp_drive.h"
+#include "tests/support/shell_fixture.h"
 
 using namespace veldo;
 using namespace veldo::testing;
@@ -14,33 +13,13 @@ namespace {
 
 const QByteArray kStamp = "#2026-11-23#\r\n";
 
-// Remembers where the file picker starts and its filter, which the scripted
-// service drops.
-struct FilterDialogs : ScriptedDialogs {
-    QString open_filter, open_start;
-    QString choose_open_file(const QString& title, const QString& start, const QString& filter) override {
-        open_filter = filter;
-        open_start = start;
-        return ScriptedDialogs::choose_open_file(title, start, filter);
-    }
-};
-
 // A drive with <root>/VELDO-TALLY and <root>/veldo-leaflets.
-struct Shelf {
-    TempDrive drive;
-    FilterDialogs dialogs;
-    FakeScreens screens;
-    ShellContext ctx{drive.run, *drive.store, dialogs, screens, Clock{}};
+struct Shelf : ShellFixture {
     ManualViewer viewer{ctx};
-    QString root = drive.path("KESTRALIN");
-    QString program = root + "/VELDO-TALLY";
-    QString leaflets = root + "/veldo-leaflets";
+    QString leaflets = run.root_folder + "/veldo-leaflets";
 
     explicit Shelf(bool afrikaans = false) {
-        drive.run.root_folder = root;
-        drive.run.program_folder = program;
-        drive.run.language_afrikaans = afrikaans;
-        QDir().mkpath(program);
+        run.language_afrikaans = afrikaans;
         QDir().mkpath(leaflets);
     }
 };
@@ -102,7 +81,7 @@ TEST(ManualViewer, LoadWithoutNameShowsTheListAndStays) {
         for (const char* name : {"", "   "}) {
             SCOPED_TRACE(std::string(afrikaans ? "af" : "en") + " '" + name + "'");
             Shelf s(afrikaans);
-            s.drive.run.manual_file_name = name;
+            s.run.manual_file_name = name;
             s.viewer.um_opsie_click(4);
             EXPECT_TRUE(s.viewer.load());
             for (int i = 1; i <= 15; ++i) {
@@ -124,23 +103,23 @@ TEST(ManualViewer, NamedManualOpensAndTheFormGoes) {
         bool present;
         const char* why;
     } rows[] = {
-        {"m_marks_afr.pdf", "KESTRALIN/veldo-leaflets/m_marks_afr.pdf", false, "a missing manual only stamps"},
-        {"m_marks_eng.pdf", "KESTRALIN/veldo-leaflets/m_marks_eng.pdf", true, "the marks menu in English"},
-        {"m_punteboek.pdf", "KESTRALIN/veldo-leaflets/m_punteboek.pdf", true, "the mark book menu in Afrikaans"},
-        {"  m_markbook.pdf ", "KESTRALIN/veldo-leaflets/m_markbook.pdf", true, "the name is trimmed"},
-        {"news_2026.pdf", "KESTRALIN/VELDO-TALLY/news_2026.pdf", true, "news sheets lie beside the program"},
-        {"nuus_2026.pdf", "KESTRALIN/VELDO-TALLY/nuus_2026.pdf", true, "so do the Afrikaans ones"},
+        {"m_marks_afr.pdf", "Apps/veldo-leaflets/m_marks_afr.pdf", false, "a missing manual only stamps"},
+        {"m_marks_eng.pdf", "Apps/veldo-leaflets/m_marks_eng.pdf", true, "the marks menu in English"},
+        {"m_punteboek.pdf", "Apps/veldo-leaflets/m_punteboek.pdf", true, "the mark book menu in Afrikaans"},
+        {"  m_markbook.pdf ", "Apps/veldo-leaflets/m_markbook.pdf", true, "the name is trimmed"},
+        {"news_2026.pdf", "Apps/VELDO-TALLY/news_2026.pdf", true, "news sheets lie beside the program"},
+        {"nuus_2026.pdf", "Apps/VELDO-TALLY/nuus_2026.pdf", true, "so do the Afrikaans ones"},
         {nullptr, "elsewhere/nuus_handleiding.pdf", true, "a full path ignores the folder rules"},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.why);
         Shelf s;
-        const QString file = s.drive.path(r.file);
+        const QString file = s.path(r.file);
         if (r.present) put_manual(file);
-        s.drive.run.manual_file_name = r.name ? QString(r.name) : file;
+        s.run.manual_file_name = r.name ? QString(r.name) : file;
         EXPECT_FALSE(s.viewer.load());
         EXPECT_EQ(s.screens.documents, r.present ? QStringList{file} : QStringList{});
-        EXPECT_EQ(s.drive.run.manual_file_name, "");
+        EXPECT_EQ(s.run.manual_file_name, "");
         EXPECT_EQ(read_bytes(file.chopped(4) + ".dte"), kStamp);
         EXPECT_TRUE(s.dialogs.messages.isEmpty());
         EXPECT_EQ(s.viewer.caption(1), "");
@@ -160,18 +139,18 @@ TEST(ManualViewer, PathRules) {
         {"ana inskrywings.pdf", "/SKOOL/KESTRALIN/veldo-leaflets/ana inskrywings.pdf", "a leaflet with a blank"},
     };
     Shelf s;
-    s.drive.run.root_folder = "/SKOOL/KESTRALIN";
-    s.drive.run.program_folder = "/SKOOL/KESTRALIN/VELDO-TALLY";
+    s.run.root_folder = "/SKOOL/KESTRALIN";
+    s.run.program_folder = "/SKOOL/KESTRALIN/VELDO-TALLY";
     for (const auto& r : rows) EXPECT_EQ(s.viewer.manual_path_for(r.name), r.path) << r.why;
     // The test is on the upper-case name: a lower-case root never matches.
-    s.drive.run.root_folder = "/skool";
+    s.run.root_folder = "/skool";
     EXPECT_EQ(s.viewer.manual_path_for("a/skool/x.pdf"), "/skool/veldo-leaflets/a/skool/x.pdf");
 }
 
 TEST(ManualViewer, StampThatCannotBeWrittenIsReported) {
     Shelf s;
     QDir(s.leaflets).removeRecursively();
-    s.drive.run.manual_file_name = "m_marks_afr.pdf";
+    s.run.manual_file_name = "m_marks_afr.pdf";
     EXPECT_FALSE(s.viewer.load());
     EXPECT_TRUE(s.screens.documents.isEmpty());
     ASSERT_EQ(s.dialogs.messages.size(), 1);
@@ -187,10 +166,10 @@ TEST(ManualViewer, StampIsRewrittenBesideTheManual) {
     put_manual(manual);
     put_manual(upper);
     write_bytes(s.leaflets + "/gedrag.dte", "#2025-01-02#\r\nold second line\r\n");
-    s.drive.run.today = QDate(2027, 2, 5);
+    s.run.today = QDate(2027, 2, 5);
     s.viewer.open_manual(manual);
     EXPECT_EQ(read_bytes(s.leaflets + "/gedrag.dte"), "#2027-02-05#\r\n");
-    s.drive.run.today = QDate(2026, 11, 23);
+    s.run.today = QDate(2026, 11, 23);
     s.viewer.open_manual(upper);
     EXPECT_EQ(read_bytes(s.leaflets + "/STOCK.dte"), kStamp);
     EXPECT_EQ(s.screens.documents, (QStringList{manual, upper}));
@@ -275,13 +254,13 @@ TEST(ManualViewer, OkOpensTheMarkedManual) {
 // or a cancel opens nothing.
 TEST(ManualViewer, BrowseOpensAChosenPdf) {
     Shelf s;
-    const QString chosen = s.drive.path("own/verslag.pdf");
+    const QString chosen = s.path("own/verslag.pdf");
     put_manual(chosen);
-    s.dialogs.files << chosen << s.drive.path("own/weg.pdf");
+    s.dialogs.files << chosen << s.path("own/weg.pdf");
     for (int i = 0; i < 3; ++i) s.viewer.pdf_soek();
-    EXPECT_EQ(s.dialogs.open_filter, "*.pdf");
-    EXPECT_EQ(s.dialogs.open_start, s.leaflets + "/");
+    EXPECT_EQ(s.dialogs.file_filter, "*.pdf");
+    EXPECT_EQ(s.dialogs.file_start, s.leaflets + "/");
     EXPECT_EQ(s.screens.documents, QStringList{chosen});
-    EXPECT_FALSE(QFile::exists(s.drive.path("own/verslag.dte")));
+    EXPECT_FALSE(QFile::exists(s.path("own/verslag.dte")));
     EXPECT_TRUE(s.dialogs.messages.isEmpty());
 }

@@ -5,30 +5,18 @@
 #include <optional>
 
 #include "shell/passwords.h"
-#include "shell/screens.h"
-#include "tests/support/fake_screens.h"
-#include "tests/support/temp_drive.h"
+#include "tests/support/shell_fixture.h"
 #include "util/cp1252.h"
 
 namespace veldo {
 namespace {
 
-using testing::FakeScreens;
 using testing::read_bytes;
-using testing::TempDrive;
 using testing::write_bytes;
 
-// A drive with the program folder and a context on a fake screen service.
-struct PasswordDrive : TempDrive {
-    QString program = path("Apps/VELDO-TALLY");
-    FakeScreens screens;
-    ShellContext ctx{run, *store, dialogs, screens, Clock{}};
-    PasswordLists lists;
-
-    PasswordDrive() {
-        QDir().mkpath(program);
-        run.program_folder = program;
-    }
+struct PasswordDrive : testing::ShellFixture {
+    PasswordLists& lists = passwords;
+    QString program = run.program_folder;
     QString file() const { return program + "/veldo-house-passwords.txt"; }
 };
 

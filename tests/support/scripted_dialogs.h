@@ -34,8 +34,10 @@ public:
         prompts.append(title);
         return folders.isEmpty() ? QString() : folders.dequeue();
     }
-    QString choose_open_file(const QString& title, const QString&, const QString&) override {
+    QString choose_open_file(const QString& title, const QString& start, const QString& filter) override {
         prompts.append(title);
+        file_start = start;
+        file_filter = filter;
         return files.isEmpty() ? QString() : files.dequeue();
     }
     QString choose_save_file(const QString& title, const QString& s, const QString& f) override {
@@ -56,6 +58,7 @@ public:
     QQueue<MsgAnswer> answers;
     QQueue<QString> inputs, folders, files;
     QString clipboard;
+    QString file_start, file_filter;  // of the last file picker
 };
 
 }  // namespace veldo::testing

@@ -20,6 +20,7 @@ inline void PrintTo(const QString& text, std::ostream* os) { *os << '"' << text.
 namespace veldo::testing {
 
 struct TempDrive {
+    QString start_folder = QDir::currentPath();  // a start moves into the program folder
     QTemporaryDir dir;
     ScriptedDialogs dialogs;
     RunState run;
@@ -36,6 +37,7 @@ struct TempDrive {
         QDir().mkpath(run.family_folder);
         store = std::make_unique<RecordStore>(run);
     }
+    ~TempDrive() { QDir::setCurrent(start_folder); }
     QString path(const QString& relative) const { return dir.filePath(relative); }
     QString data(const QString& name) const { return QDir(run.data_folder).filePath(name); }
 };

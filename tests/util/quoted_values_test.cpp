@@ -92,15 +92,12 @@ TEST(QuotedValuesRead, LargeFileReadsInLinearTime) {
 // ---- As a program reads them -------------------------------------------------------
 
 TEST(QuotedValuesAsBool, TruthOfTextsAndNumbers) {
-    EXPECT_TRUE(QuotedValue::of_text(QStringLiteral("True")).as_bool());
-    EXPECT_TRUE(QuotedValue::of_text(QStringLiteral("#TRUE#")).as_bool());
-    EXPECT_TRUE(QuotedValue::bare(QStringLiteral("-1")).as_bool());
-    EXPECT_TRUE(QuotedValue::bare(QStringLiteral("2.5")).as_bool());
-    EXPECT_TRUE(QuotedValue::of_bool(true).as_bool());
-    EXPECT_FALSE(QuotedValue::bare(QStringLiteral("0")).as_bool());
-    EXPECT_FALSE(QuotedValue::of_text(QStringLiteral("False")).as_bool());
-    EXPECT_FALSE(QuotedValue::of_text(QStringLiteral("ja")).as_bool());
-    EXPECT_FALSE(QuotedValue::of_text(QString()).as_bool());
+    for (const QuotedValue& yes : {QuotedValue::of_text("True"), QuotedValue::of_text("#TRUE#"),
+                                   QuotedValue::bare("-1"), QuotedValue::bare("2.5"), QuotedValue::of_bool(true)})
+        EXPECT_TRUE(yes.as_bool()) << yes.text.toStdString();
+    for (const QuotedValue& no : {QuotedValue::bare("0"), QuotedValue::of_text("False"), QuotedValue::of_text("ja"),
+                                  QuotedValue::of_text(QString())})
+        EXPECT_FALSE(no.as_bool()) << no.text.toStdString();
 }
 
 // ---- Round trip -------------------------------------------------------------------------

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include <pwd.h>
 #include <unistd.h>
 
@@ -218,16 +216,7 @@ TEST(TextHelpersPlainText, EachTypeInItsOwnForm) {
     }
 }
 
-// ---- fill_array, login name ---------------------------------------------------------------
-
-TEST(TextHelpersFillArray, EveryElementTakesTheValue) {
-    double totals[46];
-    fill_array(totals, 1.5);
-    for (double t : totals) EXPECT_EQ(t, 1.5);
-    std::vector<QString> names(3);
-    fill_array(names, QStringLiteral("x"));
-    EXPECT_EQ(names, (std::vector<QString>(3, QStringLiteral("x"))));
-}
+// ---- login name ---------------------------------------------------------------------
 
 TEST(TextHelpersLoginName, ComesFromTheEnvironmentFirst) {
     const QByteArray saved = qgetenv("USER");
