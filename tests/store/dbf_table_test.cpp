@@ -5,7 +5,6 @@
 
 #include <QDate>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -1023,29 +1022,6 @@ TEST(DbfSafeFile, ReplacesWholeFilesAndFailsWithoutHarm) {
     EXPECT_FALSE(write_file_atomic(p, "three", &error));
     EXPECT_FALSE(copy_file_atomic(dir.filePath("copy.txt"), p, &error));
     EXPECT_EQ(read_bytes(p), "two");
-}
-
-// ---- size ---------------------------------------------------------------------
-
-// Not a benchmark: a guard against a reopen or a read per field.
-TEST(DbfWalkCost, TwoThousandRecordsOfFortyTwoFieldsWalkQuickly) {
-    QTemporaryDir dir;
-    const QString p = dir.filePath("marks.dbf");
-    QList<RawField> fields;
-    for (int i = 0; i < 42; ++i) fields.append({QByteArray("V") + QByteArray::number(i), 'C', 5});
-    QList<QByteArray> records;
-    for (int r = 0; r < 2000; ++r) records << " " + QByteArray::number(r % 100).rightJustified(5).repeated(42);
-    write_bytes(p, raw_table(fields, records, {.end_marker = true}));
-    auto t = DbfTable::open(p);
-    ASSERT_TRUE(t);
-    QElapsedTimer clock;
-    clock.start();
-    qint64 blanks = 0;
-    for (t->MoveFirst(); !t->Eof(); t->MoveNext())
-        for (int i = 0; i < t->field_count(); ++i) blanks += t->value(i).toString().count(QLatin1Char(' '));
-    const qint64 ms = clock.elapsed();
-    EXPECT_GT(blanks, 0);
-    EXPECT_LT(ms, 200) << ms << " ms";
 }
 
 }  // namespace
