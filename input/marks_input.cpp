@@ -507,7 +507,6 @@ bool MarksInput::copy_marks_into(const QString& stem, const QString& number_name
 void MarksInput::marks_undo() {
     activity();
     if (!open_ || !table_) return;
-    RunState& run = ctx_.run;
     if (ctx_.dialogs.message(undo_warning(), MsgIcon::Exclamation, MsgButtons::OkCancel) == MsgAnswer::Cancel) return;
     // The backup holds the marks out of the series' own total: they go to
     // the input total again, or the save would convert them a second time.

@@ -134,6 +134,10 @@ TEST(SetupRows, InsertAndRemoveAdjustTargetsAsTheScreenDoes) {
         else SetupScreen::remove_row(s, c.at);
         EXPECT_EQ(rows_of(s, 1, 4), c.rows1to4);
     }
+    // Rows moved down that name the line itself keep its number.
+    MarkBookSetup own = setup({{"A", "10", "", "", ""}, {"B", "10", "2", "", ""}, {"C", "10", "2", "", ""}});
+    SetupScreen::insert_rows(own, 2);
+    EXPECT_EQ(rows_of(own, 1, 4), (QStringList{"A|10|||", "||||", "B|10|2||", "C|10|2||"}));
     // Row 40 in use is lost by an insert.
     MarkBookSetup full;
     full.rows[39] = {"LAST", "10", "", "", ""};
