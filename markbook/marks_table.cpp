@@ -68,6 +68,33 @@ struct NumberList {
     void add(const QString& text, int data) { items.emplace(key(text), data); }
 };
 
+// The template's bytes as the new table's start. Read and written here
+// rather than by QFile::copy, whose temporary file, rename and change of
+// permissions cost more than the header itself. The new table takes the
+// folder's usual permissions: a template installed read-only still gives a
+// table the teacher can write.
+bool start_from_template(const QString& tmpl, const QString& fresh) {
+    QFile in(tmpl);
+    if (!in.open(QIODevice::ReadOnly)) return false;
+    const QByteArray bytes = in.readAll();
+    if (in.error() != QFileDevice::NoError) return false;
+    QFile out(fresh);
+    return out.open(QIODevice::WriteOnly | QIODevice::Truncate) && out.write(bytes) == bytes.size() && out.flush();
+}
+
+// A whole-number field (no decimals) of blanks then digits, the first not
+// a nought: its value written back through its text gives these same bytes,
+// so the copied record needs nothing more for it. A learner's number is
+// always such a field.
+bool written_as_stored(const char* p, int width) {
+    int i = 0;
+    while (i < width && p[i] == ' ') ++i;
+    if (i == width || p[i] == '0') return false;
+    for (; i < width; ++i)
+        if (p[i] < '0' || p[i] > '9') return false;
+    return true;
+}
+
 }  // namespace
 
 bool update_marks_table(RecordStore& store, int series) {
@@ -149,37 +176,6 @@ bool update_marks_table(RecordStore& store, int series) {
     marks->Close();
     return written;
 }
-
-namespace {
-
-// The template's bytes as the new table's start. Read and written here
-// rather than by QFile::copy, whose temporary file, rename and change of
-// permissions cost more than the header itself. The new table takes the
-// folder's usual permissions: a template installed read-only still gives a
-// table the teacher can write.
-bool start_from_template(const QString& tmpl, const QString& fresh) {
-    QFile in(tmpl);
-    if (!in.open(QIODevice::ReadOnly)) return false;
-    const QByteArray bytes = in.readAll();
-    if (in.error() != QFileDevice::NoError) return false;
-    QFile out(fresh);
-    return out.open(QIODevice::WriteOnly | QIODevice::Truncate) && out.write(bytes) == bytes.size() && out.flush();
-}
-
-// A whole-number field (no decimals) of blanks then digits, the first not
-// a nought: its value written back through its text gives these same bytes,
-// so the copied record needs nothing more for it. A learner's number is
-// always such a field.
-bool written_as_stored(const char* p, int width) {
-    int i = 0;
-    while (i < width && p[i] == ' ') ++i;
-    if (i == width || p[i] == '0') return false;
-    for (; i < width; ++i)
-        if (p[i] < '0' || p[i] > '9') return false;
-    return true;
-}
-
-}  // namespace
 
 bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
     const QString tmpl = find_ignoring_case(run.start_folder, "mrk_book.org");

@@ -78,7 +78,7 @@ TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
 }
 
 // Each refusal: its message in the user's language, nothing appended, and
-// the screen gone where the Part's steps end it.
+// the screen gone where the refusal ends it.
 TEST_F(ExchangeScreens, TheExportRefusesWithItsMessages) {
     struct Case {
         const char* why;
