@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -48,7 +49,21 @@ std::optional<QLatin1StringView> stored_text(const DbfField& field, const char* 
 class WorkRecord {
 public:
     explicit WorkRecord(const DbfTable& table) : table_(table), values_(std::size_t(table.field_count())) {
-        for (int i = 0; i < table.field_count(); ++i) widths_.push_back(table.field(i).width);
+        for (int i = 0; i < table.field_count(); ++i) {
+            const int width = table.field(i).width;
+            widths_.push_back(width);
+            // "ddd.d" takes two places besides its whole digits, and a third
+            // with a sign: below 10^(width - 1) tenths it fits, below
+            // 10^(width - 2) with a sign; past 18 digits nothing here comes.
+            std::array<long long, 2> limit{};
+            for (int negative = 0; negative < 2; ++negative) {
+                const int digits = std::min(width - 1 - negative, 18);
+                long long power = digits >= 2 ? 1 : 0;  // not even one whole digit: never fits
+                for (int k = 0; k < digits && digits >= 2; ++k) power *= 10;
+                limit[std::size_t(negative)] = power;
+            }
+            fitting_.push_back(limit);
+        }
     }
 
     // The mark fields only: the learner's number and name take no part.
@@ -63,11 +78,12 @@ public:
             if (is_text_field(field.type) && !record.isEmpty()) {
                 const auto text = stored_text(field, record.data() + table_.field_offset(i));
                 v.null = !text;
-                if (text) v.text.assign(text->data(), std::size_t(text->size()));
+                v.text = text ? *text : QLatin1StringView();  // the record's own bytes, not copied
             } else {
                 const QVariant value = table_.value(i);
                 v.null = !value.isValid();
-                v.text = cp1252::encode(plain_text(value)).toStdString();
+                v.own = cp1252::encode(plain_text(value)).toStdString();
+                v.text = QLatin1StringView(v.own.data(), qsizetype(v.own.size()));
             }
         }
     }
@@ -77,14 +93,14 @@ public:
     QLatin1StringView normalised(int f) const { return is_null(f) ? QLatin1StringView() : trimmed(text(f)); }
     double number(int f) const {
         const Value& v = values_[std::size_t(f)];
-        if (v.has_number) return v.number;
+        if (v.has_number) return tenths_value(v);
         return is_null(f) ? 0.0 : Val(text(f));
     }
     // A mark that is neither blank nor an absence, and its number.
     bool counts(int f, double* value) const {
         const Value& v = values_[std::size_t(f)];
         if (v.has_number) {
-            *value = v.number;
+            *value = tenths_value(v);
             return true;
         }
         const QLatin1StringView t = normalised(f);
@@ -96,7 +112,8 @@ public:
         Value& v = values_[std::size_t(f)];
         const QLatin1StringView stored = text.left(widths_[std::size_t(f)]);
         v.null = trimmed(stored).isEmpty();
-        v.text.assign(stored.data(), std::size_t(stored.size()));
+        v.own.assign(stored.data(), std::size_t(stored.size()));
+        v.text = QLatin1StringView(v.own.data(), qsizetype(v.own.size()));
         v.changed = true;
         v.has_number = false;
         v.pending = false;
@@ -109,27 +126,27 @@ public:
             set(f, QLatin1StringView(format_one_decimal(value).toLatin1()));
             return;
         }
-        int length = 2 + (value < 0 ? 1 : 0);
-        for (long long whole = tenths / 10; ; whole /= 10) {
-            ++length;
-            if (whole < 10) break;
-        }
-        Value& v = values_[std::size_t(f)];
-        v.negative = value < 0;
-        v.tenths = tenths;
-        v.changed = true;
-        v.null = false;
-        if (length > widths_[std::size_t(f)]) {
-            // Cut at the field's width, as the table would store it.
-            write_out(v);
-            set(f, QLatin1StringView(std::string(v.text)));
-            return;
-        }
-        v.pending = true;
-        v.has_number = true;
-        const double read = double(tenths) / 10.0;
-        v.number = read == 0.0 ? 0.0 : (v.negative ? -read : read);
+        set_tenths(f, tenths, value < 0);
     }
+    // The whole tenths a total holds when the arithmetic set it and its text
+    // was not cut, with their sign; false for a mark as typed.
+    bool signed_tenths(int f, long long* tenths) const {
+        const Value& v = values_[std::size_t(f)];
+        if (!v.has_number) return false;
+        *tenths = v.negative ? -v.tenths : v.tenths;
+        return true;
+    }
+    // A sum of two numbers of whole tenths, set in the one-decimal mask.
+    // Below a thousand million tenths the double sum lies within a hair of
+    // the whole tenths, so set_one_decimal would count these very tenths;
+    // the sign is that of the sum, and a sum of nought is never negative.
+    // Larger sums take the arithmetic in doubles.
+    bool set_tenths_sum(int f, long long tenths) {
+        if (tenths >= 1000000000LL || tenths <= -1000000000LL) return false;
+        set_tenths(f, tenths < 0 ? -tenths : tenths, tenths < 0);
+        return true;
+    }
+    void set(int f, const std::string& text) { set(f, QLatin1StringView(text.data(), qsizetype(text.size()))); }
     void set(int f, const QString& text) { set(f, QLatin1StringView(cp1252::encode(text))); }
     // Writes what changed; one Edit and Update for the record.
     void save(DbfTable& table) {
@@ -150,7 +167,7 @@ public:
             if (v.pending) write_out(v);
             char* p = record.data() + table.field_offset(f);
             std::memset(p, ' ', std::size_t(field.width));
-            if (!v.null) std::memcpy(p, v.text.data(), std::min(v.text.size(), std::size_t(field.width)));
+            if (!v.null) std::memcpy(p, v.text.data(), std::min(std::size_t(v.text.size()), std::size_t(field.width)));
         }
         table.set_record_bytes(record);
         for (int f : typed) {
@@ -162,14 +179,32 @@ public:
     }
 
 private:
+    void set_tenths(int f, long long tenths, bool negative) {
+        Value& v = values_[std::size_t(f)];
+        v.negative = negative;
+        v.tenths = tenths;
+        v.changed = true;
+        v.null = false;
+        if (tenths >= fitting_[std::size_t(f)][negative ? 1 : 0]) {
+            // Cut at the field's width, as the table would store it.
+            write_out(v);
+            set(f, QLatin1StringView(std::string(v.text.data(), std::size_t(v.text.size()))));
+            return;
+        }
+        v.pending = true;
+        v.has_number = true;
+    }
+
     struct Value {
-        std::string text;  // short enough to stay in the string itself
+        // The text: the loaded record's bytes as they stand, or own once set.
+        // The record stays put while it is worked on.
+        QLatin1StringView text;
+        std::string own;  // short enough to stay in the string itself
         bool null = true;
         bool changed = false;
         // A total as the arithmetic left it: its number, and its one-decimal
         // text still to be written out (the tenths, without the sign).
         bool has_number = false;
-        double number = 0;
         bool pending = false;
         bool negative = false;
         long long tenths = 0;
@@ -178,7 +213,7 @@ private:
     QLatin1StringView text(int f) const {
         Value& v = values_[std::size_t(f)];
         if (v.pending) write_out(v);
-        return QLatin1StringView(v.text.data(), qsizetype(v.text.size()));
+        return v.text;
     }
     static void write_out(Value& v) {
         char buf[24];
@@ -196,12 +231,22 @@ private:
         while (d > 0) buf[n++] = digits[--d];
         buf[n++] = '.';
         buf[n++] = decimal;
-        v.text.assign(buf, std::size_t(n));
+        v.own.assign(buf, std::size_t(n));
+        v.text = QLatin1StringView(v.own.data(), qsizetype(v.own.size()));
         v.pending = false;
+    }
+
+    // A total's number: its tenths over ten, never a negative nought.
+    static double tenths_value(const Value& v) {
+        const double read = double(v.tenths) / 10.0;
+        return read == 0.0 ? 0.0 : (v.negative ? -read : read);
     }
 
     const DbfTable& table_;
     std::vector<int> widths_;  // each field's width, looked up once
+    // The tenths from which a one-decimal number no longer fits its field,
+    // without and with a sign.
+    std::vector<std::array<long long, 2>> fitting_;
     mutable std::vector<Value> values_;
 };
 
@@ -285,8 +330,14 @@ bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
             if (v.isEmpty() || v == QLatin1StringView("A") || v == QLatin1StringView("a")) continue;
             out_of_sum[c] += r.y;
             // The mark's share in one decimal, added to the total, which is
-            // kept in one decimal after each addition.
-            const double m = one_decimal_value((Val(v) / r.x) * r.y);
+            // kept in one decimal after each addition: in whole tenths where
+            // both are whole tenths already.
+            const double share = (Val(v) / r.x) * r.y;
+            long long share_tenths = 0, total_tenths = 0;
+            if (one_decimal_tenths(share, &share_tenths) && rec.signed_tenths(c, &total_tenths) &&
+                rec.set_tenths_sum(c, total_tenths + (share < 0 ? -share_tenths : share_tenths)))
+                continue;
+            const double m = one_decimal_value(share);
             rec.set_one_decimal(c, rec.number(c) + m);
         }
 
@@ -306,9 +357,9 @@ bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
             const double d = converted - m;
             rec.set_one_decimal(c, converted);
             if (c != t && t != kNoTarget && d != 0 && x != 0 && is_mark_field(rec, t)) {
-                const QString passed = format_one_decimal(Val(number_text(d / x)) * w);
-                rec.set(t, plain_number_text(rec.number(t) + Val(passed)));
-                rec.set(t, plain_number_text(std::min(rec.number(t), x)));
+                const double passed = one_decimal_value(number_text_value(d / x) * w);
+                rec.set(t, plain_number_chars(rec.number(t) + passed));
+                rec.set(t, plain_number_chars(std::min(rec.number(t), x)));
             }
         }
 

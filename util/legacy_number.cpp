@@ -419,9 +419,9 @@ double Round(double value, int decimals) {
     return r == 0.0 ? 0.0 : r;
 }
 
-QString plain_number_text(double value, int significant) {
-    if (!std::isfinite(value)) return non_finite_text(value);
-    if (value == 0.0) return QStringLiteral("0");
+std::string plain_number_chars(double value, int significant) {
+    if (!std::isfinite(value)) return non_finite_text(value).toStdString();
+    if (value == 0.0) return "0";
     if (significant < 1) significant = 1;
     if (significant > 17) significant = 17;
     Digits dg = digits_of(std::fabs(value), significant);
@@ -442,7 +442,25 @@ QString plain_number_text(double value, int significant) {
         out.push_back('.');
         out += dg.d.substr(std::size_t(dg.point));
     }
+    return out;
+}
+
+QString plain_number_text(double value, int significant) {
+    const std::string out = plain_number_chars(value, significant);
     return QString::fromLatin1(out.data(), qsizetype(out.size()));
+}
+
+double number_text_value(double value) {
+    if (!std::isfinite(value)) return Val(number_text(value));
+    if (value == 0.0) return 0.0;
+    // The same 15 digits as number_text writes, read back by the same reader
+    // Val hands long numbers to; a decimal reads back the same whether it is
+    // written with an exponent or without.
+    char buf[64];
+    const auto res = std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific, 14);
+    const double read = parse_unsigned(std::string(buf, res.ptr));
+    if (read == 0.0) return 0.0;
+    return value < 0 ? -read : read;
 }
 
 QString number_text(double value, int significant) {

@@ -3,6 +3,7 @@
 // depends on the C library's locale: a comma locale must not change a byte.
 
 #include <QString>
+#include <string>
 #include <cstdint>
 
 namespace veldo {
@@ -56,6 +57,11 @@ double Round(double value, int decimals = 0);
 QString number_text(double value, int significant = 15);
 // The plain text of a number: as number_text without the leading blank.
 QString plain_number_text(double value, int significant = 15);
+// The same as single-byte text (it is only ever ASCII).
+std::string plain_number_chars(double value, int significant = 15);
+// Val(number_text(value)): the value taken to 15 significant digits, without
+// the text in between.
+double number_text_value(double value);
 
 // A 4-decimal fixed-point value, as the averages are kept: the double
 // rounded to 4 decimals as Round does.
