@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
+#include <cmath>
 #include <cstdio>
 #include <map>
 
@@ -177,22 +178,40 @@ bool update_marks_table(RecordStore& store, int series) {
     return written;
 }
 
-bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
+namespace {
+
+// Whether a row holds a learner: its number reads as more than nought. A
+// number field's value is that number, except at the far ends, where its
+// text decides as it always did.
+bool holds_learner(const QVariant& number) {
+    if (number.typeId() == QMetaType::Double) {
+        const double n = number.toDouble();
+        if (std::isfinite(n) && (n <= 0 || n >= 1e-300)) return n > 0;
+    }
+    return Val(plain_text(number)) > 0;
+}
+
+// The rebuild of an open table; the new table's handle, open at the path,
+// or none when the old table stays as it was.
+std::unique_ptr<DbfTable> rebuild_open_table(RunState& run, const QString& path, std::unique_ptr<DbfTable> old,
+                                             QString* error) {
     const QString tmpl = find_ignoring_case(run.start_folder, "mrk_book.org");
     if (tmpl.isEmpty()) {
         if (error) *error = "template missing";
-        return false;
+        return nullptr;
     }
-    auto old = open_table_to_write(run, path);
     // The rebuild holds the whole table until the new one stands in its place.
-    if (!old || !old->begin_batch()) return false;
+    if (!old || !old->begin_batch()) return nullptr;
     // Rows of learners only; the sort needs no more than each row's place
     // and its name, and puts them in the order a grid of every field would.
     std::vector<std::pair<int, QString>> kept;
     kept.reserve(std::size_t(old->RecordCount()));
     int place = 0;
-    for (old->MoveFirst(); !old->Eof(); old->MoveNext(), ++place)
-        if (Val(plain_text(old->value(0))) > 0) kept.emplace_back(place, plain_text(old->value(1)));
+    for (old->MoveFirst(); !old->Eof(); old->MoveNext(), ++place) {
+        if (!holds_learner(old->value(0))) continue;
+        const QVariant name = old->value(1);
+        kept.emplace_back(place, name.typeId() == QMetaType::QString ? name.toString() : plain_text(name));
+    }
     TextGrid grid(0, 0);
     grid.set_fixed_rows(0);
     grid.set_fixed_cols(0);
@@ -209,18 +228,18 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
     QFile::remove(fresh);
     if (!start_from_template(tmpl, fresh)) {
         if (error) *error = "copy failed";
-        return false;
+        return nullptr;
+    }
+    auto table = DbfTable::open(fresh);
+    if (!table) {
+        QFile::remove(fresh);
+        return nullptr;
     }
     {
-        auto table = DbfTable::open(fresh);
-        if (!table) {
-            QFile::remove(fresh);
-            return false;
-        }
         if (!table->begin_batch()) {
             table->Close();
             QFile::remove(fresh);
-            return false;
+            return nullptr;
         }
         const int fields = std::min(table->field_count(), old->field_count());
         // With the template's own layout a record is copied as it stands,
@@ -260,23 +279,32 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
             if (!table->Update()) {
                 table->Close();
                 QFile::remove(fresh);
-                return false;
+                return nullptr;
             }
         }
-        const bool written = table->commit_batch();
-        table->Close();
-        if (!written) {
+        if (!table->commit_batch()) {
+            table->Close();
             QFile::remove(fresh);
-            return false;
+            return nullptr;
         }
     }
     // The new table takes the old one's place before the old one is let go:
     // a workstation waiting for it then finds it replaced.
-    const bool placed = std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()) == 0;
-    if (!placed) QFile::remove(fresh);
+    const bool placed = table->rename_to(path);
+    if (!placed) {
+        table->Close();
+        QFile::remove(fresh);
+    }
     old->Close();
-    return placed;
+    return placed ? std::move(table) : nullptr;
 }
+
+}  // namespace
+
+bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
+    return rebuild_open_table(run, path, open_table_to_write(run, path), error) != nullptr;
+}
+
 
 std::unique_ptr<OpenMarkBook> open_mark_book(RecordStore& store, const QStringList& row, int series) {
     RunState& run = store.run();
@@ -286,6 +314,7 @@ std::unique_ptr<OpenMarkBook> open_mark_book(RecordStore& store, const QStringLi
         show(run, no_mark_book_message(run));
         return nullptr;
     }
+    std::unique_ptr<DbfTable> checked;
     {
         auto table = open_or_say(run, path);
         if (!table) return nullptr;
@@ -316,12 +345,14 @@ std::unique_ptr<OpenMarkBook> open_mark_book(RecordStore& store, const QStringLi
             }
             if (table->RecordCount() == 0) return nullptr;
         }
+        checked = std::move(table);
     }
-    rebuild_marks_table(run, path);
-
     auto book = std::make_unique<OpenMarkBook>();
     book->series = series;
-    book->table = open_or_say(run, path);
+    // The rebuilt table stays open for the book; a table that could not be
+    // rebuilt is opened as it stands.
+    book->table = rebuild_open_table(run, path, std::move(checked), nullptr);
+    if (!book->table) book->table = open_or_say(run, path);
     if (!book->table) return nullptr;
     const auto key = find_setup_key(folder, series_key(row), SetupSearch::Readers);
     if (!key) {

@@ -1377,6 +1377,14 @@ void DbfTable::Close() {
     offsets_.clear();
 }
 
+bool DbfTable::rename_to(const QString& path) {
+    if (!file_.is_open() || batch_ || mode_ != Mode::None) return false;
+    if (std::rename(QFile::encodeName(path_).constData(), QFile::encodeName(path).constData()) != 0) return false;
+    path_ = path;
+    MoveFirst();
+    return true;
+}
+
 bool DbfTable::flush() {
     if (!file_.is_open()) return false;
     if (batch_) {

@@ -172,6 +172,10 @@ public:
     bool Refresh();
     void Close();
     bool flush();
+    // The table's file takes `path`'s place in one step (a file standing
+    // there goes) and the handle goes on with it under its new name, at its
+    // first record. Refused in the middle of an edit or a batch.
+    bool rename_to(const QString& path);
 
     // Whole-table work. Between begin_batch and commit_batch, Edit takes
     // the record from memory, and Update and AddNew change only memory;
