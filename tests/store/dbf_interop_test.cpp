@@ -7,6 +7,7 @@
 
 #include "store/dbf_table.h"
 #include "store/table_layouts.h"
+#include "tests/store/store_tables.h"
 #include "util/cp1252.h"
 
 namespace veldo {
@@ -23,17 +24,11 @@ TEST(DbfInterop, AnotherReaderSeesOurRecordsFieldsAndCount) {
     ASSERT_FALSE(QStandardPaths::findExecutable("dbview").isEmpty()) << "dbview is installed by scripts/setup.sh";
     QTemporaryDir dir;
     const QString path = dir.filePath("punte1.dbf");
-    ASSERT_TRUE(DbfTable::create(path, class_list_fields()));
+    testing::make_table(path, class_list_fields(),
+                        {{"10001", "Botha, Anri", "94", "A"}, {"10002", "Nel, Marné", "A", QVariant()},
+                         {"10003", "Smith, Emily", QVariant(), QVariant()}});
     auto t = DbfTable::open(path);
-    const QList<QStringList> rows{{"10001", "Botha, Anri", "94", "A"}, {"10002", "Nel, Marné", "A", ""},
-                                  {"10003", "Smith, Emily", "", ""}};
-    for (const QStringList& row : rows) {
-        t->AddNew();
-        for (int f = 0; f < row.size(); ++f) t->set_value(f, row[f].isEmpty() ? QVariant() : QVariant(row[f]));
-        ASSERT_TRUE(t->Update());
-    }
-    t->MoveFirst();
-    t->Move(2);
+    t->MoveLast();
     ASSERT_TRUE(t->Delete());
     t->Close();
 

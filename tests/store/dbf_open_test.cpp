@@ -6,6 +6,7 @@
 
 #include "store/dbf_open.h"
 #include "store/record_store.h"
+#include "tests/store/store_tables.h"
 #include "tests/support/temp_drive.h"
 #include "tests/support/unprivileged.h"
 
@@ -13,6 +14,7 @@ namespace veldo {
 namespace {
 
 using testing::TempDrive;
+using testing::make_table;
 using testing::read_bytes;
 using testing::write_bytes;
 
@@ -28,25 +30,14 @@ struct FamilyDbfOpener : ::testing::Test {
 
 TEST_F(FamilyDbfOpener, AMissingTableIsMadeFromItsTemplateInAFolderMadeForIt) {
     ASSERT_TRUE(DbfTable::create(program + "/LWISK_P_S.org", fields));
-    write_bytes(program + "/LWISK_P_S.ort", "memo template");
-    const QString folder = t.path("data/new");
-    auto table = open_dbf_table(*t.store, folder, "LWISK_P_S");
+    auto table = open_dbf_table(*t.store, t.path("data/new"), "LWISK_P_S");
     ASSERT_TRUE(table);
     EXPECT_EQ(table->field_count(), 2);
-    EXPECT_EQ(read_bytes(folder + "/LWISK_P_S.dbt"), "memo template");
     EXPECT_TRUE(QFileInfo::exists(t.path("ProgramData/KESTRALIN/networklock.txt")));
 }
 
 TEST_F(FamilyDbfOpener, ATableWithRowsIsOpenedAsItIs) {
-    const QString path = t.data("LNW_P_S.dbf");
-    ASSERT_TRUE(DbfTable::create(path, fields));
-    {
-        auto w = DbfTable::open(path);
-        w->AddNew();
-        w->set_value(0, "1");
-        w->set_value(1, "Uitstekend");
-        ASSERT_TRUE(w->Update());
-    }
+    make_table(t.data("LNW_P_S.dbf"), fields, {{"1", "Uitstekend"}});
     ASSERT_TRUE(DbfTable::create(program + "/LNW_P_S.org", fields));
     auto table = open_dbf_table(*t.store, t.run.data_folder, "LNW_P_S");
     ASSERT_TRUE(table);
@@ -78,13 +69,7 @@ TEST_F(FamilyDbfOpener, AnEmptyTableIsMadeAfreshAndWithoutATemplateItGoes) {
 TEST_F(FamilyDbfOpener, AReadOnlyDataSetEndsTheRunWithItsMessage) {
     if (veldo::testing::rerun_unprivileged()) return;
     const QString path = t.data("LWISK_P_S.dbf");
-    ASSERT_TRUE(DbfTable::create(path, fields));
-    {
-        auto w = DbfTable::open(path);
-        w->AddNew();
-        w->set_value(0, "1");
-        ASSERT_TRUE(w->Update());
-    }
+    make_table(path, fields, {{"1"}});
     const QString record_file = t.data("exp_mrk_control.txt");
     write_bytes(record_file, QByteArray(44, ' '));
     const QString symbols = t.data("pi2_random.txt");

@@ -14,6 +14,19 @@ using testing::TempDrive;
 using testing::series_record;
 using testing::write_bytes;
 
+// A drive whose series file holds the given records.
+struct SeriesFile : ::testing::Test {
+    TempDrive t;
+    void write(const QList<SeriesSpec>& specs) {
+        QByteArray bytes;
+        for (const SeriesSpec& spec : specs) bytes += series_record(spec);
+        write_bytes(t.data("exp_mrk_control.txt"), bytes);
+    }
+};
+using SeriesRows = SeriesFile;
+using MarkList = SeriesFile;
+using ClassLists = SeriesFile;
+
 TEST(SeriesLayout, IsFortyFourBytesWithFieldsAtTheirOffsets) {
     const RecordLayout& l = series_record_layout();
     EXPECT_EQ(l.length(), 44);
@@ -27,12 +40,10 @@ TEST(SeriesLayout, IsFortyFourBytesWithFieldsAtTheirOffsets) {
     EXPECT_EQ(raw.mid(28, 8), QByteArray::fromHex("00000000807ae640"));  // 46036 days
 }
 
-TEST(SeriesRows, HoldTheNineColumnsUntrimmedWithTotal100AboveGrade9) {
-    TempDrive t;
-    write_bytes(t.data("exp_mrk_control.txt"),
-                series_record({"12 ", "GES  ", 400, "12A", "   ", "   ", 7, "K7", QDate(2026, 1, 14)}) +
-                    series_record({"9  ", "NW   ", 80, "   ", "   ", "N1 ", 4, "K4", QDate(2026, 1, 14)}) +
-                    series_record({"R  ", "AFR  ", 62.5f, "RA ", "   ", "   ", 0, "", QDate()}));
+TEST_F(SeriesRows, HoldTheNineColumnsUntrimmedWithTotal100AboveGrade9) {
+    write({{"12 ", "GES  ", 400, "12A", "   ", "   ", 7, "K7", QDate(2026, 1, 14)},
+           {"9  ", "NW   ", 80, "   ", "   ", "N1 ", 4, "K4", QDate(2026, 1, 14)},
+           {"R  ", "AFR  ", 62.5f, "RA ", "   ", "   ", 0, "", QDate()}});
     const auto rows = series_rows(*t.store);
     ASSERT_EQ(rows.size(), 3);
     EXPECT_EQ(rows[0], (QStringList{"12 ", "GES  ", "100", "12A", "   ", "   ", "7", "K7   ", "2026/01/14"}));
@@ -42,27 +53,22 @@ TEST(SeriesRows, HoldTheNineColumnsUntrimmedWithTotal100AboveGrade9) {
     EXPECT_EQ(t.store->series_count(), 3);
 }
 
-TEST(SeriesRows, FillTheGridWithoutAHeadingRow) {
-    TempDrive t;
-    write_bytes(t.data("exp_mrk_control.txt"), series_record({"8  ", "AFR  ", 100, "8A ", "", "", 1, "", {}}));
+TEST_F(SeriesRows, FillTheGridWithoutAHeadingRow) {
+    write({{"8  ", "AFR  ", 100, "8A ", "", "", 1, "", {}}});
     TextGrid grid;
     fill_series_grid(*t.store, grid);
-    EXPECT_EQ(grid.rows(), 1);
-    EXPECT_EQ(grid.cols(), 9);
-    EXPECT_EQ(grid.fixed_rows(), 0);
+    EXPECT_EQ((QList<int>{grid.rows(), grid.cols(), grid.fixed_rows()}), (QList<int>{1, 9, 0}));
     EXPECT_EQ(grid.text(0, 1), "AFR  ");
 }
 
-TEST(SeriesRows, AnEmptyOrMissingTableGivesNoRows) {
-    TempDrive t;
-    write_bytes(t.data("exp_mrk_control.txt"), {});
+TEST_F(SeriesRows, AnEmptyOrMissingTableGivesNoRows) {
+    write({});
     EXPECT_TRUE(series_rows(*t.store).isEmpty());
     QFile::remove(t.data("exp_mrk_control.txt"));
     EXPECT_TRUE(series_rows(*t.store).isEmpty());
 }
 
-TEST(SeriesRows, AShortLastRecordIsCountedAndReadWithBlanksMissing) {
-    TempDrive t;
+TEST_F(SeriesRows, AShortLastRecordIsCountedAndReadWithBlanksMissing) {
     const QByteArray one = series_record({"10 ", "WISK ", 300, "10A", "", "", 5, "", {}});
     write_bytes(t.data("exp_mrk_control.txt"), one + one.left(22));  // 66 bytes: 1.5 records
     const auto rows = series_rows(*t.store);
@@ -79,26 +85,18 @@ TEST(SeriesKey, TakesClassElseGroupAndKeepsTheGradePadding) {
     EXPECT_EQ(series_key({"   ", "     ", "", "   ", "", "   "}), "_____");
 }
 
-TEST(MarkList, PutsTheGroupBeforeTheClassAndCutsTheClassPart) {
-    TempDrive t;
-    write_bytes(t.data("exp_mrk_control.txt"),
-                series_record({"10 ", "WISK ", 300, "10 ", "A  ", "   ", 1, "", {}}) +
-                    series_record({"9", "NW", 80, "9A ", "   ", "B1 ", 2, "", {}}) +
-                    series_record({"12 ", "GES  ", 400, "12A", "   ", "   ", 3, "", {}}));
-    const auto items = mark_list_items(*t.store);
-    ASSERT_EQ(items.size(), 3);
-    EXPECT_EQ(items[0].text, "  10 WISK  10 ");
-    EXPECT_EQ(items[1].text, "   9 NW    B1 ");
-    EXPECT_EQ(items[2].text, "  12 GES   12A");
-    EXPECT_EQ(items[2].total, "400");  // the stored figure, not 100
+TEST_F(MarkList, PutsTheGroupBeforeTheClassAndCutsTheClassPart) {
+    write({{"10 ", "WISK ", 300, "10 ", "A  ", "   ", 1, "", {}}, {"9", "NW", 80, "9A ", "   ", "B1 ", 2, "", {}},
+           {"12 ", "GES  ", 400, "12A", "   ", "   ", 3, "", {}}});
+    QStringList texts;
+    for (const auto& item : mark_list_items(*t.store)) texts << item.text;
+    EXPECT_EQ(texts, (QStringList{"  10 WISK  10 ", "   9 NW    B1 ", "  12 GES   12A"}));
+    EXPECT_EQ(mark_list_items(*t.store).at(2).total, "400");  // the stored figure, not 100
 }
 
-TEST(ClassList, ListsClassesOrGroupsJoinedByCommas) {
-    TempDrive t;
-    write_bytes(t.data("exp_mrk_control.txt"),
-                series_record({"8  ", "AFR  ", 100, "8A ", "", "", 1, "", {}}) +
-                    series_record({"9  ", "NW   ", 80, "   ", "", "N1 ", 2, "", {}}) +
-                    series_record({"9  ", "NW   ", 80, "   ", "", "   ", 3, "", {}}));
+TEST_F(ClassLists, ListsClassesOrGroupsJoinedByCommas) {
+    write({{"8  ", "AFR  ", 100, "8A ", "", "", 1, "", {}}, {"9  ", "NW   ", 80, "   ", "", "N1 ", 2, "", {}},
+           {"9  ", "NW   ", 80, "   ", "", "   ", 3, "", {}}});
     const ClassList list = class_list(*t.store);
     EXPECT_EQ(list.items, (QStringList{"8A", "N1"}));
     EXPECT_EQ(list.joined, "8A, N1");

@@ -11,8 +11,6 @@
 
 using namespace veldo;
 
-// ---- Val: the leading number of a text -------------------------------------
-
 // Blanks, tabs and line ends in front are skipped; the number stops at the
 // first misfit: no exponent, no comma decimal; no number gives zero.
 TEST(LegacyNumberVal, ReadsTheLeadingNumberAndStopsAtTheFirstMisfit) {
@@ -54,8 +52,6 @@ TEST(LegacyNumberVal, ReadsEveryDecimalToTheCorrectlyRoundedDouble) {
     }
 }
 
-// ---- IsNumeric ---------------------------------------------------------------
-
 TEST(LegacyNumberIsNumeric, TakesWholeNumbersWithBlanksAroundAndExponentsOnly) {
     for (const char* yes : {" 12.5 ", "-.5", "1E3", "2d-2"}) EXPECT_TRUE(IsNumeric(QString::fromLatin1(yes))) << yes;
     for (const char* no : {"", "  ", "12a", ".", "1e", "1,5", "A"})
@@ -64,8 +60,6 @@ TEST(LegacyNumberIsNumeric, TakesWholeNumbersWithBlanksAroundAndExponentsOnly) {
     ASSERT_TRUE(parse_numeric(QStringLiteral("2.5e2"), &v));
     EXPECT_DOUBLE_EQ(v, 250.0);
 }
-
-// ---- Format masks --------------------------------------------------------------
 
 // Half away from zero after a 15-digit step; no thousands separator; a number
 // wider than its placeholders widens; "0" before the point always shows a
@@ -154,8 +148,6 @@ TEST(LegacyNumberMask, LocaleDoesNotChangeAByte) {
     QLocale::setDefault(before);
 }
 
-// ---- Bank rounding ---------------------------------------------------------------
-
 // Ties go to the even digit only where the double lies exactly halfway; the
 // export and the averages work on the double as it stands. Huge and
 // non-finite values are left alone.
@@ -184,8 +176,6 @@ TEST(LegacyNumberRound, TiesToEvenOnTheExactValueOfTheDouble) {
     EXPECT_TRUE(std::isnan(Round(std::nan(""), 1)));
     EXPECT_EQ(plain_number_text(Round(26.1 / 40.0 * 100.0, 1)), QStringLiteral("65.3"));
 }
-
-// ---- Number text ------------------------------------------------------------------
 
 TEST(LegacyNumberText, PlainDecimalWithALeadingBlankUnlessNegative) {
     struct Row {
@@ -220,8 +210,6 @@ TEST(LegacyNumberText, ValReadsNumberTextBackToFifteenDigits) {
         ASSERT_LE(std::fabs(back - x), std::fabs(x) * 1e-14) << number_text(x).toStdString();
     }
 }
-
-// ---- Currency -----------------------------------------------------------------------
 
 // Four decimals, ties to even; text() drops trailing zeros, fixed4() keeps
 // them; a value too big saturates instead of overflowing.
