@@ -6,7 +6,6 @@
 
 #include "input/marks_input.h"
 #include "tests/markbook/demo_school_fixture.h"
-#include "tests/support/unprivileged.h"
 
 namespace veldo {
 namespace {
@@ -274,23 +273,6 @@ TEST_F(CycleMarks, ABadTableIsRefusedAndLosesNothing) {
         EXPECT_EQ(read_bytes(run.data_folder + "/PUNTE1.BAK"), "the last good copy");
         if (!c.bytes.isEmpty()) EXPECT_EQ(read_bytes(punte()), c.bytes);
     }
-}
-
-// A data folder the teacher may not write: the backup can't be taken, the
-// series doesn't open, nothing changes.
-TEST_F(CycleMarks, AReadOnlyFolderOpensNothing) {
-    if (testing::rerun_unprivileged()) return;
-    const QByteArray before = read_bytes(punte());
-    QFile(run.data_folder).setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-    MarksInput input(ctx, printer);
-    ASSERT_TRUE(input.load());
-    EXPECT_FALSE(input.open_subject(0));
-    QFile(run.data_folder).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    ASSERT_EQ(dialogs.messages.size(), 1);
-    EXPECT_TRUE(dialogs.messages[0].text.startsWith("Can't write " + shown(run.data_folder + "/PUNTE1.BAK")))
-        << dialogs.messages[0].text.toStdString();
-    EXPECT_EQ(read_bytes(punte()), before);
-    EXPECT_FALSE(QFile::exists(run.data_folder + "/PUNTE1.BAK"));
 }
 
 }  // namespace
