@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
@@ -34,12 +33,19 @@ struct Cli : ::testing::Test {
     testing::ProgramResult on(const QString& word, int series, const QStringList& more = {}) {
         return run(QStringList{word, "--data", data(), "--series", QString::number(series)} + more);
     }
-    static QStringList lines(const testing::ProgramResult& r) { return r.out.split('\n', Qt::SkipEmptyParts); }
-    QStringList dump(const QString& table) { return lines(run({"dump", data() + "/" + table})); }
+    static QStringList lines(const QString& text) { return text.split('\n', Qt::SkipEmptyParts); }
+    QStringList dump(const QString& table) { return lines(run({"dump", data() + "/" + table}).out); }
+    // The first sheet of a workbook the program wrote.
+    static QList<QStringList> sheet(const QString& xlsx) {
+        SheetReadError error;
+        const auto rows = read_first_sheet(xlsx, &error);
+        EXPECT_TRUE(rows) << error.detail.toStdString();
+        return rows.value_or(QList<QStringList>());
+    }
 
-    // A word with its arguments, the exit code, a text the run prints (on
-    // standard output, or on standard error where it fails), and whether the
-    // watched file changes.
+    // A word with its arguments, the exit code, a whole line the run prints
+    // (on either stream where it succeeds, on standard error where it fails;
+    // none where empty), and whether the watched file changes.
     struct Step {
         QStringList args;
         int code;
@@ -55,7 +61,8 @@ struct Cli : ::testing::Test {
             if (series > 0) args << "--series" << QString::number(series);
             const auto r = run(args + s.args.mid(1));
             EXPECT_EQ(r.exit_code, s.code) << r.err.toStdString();
-            EXPECT_TRUE((s.code == 0 ? r.out : r.err).contains(s.said)) << r.out.toStdString() << r.err.toStdString();
+            const QStringList said = lines(s.code == 0 ? r.out + "\n" + r.err : r.err);
+            EXPECT_TRUE(s.said.isEmpty() || said.contains(s.said)) << r.out.toStdString() << r.err.toStdString();
             EXPECT_EQ(read_bytes(watched) != before, s.changes);
         }
     }
@@ -84,13 +91,16 @@ TEST_F(Cli, BadUsageExitsTwoWithTheUsage) {
         {"setup", "insert", "--data", "x", "--series", "1"}, {"copy-setup", "--data", "x", "--from", "1"},
         {"move-learner", "--data", "x", "--from", "8A", "--to", "8B"}};
     for (const QStringList& args : cases) {
+        SCOPED_TRACE(args.join(' ').toStdString());
         const auto r = run(args);
-        EXPECT_EQ(r.exit_code, 2) << args.join(' ').toStdString();
-        EXPECT_TRUE(r.err.contains("usage: veldo-tally")) << args.join(' ').toStdString();
+        EXPECT_EQ(r.exit_code, 2);
+        EXPECT_TRUE(r.err.contains("usage: veldo-tally"));
     }
 }
 
-TEST_F(Cli, TheDemoSchoolHasSeriesClassListsMarkBooksAndASchoolRecord) {
+// What the demo school holds is pinned by the screens' tests on it; here the
+// files appear and the listing words print a series and a table line by line.
+TEST_F(Cli, TheDemoSchoolIsWrittenAndListedLineByLine) {
     const auto demo = run({"demo", "--data", data()});
     ASSERT_EQ(demo.exit_code, 0) << demo.err.toStdString();
     EXPECT_TRUE(demo.out.startsWith("Demo school written to " + data()));
@@ -100,24 +110,16 @@ TEST_F(Cli, TheDemoSchoolHasSeriesClassListsMarkBooksAndASchoolRecord) {
     for (const char* name : {"pi2_dta.dbf", "marks1.dbf", "setup_8  AFR__8A.txt"}) EXPECT_TRUE(d.exists(name)) << name;
     EXPECT_TRUE(QFileInfo::exists(drive.filePath("Skl_Dta_random.txt")));
 
-    const auto r = run({"series", "--data", data()});
-    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
-    const QStringList series = lines(r);
-    ASSERT_GE(series.size(), 8);
-    EXPECT_EQ(series[0], "8  \tAFR  \t100\t8A \t   \t   \t101\tK001 \t2026/01/14");
+    const QStringList series = lines(run({"series", "--data", data()}).out);
+    EXPECT_EQ(series.value(0), "8  \tAFR  \t100\t8A \t   \t   \t101\tK001 \t2026/01/14");
     for (const QString& line : series) EXPECT_EQ(line.split('\t').size(), 9) << line.toStdString();
-
     const QStringList list = dump("punte1.dbf");
-    ASSERT_EQ(list.size(), 1 + 32);
-    EXPECT_EQ(list[0], "EF_T_NR\tEF_NAME\tEF_PUNT\tEF_P_S");
-    EXPECT_TRUE(list[1].startsWith("10001\t")) << list[1].toStdString();
-    const QStringList marks = dump("marks1.dbf");
-    EXPECT_EQ(marks[0].split('\t').size(), 42);
-    EXPECT_TRUE(marks[0].startsWith("MB_T_NR\tMB_NAME\tMB_R01"));
-    EXPECT_EQ(dump("pi2_dta.dbf").size(), 8);
+    EXPECT_EQ(list.size(), 1 + 32);
+    EXPECT_EQ(list.value(0), "EF_T_NR\tEF_NAME\tEF_PUNT\tEF_P_S");
+    EXPECT_TRUE(list.value(1).startsWith("10001\t")) << list.value(1).toStdString();
 }
 
-TEST_F(Cli, AFolderWithoutMarksIsRefusedInTheUsersLanguage) {
+TEST_F(Cli, AFolderWithoutMarksOrATableIsRefusedInTheUsersLanguage) {
     auto r = run({"series", "--data", data(), "--lang", "af"});
     EXPECT_EQ(r.exit_code, 1);
     EXPECT_EQ(r.err.trimmed(), "DIE GIDS " + data() + " BESTAAN NIE!");
@@ -130,11 +132,9 @@ TEST_F(Cli, AFolderWithoutMarksIsRefusedInTheUsersLanguage) {
     write_bytes(drive.filePath("ProgramData/KESTRALIN/setup.txt"), "\"\"\r\n#TRUE#\r\n");
     EXPECT_EQ(run({"series", "--data", data()}).err.trimmed(),
               "Bestaande gids (" + data() + ") bevat nie punteleêrs nie ...");
-}
 
-TEST_F(Cli, DumpRefusesADamagedOrMissingTableWithAMessage) {
     write_bytes(drive.filePath("bad.dbf"), QByteArray("this is no table at all"));
-    const auto r = run({"dump", drive.filePath("bad.dbf")});
+    r = run({"dump", drive.filePath("bad.dbf")});
     EXPECT_EQ(r.exit_code, 1);
     EXPECT_TRUE(r.err.contains("bad.dbf"));
     EXPECT_EQ(run({"dump", drive.filePath("none.dbf")}).exit_code, 1);
@@ -143,15 +143,8 @@ TEST_F(Cli, DumpRefusesADamagedOrMissingTableWithAMessage) {
 TEST_F(CliBook, AReadOnlyFolderIsRefusedWithAMessageAndKeepsItsFiles) {
     // The school's own records stay open to every user; only the data folder
     // and its tables are closed to writing.
-    const auto open_all = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner |
-                          QFileDevice::ReadOther | QFileDevice::WriteOther | QFileDevice::ExeOther;
-    QDirIterator all(drive.path(), QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDirIterator::Subdirectories);
-    while (all.hasNext()) QFile::setPermissions(all.next(), open_all);
-    QFile::setPermissions(drive.path(), open_all);
-    QDirIterator tables(data(), QDir::Files);
-    while (tables.hasNext()) QFile::setPermissions(tables.next(), QFileDevice::ReadOwner | QFileDevice::ReadOther);
-    QFile::setPermissions(data(), QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadOther |
-                                      QFileDevice::ExeOther);
+    ASSERT_EQ(QProcess::execute("chmod", {"-R", "a+rwX", drive.path()}), 0);
+    ASSERT_EQ(QProcess::execute("chmod", {"-R", "a-w", data()}), 0);
     const QByteArray before = read_bytes(data() + "/marks1.dbf");
 
     const auto demo = run({"demo", "--data", data() + "/school"}, true);
@@ -176,85 +169,44 @@ TEST_F(CliBook, AReadOnlyFolderIsRefusedWithAMessageAndKeepsItsFiles) {
         EXPECT_EQ(r.out.toStdString(), "");
         EXPECT_EQ(read_bytes(data() + "/marks1.dbf"), before);
     }
-    QFile::setPermissions(data(), open_all);
+    QProcess::execute("chmod", {"-R", "u+w", data()});
 }
 
-TEST_F(CliBook, OpenRecalcAndAveragesSayWhatTheyDid) {
-    const auto r = on("open", 1);
-    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
-    EXPECT_EQ(r.out.trimmed(), "Mark book 1 (setup_8  AFR__8A.txt): 32 learners, 21 columns");
-    const QStringList before = lines(on("averages", 1));
+// The averages as field, name and a percentage to four decimals, moved by a
+// recalculation on its totals only (the words' own lines are the demo's).
+TEST_F(CliBook, AveragesPrintEachColumnAndFollowARecalculation) {
+    const QStringList before = lines(on("averages", 1).out);
     ASSERT_EQ(before.size(), 21);
     EXPECT_TRUE(before[4].startsWith("6\tKLASWERK\t0.0000"));
     ASSERT_EQ(on("recalc", 1).exit_code, 0);
-    const QStringList after = lines(on("averages", 1, {"--lang", "af"}));
+    const QStringList after = lines(on("averages", 1, {"--lang", "af"}).out);
     ASSERT_EQ(after.size(), 21);
     EXPECT_EQ(after[0], before[0]);  // a task column is not touched
-    EXPECT_TRUE(after[4].startsWith("6\tKLASWERK\t"));
     EXPECT_NE(after[4], before[4]);
     EXPECT_TRUE(QRegularExpression("^22\tTOTAAL\t\\d+\\.\\d{4}$").match(after[20]).hasMatch()) << after[20].toStdString();
 }
 
-// Marks typed one after another into one learner's PRAKTIES 1 (out of 25,
-// feeding TOTAAL): the range test from both sides, the running figure moved
-// by the difference from the old mark, "A" and an emptied cell.
-TEST_F(CliBook, AMarkIsJudgedStoredAndAddedToTheRunningFigure) {
+// A mark typed into book 4 (PRAKTIES 1, out of 25, feeding TOTAAL): the range
+// from both sides in either language, a column without marks, an unknown
+// learner. What is stored and added to the running figure is pinned by the
+// input screen's tests.
+TEST_F(CliBook, AMarkIsJudgedAndSaysWhereItWent) {
     ASSERT_EQ(on("recalc", 4).exit_code, 0);
-    const QString number = "10106";
-    const auto learner_row = [&] {
-        for (const QString& line : dump("marks4.dbf"))
-            if (line.startsWith(number + "\t")) return line.split('\t');
-        return QStringList();
+    const auto mark = [](const char* column, const char* value, const char* learner = "10106") {
+        return QStringList{"mark", "--learner", learner, "--column", column, "--value", value};
     };
-    const QStringList before = learner_row();
-    ASSERT_EQ(before.size(), 42);
-    double figure = Val(before[5]);
-    double old = Val(before[2]);
-    const struct {
-        const char* typed;
-        int exit_code;
-        const char* stored;  // field 2 afterwards
-        const char* why;
-    } rows[] = {
-        {"25", 0, "25.0", "the column's total is a mark"},
-        {"25.1", 1, "25.0", "a tenth above is refused"},
-        {"-1", 1, "25.0", "a negative mark is refused"},
-        {"0", 0, "0.0", "0 is a mark"},
-        {"12x", 0, "12.0", "the leading number"},
-        {"A", 0, "A", "an absence leaves the figure alone"},
-        {"7.25", 0, "7.3", "one decimal, half away from zero"},
-        {"", 0, "", "an emptied cell takes its old mark off the figure"},
-    };
-    const auto mark = [&](const char* column, const char* value, const char* learner = "10106") {
-        return on("mark", 4, {"--learner", learner, "--column", column, "--value", value});
-    };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.why);
-        const auto result = mark("2", r.typed);
-        EXPECT_EQ(result.exit_code, r.exit_code) << result.err.toStdString();
-        const QStringList after = learner_row();
-        EXPECT_EQ(after.value(2), QString(r.stored));
-        if (r.exit_code != 0) {
-            EXPECT_EQ(result.err.trimmed(), "Marks can only be ' ', 'A', 'a' or 0-25");
-            continue;
-        }
-        if (QString(r.typed) != "A") {
-            if (old > 0) figure -= old;
-            figure += Val(r.stored);
-        }
-        old = Val(r.stored);
-        EXPECT_EQ(after.value(5), format_one_decimal(figure));
-    }
-    EXPECT_EQ(on("mark", 4, {"--learner", number, "--column", "2", "--value", "26", "--lang", "af"}).err.trimmed(),
-              "Punte kan slegs ' ', 'A', 'a' of 0-25 wees");
-    const auto total = mark("5", "1");
-    EXPECT_EQ(total.exit_code, 1);
-    EXPECT_EQ(total.err.trimmed(), "Column 5 of mark book 4 takes no marks: choose a task's column (2 to 41).");
-    EXPECT_EQ(mark("2", "1", "1").err.trimmed(), "There is no learner 1 in mark book 4.");
+    steps(data() + "/marks4.dbf",
+          {{mark("2", "25"), 0, "Erasmus, Michael, PRAKTIES 1: 25.0 (TOTAAL 50.5)", true},
+           {mark("2", "25.1"), 1, "Marks can only be ' ', 'A', 'a' or 0-25"},
+           {mark("2", "-1"), 1, "Marks can only be ' ', 'A', 'a' or 0-25"},
+           {mark("2", "26") + QStringList{"--lang", "af"}, 1, "Punte kan slegs ' ', 'A', 'a' of 0-25 wees"},
+           {mark("5", "1"), 1, "Column 5 of mark book 4 takes no marks: choose a task's column (2 to 41)."},
+           {mark("2", "1", "1"), 1, "There is no learner 1 in mark book 4."}},
+          4);
 }
 
-// The column actions on book 1 of the demo school: refusals change no byte;
-// what the marks become is pinned by the column actions' own tests.
+// The column actions on book 1: refusals change no byte; what the marks
+// become is pinned by the column actions' own tests.
 TEST_F(CliBook, TheColumnActionsSayWhatTheyDidOrWhyNot) {
     ASSERT_EQ(on("open", 1).exit_code, 0);
     const auto scaled = on("scale", 1, {"--column", "3", "--average", "80"});
@@ -272,51 +224,44 @@ TEST_F(CliBook, TheColumnActionsSayWhatTheyDidOrWhyNot) {
            {{"paste-column", "--column", "3", "--file", "missing.txt"}, 1,
             "The file " + QDir::current().absoluteFilePath("missing.txt") + " can't be read."},
            {{"print", "meritlist", "--column", "24", "--pdf", "m.pdf"}, 1, no_marks.arg(24)},
-           {{"copy-column", "--from", "2", "--to", "3"}, 0, "", true},
+           {{"copy-column", "--from", "2", "--to", "3"}, 0, "TAAK 1 -> TAAK 2: 32 learners", true},
            {{"paste-column", "--column", "3", "--file", drive.filePath("clip.txt")}, 0, "TAAK 2: 32 learners", true},
            {{"print", "meritlist", "--column", "3", "--pdf", merit}, 0, ""}});
     EXPECT_TRUE(pdf_text(merit).contains("MERIT LIST 8 AFR 8A - TAAK 2"));
 }
 
-TEST_F(CliBook, ExportSymbolsAndSyncWriteWhatTheySay) {
-    auto r = on("export", 5, {"--task", "14"});
-    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
-    EXPECT_TRUE(r.err.contains("WIL U DEFNITIEF") || r.err.contains("DO YOU WISH TO EXPORT \"HOOFTOETS 1\" ?"));
-    EXPECT_TRUE(r.err.contains("Marks for 10 WISK_10A exported sucessfully ..."));
-    EXPECT_TRUE(QFileInfo::exists(drive.filePath("marks5.dbf")));
-    r = on("export", 5, {"--task", "0"});
-    EXPECT_EQ(r.exit_code, 1);
-    EXPECT_TRUE(r.err.contains("NO MARK SERIES SELECTED"));
-
-    // The distribution as lines of tab-separated cells; its figures are
-    // pinned by the distribution's own tests.
-    r = on("symbols", 1);
-    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
-    const QStringList rows = lines(r);
+// Export, the symbol distribution as lines of tab-separated cells (its
+// figures are pinned by the distribution's own tests), and the update of a
+// book from its class list.
+TEST_F(CliBook, ExportSymbolsAndSyncSayWhatTheyDid) {
+    steps(drive.filePath("marks5.dbf"),
+          {{{"export", "--task", "14"}, 0, "Marks for 10 WISK_10A exported sucessfully ...", true},
+           {{"export", "--task", "0"}, 1, "NO MARK SERIES SELECTED ... DOUBLE CLICK ON SERIES TO EXPORT  !"}},
+          5);
+    steps(data() + "/marks2.dbf", {{{"sync"}, 0, "marks2.dbf is up to date.", true}}, 2);
+    const QStringList rows = lines(on("symbols", 1).out);
     ASSERT_EQ(rows.size(), 1 + 1 + 7 + 1);
     EXPECT_TRUE(rows[0].startsWith("SYMBOL\tM1\tM2\t"));
     EXPECT_TRUE(rows[9].startsWith("AVERAGE\t"));
-    ASSERT_EQ(on("sync", 2).exit_code, 0);
-    EXPECT_EQ(dump("marks2.dbf").size(), 1 + 28);
 }
 
+// Books and series that are not there, each with the system's message.
 TEST_F(CliBook, RefusalsUseTheSystemsMessages) {
-    auto r = on("print", 2, {"markbook", "--pdf", drive.filePath("x.pdf")});
-    EXPECT_EQ(r.exit_code, 1);
-    EXPECT_EQ(r.err.trimmed().split('\n').last(), "1 No ranges available ... see 'MARK BOOK SETUP'");
-    r = on("open", 2);
-    EXPECT_EQ(r.exit_code, 1);
-    EXPECT_EQ(r.err.trimmed(), "3 See 'MARK BOOK SETUP' to create mark book");
-    r = on("open", 99, {"--lang", "af"});
-    EXPECT_EQ(r.exit_code, 1);
-    EXPECT_EQ(r.err.trimmed(), "Daar is geen puntereeks 99 in " + data() + " nie.");
-    EXPECT_EQ(run({"recalc", "--data", data()}).exit_code, 2);
+    QFile::remove(data() + "/punte9.dbf");
+    steps(data() + "/marks1.dbf",
+          {{{"print", "--series", "2", "markbook", "--pdf", drive.filePath("x.pdf")}, 1,
+            "1 No ranges available ... see 'MARK BOOK SETUP'"},
+           {{"open", "--series", "2"}, 1, "3 See 'MARK BOOK SETUP' to create mark book"},
+           {{"open", "--series", "99", "--lang", "af"}, 1, "Daar is geen puntereeks 99 in " + data() + " nie."},
+           {{"marks", "show", "--series", "9"}, 1, "There is no marks file PUNTE9.DBF in " + data() + "."},
+           {{"recalc"}, 2, "veldo-tally: recalc needs --series"}},
+          0);
 }
 
 // The cycle marks words: each opens the series as the screen does and ends
 // with its save, or puts the table back where nothing was to change.
 TEST_F(CliBook, CycleMarksAreSetShownScaledAndPrinted) {
-    const QString pdf = drive.filePath("marks.pdf");
+    const QString pdf = drive.filePath("marks.pdf"), xlsx = drive.filePath("marks.xlsx");
     steps(data() + "/punte1.dbf",
           {{{"marks", "set", "--input-total", "50", "--learner", "10001", "--value", "40", "--key", "3"}, 0,
             "Botha, Anri: 40.0 3", true},
@@ -329,26 +274,14 @@ TEST_F(CliBook, CycleMarksAreSetShownScaledAndPrinted) {
            {{"marks", "show", "--lang", "af"}, 0, "10001\tBotha, Anri\t80.0\t3"},
            {{"scale-marks", "--average", "70"}, 0, "MARK( 100): 80.0 -> 70.0", true},
            {{"print", "marks", "--pdf", pdf}, 0, ""},
+           {{"print", "marks", "--xlsx", xlsx}, 0, ""},
            {{"marks", "save"}, 0, "MARK( 100): TOTAL 70.0, AVERAGE 70.0%"}});
-    EXPECT_EQ(dump("obe_p1.dbf").value(1).split('\t').mid(0, 3), (QStringList{"10001", "Botha, Anri", "70.0"}));
-    const QString text = pdf_text(pdf);
-    for (const char* part : {"8 AFR__ 8A", "Botha, Anri", "70.0", "AVERAGE :=", "70.0%"})
-        EXPECT_TRUE(text.contains(part)) << part << "\n" << text.toStdString();
-
+    EXPECT_TRUE(pdf_text(pdf).contains("70.0%"));
     // The workbook holds the list and the averages as its last rows.
-    const QString xlsx = drive.filePath("marks.xlsx");
-    ASSERT_EQ(on("print", 1, {"marks", "--xlsx", xlsx}).exit_code, 0);
-    SheetReadError error;
-    const auto sheet = read_first_sheet(xlsx, &error);
-    ASSERT_TRUE(sheet) << error.detail.toStdString();
-    ASSERT_GE(sheet->size(), 4);
-    const QStringList last = sheet->at(sheet->size() - 2), percent = sheet->at(sheet->size() - 1);
+    const auto rows = sheet(xlsx);
+    ASSERT_GE(rows.size(), 4);
+    const QStringList last = rows.at(rows.size() - 2), percent = rows.at(rows.size() - 1);
     EXPECT_EQ((QStringList{last.value(2), last.value(3), percent.value(3)}), (QStringList{"AVERAGE :=", "70", "70.0%"}));
-
-    QFile::remove(data() + "/punte9.dbf");
-    const auto r = on("marks", 9, {"show"});
-    EXPECT_EQ(r.exit_code, 1);
-    EXPECT_EQ(r.err.trimmed(), "There is no marks file PUNTE9.DBF in " + data() + ".");
 }
 
 // The assessment words and the mark list; the list's order and codes are
@@ -358,49 +291,48 @@ TEST_F(CliBook, AssessmentIsSetAndTheMarkListPrintsByRank) {
           {{{"obe", "set", "--mode", "3", "--learner", "10001", "--value", "40", "--key", "3", "--formative", "1,10",
              "--input-total", "50"},
             0, "10001\tBotha, Anri\t40.0\t3\t1\t10\t\t", true},
-           {{"obe", "set", "--mode", "0", "--learner", "10002", "--value", "40"}, 0, "Venter, Jaco\t40.0", true},
+           {{"obe", "set", "--mode", "0", "--learner", "10002", "--value", "40"}, 0, "10002\tVenter, Jaco\t40.0", true},
            {{"obe", "set", "--mode", "1", "--learner", "10002", "--value", "7"}, 1,
             "Mode 1 does not show the column MARK( 100)."},
            {{"obe", "set", "--mode", "0", "--learner", "10002", "--value", "101"}, 1,
             "Marks can only be ' ', 'A', 'a' or 0- 100"},
            {{"obe", "show", "--mode", "2"}, 0, "10001\tBotha, Anri\t1\t10\t\t"},
-           {{"obe", "show", "--mode", "4"}, 2, "obe takes show, set or save and --mode 0, 1, 2 or 3"},
+           {{"obe", "show", "--mode", "4"}, 2, "veldo-tally: obe takes show, set or save and --mode 0, 1, 2 or 3"},
            {{"print", "marklist", "--rank", "--print-total", "50", "--pdf", drive.filePath("list.pdf")}, 0, ""}});
-    EXPECT_EQ(dump("punte1.dbf").value(1).split('\t').mid(0, 3), (QStringList{"10001", "Botha, Anri", "80.0"}));
     const QString text = pdf_text(drive.filePath("list.pdf")).simplified();
     for (const char* part : {"2 10002 Venter, Jaco 40.0 120.0", "AVERAGE := 60.0 120.0%"})
         EXPECT_TRUE(text.contains(part)) << part << "\n" << text.toStdString();
 }
 
-// The print word: the message with its page count and the file made; what
-// the pages hold is pinned by the mark book print's own tests.
-TEST_F(CliBook, TheMarkBookGoesToAPdfWithItsHeadTableAndLegend) {
-    const QString pdf = drive.filePath("book.pdf");
-    const auto r = on("print", 5, {"markbook", "--pdf", pdf, "--lang", "af"});
-    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
-    // 38 learners: two pages for the first block, one for the second, which
-    // holds the rows the last page left in the grid.
-    EXPECT_TRUE(r.err.contains("DRUKWERK VOLTOOI (3 bladsye)")) << r.err.toStdString();
-    const QString text = pdf_text(pdf);
-    for (const char* expected : {"HOëRSKOOL DIE KRANS", "BLADSY : 3", "10 WISK 10A", "P21 TOTAAL"})
-        EXPECT_TRUE(text.contains(QString::fromUtf8(expected))) << expected;
-}
-
-// A workbook's mark columns are named below its grid, one item to a row
-// after a blank row, as the paper's legend names them.
-TEST_F(CliBook, TheMarkBookWorkbookNamesItsColumnsBelowTheGrid) {
-    const QString xlsx = drive.filePath("book.xlsx");
-    ASSERT_EQ(on("print", 5, {"markbook", "--xlsx", xlsx}).exit_code, 0);
-    SheetReadError error;
-    const auto sheet = read_first_sheet(xlsx, &error);
-    ASSERT_TRUE(sheet) << error.detail.toStdString();
-    QStringList first_cells;
-    for (const QStringList& row : *sheet) first_cells << row.value(0);
-    const qsizetype legend = first_cells.indexOf("M1 TAAK 1");
+// The print words: the message with its page count and the files made; what
+// the pages hold is pinned by the prints' own tests. A workbook names the
+// book's columns below its grid, one item to a row after a blank row.
+TEST_F(CliBook, ThePrintsGoToAPdfOrAWorkbook) {
+    QDir().mkpath(drive.filePath("out"));
+    // 38 learners: two pages for the first block, one for the second.
+    steps(data() + "/marks5.dbf",
+          {{{"print", "markbook", "--pdf", drive.filePath("book.pdf"), "--lang", "af"}, 0,
+            "DRUKWERK VOLTOOI (3 bladsye)"},
+           {{"print", "markbook", "--xlsx", drive.filePath("book.xlsx")}, 0, ""}},
+          5);
+    EXPECT_TRUE(pdf_text(drive.filePath("book.pdf")).contains("BLADSY : 3"));
+    QStringList book;  // the first cell of each row
+    for (const QStringList& row : sheet(drive.filePath("book.xlsx"))) book << row.value(0);
+    const qsizetype legend = book.indexOf("M1 TAAK 1");
     ASSERT_GT(legend, 7);
-    EXPECT_EQ(first_cells.value(legend - 1), "");
-    EXPECT_EQ(first_cells.value(legend - 2), "38");  // the last learner's row
-    EXPECT_EQ(first_cells.mid(legend + 19), QStringList{"M20 SUBTOTAAL 2"});  // the first block's last column
+    EXPECT_EQ(book.mid(legend - 2, 2), (QStringList{"38", ""}));  // the last learner's row, a blank row
+    EXPECT_EQ(book.mid(legend + 19), QStringList{"M20 SUBTOTAAL 2"});  // the first block's last column
+
+    const QString symbols = drive.filePath("out/symbols.xlsx");
+    steps(symbols, {{{"print", "symbols", "--xlsx", symbols}, 0,
+                     "EXPORT OF symbols TO " + drive.filePath("out") + "/symbols COMPLETE !!", true}});
+    const auto cells = sheet(symbols);
+    ASSERT_GE(cells.size(), 15);
+    const auto cell = [&](int row, int col) { return cells.at(row).value(col); };
+    EXPECT_EQ((QStringList{cell(0, 4), cell(1, 2), cell(2, 0), cell(2, 2), cell(5, 0), cell(5, 1), cell(7, 0),
+                           cell(14, 0)}),
+              (QStringList{"VELDO-TALLY", "HOëRSKOOL DIE KRANS", "PAGE : 1", "SYMBOLS 8 AFR 8A", "SYMBOL", "M1",
+                           "1 (0-29.9)", "AVERAGE"}));
 }
 
 // The setup words say what they did; each refusal exits 1 and changes
@@ -412,16 +344,18 @@ TEST_F(CliBook, TheSetupWordsEditCopyAndMoveWithExitCodes) {
           {{{"setup", "show", "--series", "1"}, 0, "5\tKLASWERK\t40\t11\t40\t"},
            {{"setup", "set", "--series", "1", "--row", "22", "--name", "eksamen 3", "--total", "x"}, 1,
             "TOTAL must be a number, not \"X\"."},
-           {{"setup", "set", "--series", "1", "--row", "41", "--name", "A"}, 1, "The row must be 1 to 40"},
-           {{"setup", "set", "--series", "1", "--row", "22", "--total", "50"}, 1, "Row 22 has no name"},
+           {{"setup", "set", "--series", "1", "--row", "41", "--name", "A"}, 1, "The row must be 1 to 40, not \"41\"."},
+           {{"setup", "set", "--series", "1", "--row", "22", "--total", "50"}, 1,
+            "Row 22 has no name: a row is only cleared by remove."},
            {{"setup", "set", "--series", "1", "--row", "22", "--name", "eksamen 3", "--total", "50"}, 0,
             "setup_8  AFR__8A.txt", true},
+           {{"setup", "show", "--series", "1"}, 0, "22\tEKSAMEN 3\t50\t\t\t"},
            {{"setup", "insert", "--series", "1", "--line", "0"}, 1, "The line must be above 0."},
            {{"setup", "insert", "--series", "1", "--line", "3"}, 0, "setup_8  AFR__8A.txt", true},
            {{"setup", "remove", "--series", "1", "--row", "3"}, 0, "setup_8  AFR__8A.txt", true},
            {{"setup", "example", "--series", "2"}, 0, "setup_8  WISK8B.txt"},
            {{"copy-setup", "--from", "1", "--to", "3,6"}, 0, "2 setup(s) copied"},
-           {{"copy-setup", "--from", "1", "--to", "99"}, 1, "There is no mark series 99"},
+           {{"copy-setup", "--from", "1", "--to", "99"}, 1, "There is no mark series 99 in " + data() + "."},
            {{"move-learner", "--from", "8A", "--to", "8A", "--learner", "10001"}, 1,
             "'FROM' and 'TO' GROUPS MUST DIFFER ..."},
            {{"move-learner", "--from", "8A", "--to", "10A", "--learner", "99999"}, 1,
@@ -429,27 +363,7 @@ TEST_F(CliBook, TheSetupWordsEditCopyAndMoveWithExitCodes) {
            {{"move-learner", "--from", "8A", "--to", "10A", "--learner", "10001"}, 0,
             "10001: from group 8A to group 10A"}},
           0);
-    const QStringList shown = lines(run({"setup", "show", "--data", data(), "--series", "1"}));
-    EXPECT_EQ(shown.value(22 + 1), "22\tEKSAMEN 3\t50\t\t\t");
     EXPECT_EQ(read_bytes(data() + "/setup_9ENHL9A.txt"), read_bytes(setup));  // copies land under the shortest key
-}
-
-TEST_F(CliBook, TheSymbolDistributionGoesToAWorkbook) {
-    const QString xlsx = drive.filePath("out/symbols.xlsx");
-    QDir().mkpath(drive.filePath("out"));
-    const auto r = on("print", 1, {"symbols", "--xlsx", xlsx});
-    ASSERT_EQ(r.exit_code, 0) << r.err.toStdString();
-    EXPECT_TRUE(r.err.contains("EXPORT OF symbols TO " + drive.filePath("out") + "/symbols COMPLETE !!"))
-        << r.err.toStdString();
-    SheetReadError error;
-    const auto sheet = read_first_sheet(xlsx, &error);
-    ASSERT_TRUE(sheet) << error.detail.toStdString();
-    ASSERT_GE(sheet->size(), 15);
-    const auto cell = [&](int row, int col) { return sheet->at(row).value(col); };
-    EXPECT_EQ((QStringList{cell(0, 4), cell(1, 2), cell(2, 0), cell(2, 2), cell(5, 0), cell(5, 1), cell(7, 0),
-                           cell(14, 0)}),
-              (QStringList{"VELDO-TALLY", "HOëRSKOOL DIE KRANS", "PAGE : 1", "SYMBOLS 8 AFR 8A", "SYMBOL", "M1",
-                           "1 (0-29.9)", "AVERAGE"}));
 }
 
 // A guard on the table layer's cost: a recalculation of 2,000 learners opens

@@ -62,54 +62,37 @@ struct CrashSafety : ::testing::Test {
         ASSERT_EQ(testing::run_program(pristine, {"demo", "--data", pristine + "/data"}).exit_code, 0);
     }
     // Runs the command under strace on a fresh copy of the pristine drive at
-    // `root`, %DATA% standing for its data folder. Gives the exit code, -1
-    // when killed.
-    int traced(const QString& root, const QStringList& strace_args, QStringList command) {
+    // `root`, %DATA% standing for its data folder, killed as it enters `call`
+    // for the k-th time (k = 0: not at all; `trace` names a file to log the
+    // calls to). Gives the exit code, -1 when killed.
+    int traced(const QString& root, QStringList command, const QString& call, int k,
+               const QString& trace = "/dev/null") {
         QDir(root).removeRecursively();
-        QProcess cp;
-        cp.start("cp", {"-a", pristine, root});
-        cp.waitForFinished(30000);
+        QProcess::execute("cp", {"-a", pristine, root});
         QProcess p;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert("KESTRALIN_DRIVE", root);
         p.setProcessEnvironment(env);
-        command.replaceInStrings("%DATA%", root + "/data");
-        p.start("strace", QStringList{"-f", "-qq", "-e", "trace=" + kCalls.join(',')} + strace_args +
-                              QStringList{VELDO_PROGRAM} + command);
+        QStringList args{"-f", "-qq", "-e", "trace=" + kCalls.join(','), "-o", trace};
+        if (k > 0) args << "-e" << QString("inject=%1:signal=KILL:when=%2").arg(call).arg(k);
+        p.start("strace", args + QStringList{VELDO_PROGRAM} + command.replaceInStrings("%DATA%", root + "/data"));
         p.waitForFinished(60000);
         return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
     }
-    // The command killed as it enters call `call` for the `k`-th time (k = 0:
-    // not at all). Gives the drive root used.
-    QString run_killed(const QStringList& command, const QString& call, int k, int* exit_code) {
-        const QString root = work.filePath(QString("run-%1-%2").arg(call).arg(k));
-        QStringList args{"-o", "/dev/null"};
-        if (k > 0) args << "-e" << QString("inject=%1:signal=KILL:when=%2").arg(call).arg(k);
-        *exit_code = traced(root, args, command);
-        return root;
-    }
-    // How often the command makes each call, run through to the end.
-    std::map<QString, int> calls_made(const QStringList& command) {
-        const QString root = work.filePath("count"), trace = work.filePath("count.txt");
-        traced(root, {"-o", trace}, command);
-        std::map<QString, int> counts;
+    // The state a command leaves when it runs through, and how often it makes
+    // each call on the way.
+    State state_after(const QStringList& command, std::map<QString, int>* counts = nullptr) {
+        const QString root = work.filePath("through"), trace = work.filePath("trace.txt");
+        EXPECT_EQ(traced(root, command, "", 0, trace), 0) << command.join(' ').toStdString();
         QFile f(trace);
         f.open(QIODevice::ReadOnly);
-        while (!f.atEnd()) {
+        while (counts && !f.atEnd()) {
             const QByteArray line = f.readLine();
             for (const QString& call : kCalls)
-                if (line.contains(" " + call.toLatin1() + "(")) ++counts[call];
+                if (line.contains(" " + call.toLatin1() + "(")) ++(*counts)[call];
         }
+        const State state = state_of(root);
         QDir(root).removeRecursively();
-        return counts;
-    }
-    // The state a command leaves when it runs through.
-    State state_after(const QStringList& command) {
-        int code = 0;
-        const QString done = run_killed(command, "write", 0, &code);
-        EXPECT_EQ(code, 0) << command.join(' ').toStdString();
-        const State state = state_of(done);
-        QDir(done).removeRecursively();
         return state;
     }
 
@@ -119,25 +102,24 @@ struct CrashSafety : ::testing::Test {
     int kill_everywhere(const QStringList& command, const QStringList& step = {}) {
         const State first = state_of(pristine);
         const State before = step.isEmpty() ? first : state_after(step);
-        const State after = state_after(command);
+        std::map<QString, int> counts;
+        const State after = state_after(command, &counts);
         EXPECT_NE(first, after) << "the command changed nothing";
-        int tried = 0, code = 0;
-        for (const auto& [call, count] : calls_made(command)) {
+        int tried = 0;
+        for (const auto& [call, count] : counts) {
             for (int k = 1; k <= count; ++k, ++tried) {
-                const QString root = run_killed(command, call, k, &code);
+                const QString root = work.filePath(QString("run-%1-%2").arg(call).arg(k));
+                traced(root, command, call, k);
                 const State found = state_of(root);
+                const QString where = QString("%1 killed at %2 #%3").arg(command.first(), call).arg(k);
                 for (const auto& [file, rows] : found) {
-                    SCOPED_TRACE(QString("%1 killed at %2 #%3: %4").arg(command.first(), call).arg(k).arg(file).toStdString());
+                    SCOPED_TRACE((where + ": " + file).toStdString());
                     const auto b = before.find(file), a = after.find(file), f = first.find(file);
                     const bool as_before = (b != before.end() && b->second == rows) || (f != first.end() && f->second == rows);
-                    const bool as_after = a != after.end() && a->second == rows;
-                    EXPECT_TRUE(as_before || as_after)
-                        << rows.size() << " rows, before " << (b == before.end() ? -1 : b->second.size()) << ", after "
-                        << (a == after.end() ? -1 : a->second.size());
+                    EXPECT_TRUE(as_before || (a != after.end() && a->second == rows)) << rows.size() << " rows";
                 }
                 for (const auto& [file, rows] : first)
-                    EXPECT_TRUE(found.count(file)) << file.toStdString() << " is gone after a kill at " << call.toStdString()
-                                                   << " #" << k;
+                    EXPECT_TRUE(found.count(file)) << file.toStdString() << " is gone: " << where.toStdString();
                 QDir(root).removeRecursively();
             }
         }

@@ -25,11 +25,6 @@ struct Assessment : ::testing::Test, testing::DemoSchool {
     }
     QString punte() const { return table("punte1.dbf"); }
     QString obe() const { return table("obe_p1.dbf"); }
-    static int row_of(MarksInput& input, int number) {
-        for (int r = 0; r < input.learner_count(); ++r)
-            if (Val(input.cell(r, 0)) == number) return r;
-        return -1;
-    }
     // Series 1 open in `mode`, with `input_total` typed into the prompt.
     void open(AssessmentInput& input, int mode, const QString& input_total = QString()) {
         ASSERT_TRUE(input.load());
@@ -83,11 +78,10 @@ TEST_F(Assessment, ATeacherKeysMarksKeysAndFormativeCodesAndSaves) {
     for (int c = 0; c < input.column_count(); ++c) headings << input.heading(c);
     EXPECT_EQ(headings, (QStringList{"A-NO", "LEARNER", "MARK( 50)", "E-K ", "F-E1", "F-E2", "F-E3", "F-E4"}));
     EXPECT_EQ(input.cell(0, 1).trimmed(), "Adams, Anri");
-    const int r1 = row_of(input, 10001), r6 = row_of(input, 10006);
-    EXPECT_EQ(input.cell(r1, 2).trimmed(), "40.0");
-    EXPECT_EQ(input.cell(row_of(input, 10002), 2).trimmed(), ".4");
-    EXPECT_EQ(input.total_text(), "114.6");
-    EXPECT_EQ(input.average_text(), "45.8");
+    const int r6 = row_of(input, 10006);
+    EXPECT_EQ((QStringList{input.cell(row_of(input, 10001), 2).trimmed(), input.cell(row_of(input, 10002), 2).trimmed(),
+                           input.total_text(), input.average_text()}),
+              (QStringList{"40.0", ".4", "114.6", "45.8"}));
 
     // Keying: no running count here, so the average divides by the count
     // found at the opening (5).
@@ -108,9 +102,8 @@ TEST_F(Assessment, ATeacherKeysMarksKeysAndFormativeCodesAndSaves) {
         SCOPED_TRACE(k.typed);
         dialogs.messages.clear();
         EXPECT_EQ(input.cell_changed(r6, k.column, k.typed), k.accepted);
-        EXPECT_EQ(input.cell(r6, k.column).trimmed(), QString(k.cell));
-        EXPECT_EQ(input.total_text(), k.total);
-        EXPECT_EQ(input.average_text(), k.average);
+        EXPECT_EQ((QStringList{input.cell(r6, k.column).trimmed(), input.total_text(), input.average_text()}),
+                  (QStringList{k.cell, k.total, k.average}));
         EXPECT_EQ(dialogs.texts(),
                   k.accepted ? QStringList() : QStringList{"Marks can only be ' ', 'A', 'a' or 0- 50"});
     }
@@ -162,10 +155,9 @@ TEST_F(Assessment, EachModeShowsItsColumnsAndTheCursorWalksThem) {
         EXPECT_EQ(input.lookup_for(3), AssessmentInput::NoList);
         input.set_ps_info(true);
         input.set_fe_info(true);
-        EXPECT_EQ(input.lookup_for(2), AssessmentInput::NoList);
-        EXPECT_EQ(input.lookup_for(3), AssessmentInput::EffortKeyList);
-        EXPECT_EQ(input.lookup_for(4), AssessmentInput::FormativeList);
-        EXPECT_EQ(input.lookup_for(7), AssessmentInput::FormativeList);
+        using L = AssessmentInput::Lookup;
+        EXPECT_EQ((QList<L>{input.lookup_for(2), input.lookup_for(3), input.lookup_for(4), input.lookup_for(7)}),
+                  (QList<L>{L::NoList, L::EffortKeyList, L::FormativeList, L::FormativeList}));
         input.set_ps_info(false);
         input.set_fe_info(false);
         ASSERT_TRUE(input.restore_backup());

@@ -56,6 +56,13 @@ struct DemoSchool : ShellFixture {
                 }
     }
     QString shown(const QString& file) const { return QDir::toNativeSeparators(file); }
+    // The grid row of learner `number` on an input screen; -1 when not there.
+    template <class Input>
+    static int row_of(Input& input, int number) {
+        for (int r = 0; r < input.learner_count(); ++r)
+            if (Val(input.cell(r, 0)) == number) return r;
+        return -1;
+    }
 };
 
 }  // namespace veldo::testing

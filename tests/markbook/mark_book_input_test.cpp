@@ -69,21 +69,28 @@ TEST_F(MarkBookScreens, ATeacherTypesMarksAndRecalculates) {
     for (const Move& m : {Move{0, 2, 2}, Move{1, 2, 2}, Move{3, 2, 3}, Move{6, 5, 7}, Move{6, 7, 5}, Move{41, 40, 19}})
         EXPECT_EQ(input.column_entered(m.column, m.from), m.lands) << m.column << " from " << m.from;
 
+    // TAAK 1 (out of 10, 3.5 before) feeds KLASWERK (field 6, blank before the
+    // recalculation): a stored mark moves the running figure by the difference
+    // from the old one, below 0 too; "A" leaves it, and counts as 0 when the
+    // next mark comes.
     const QString first = input.cell(0, 1);
     struct Typed {
         const char* text;
         bool accepted;
-        const char* stored;
+        const char *stored, *figure;
     };
-    const Typed typed[] = {{"10", true, "10.0"}, {"10.1", false, "10.0"}, {"-1", false, "10.0"},
-                           {"0", true, "0.0"},   {"7.25", true, "7.3"},   {"A", true, "A"}};
+    const Typed typed[] = {{"10", true, "10.0", "6.5"}, {"10.1", false, "10.0", "6.5"}, {"-1", false, "10.0", "6.5"},
+                           {"0", true, "0.0", "-3.5"},  {"12x", false, "0.0", "-3.5"},  {"5x", true, "5.0", "1.5"},
+                           {"A", true, "A", "1.5"},     {"7.25", true, "7.3", "8.8"},   {"", true, "", "1.5"}};
     for (const Typed& t : typed) {
+        SCOPED_TRACE(t.text);
         const int beeps = dialogs.beeps;
         dialogs.messages.clear();
-        EXPECT_EQ(input.cell_changed(0, 2, t.text), t.accepted) << t.text;
-        EXPECT_EQ(input.cell(0, 2).trimmed(), QString(t.stored)) << t.text;
-        EXPECT_EQ(stored_column(2)[0], QString(t.stored)) << t.text;
-        EXPECT_EQ(dialogs.beeps - beeps, t.accepted ? 0 : 1) << t.text;
+        EXPECT_EQ(input.cell_changed(0, 2, t.text), t.accepted);
+        EXPECT_EQ(input.cell(0, 2).trimmed(), QString(t.stored));
+        EXPECT_EQ(stored_column(2)[0], QString(t.stored));
+        EXPECT_EQ(stored_column(6)[0], QString(t.figure));
+        EXPECT_EQ(dialogs.beeps - beeps, t.accepted ? 0 : 1);
         EXPECT_EQ(dialogs.texts(), t.accepted ? QStringList() : QStringList{"Marks can only be ' ', 'A', 'a' or 0-10"});
     }
     EXPECT_FALSE(input.cell_changed(0, 6, "5"));  // a total takes no typing

@@ -32,21 +32,17 @@ struct Totals : ::testing::Test {
 TEST_F(Totals, TheWorkedExampleOfTheExampleBook) {
     apply_example_book(setup, true);
     const QStringList f = recalc_one({"8", "6", "A", "7"});
-    EXPECT_EQ(f[2], "8");  // feeders stay as typed
-    EXPECT_EQ(f[4], "A");
-    EXPECT_EQ(f[6], "28.0");   // KLASWERK: 21 of 30 on a scale of 40
-    EXPECT_EQ(f[12], "42.0");  // SUBTOTAAL 1: 21 + 7 passed up = 28 of 40, on 60
-    EXPECT_EQ(f[22], "58.3");  // TOTAAL: 21 + 14 passed up = 35 of 60, on 100
-    EXPECT_EQ(f[11], "");      // PRAKTIESE WERK: nothing fed
-    EXPECT_EQ(f[17], "");
-    EXPECT_EQ(f[21], "");
+    // Feeders stay as typed. KLASWERK (6): 21 of 30 on a scale of 40;
+    // SUBTOTAAL 1 (12): 21 + 7 passed up = 28 of 40, on 60; TOTAAL (22):
+    // 21 + 14 passed up = 35 of 60, on 100. PRAKTIESE WERK (11) and the
+    // totals 17 and 21 are fed nothing.
+    EXPECT_EQ((QStringList{f[2], f[4], f[6], f[12], f[22], f[11], f[17], f[21]}),
+              (QStringList{"8", "A", "28.0", "42.0", "58.3", "", "", ""}));
 
     // All absent leaves the totals blank, without a zero.
     apply_example_book(setup, false);
     const QStringList absent = recalc_one({"A", "a", "", "A"});
-    EXPECT_EQ(absent[6], "");
-    EXPECT_EQ(absent[12], "");
-    EXPECT_EQ(absent[22], "");
+    EXPECT_EQ((QStringList{absent[6], absent[12], absent[22]}), QStringList(3, ""));
 }
 
 // One learner's marks under a small setup; the stored fields after a
@@ -130,9 +126,8 @@ TEST_F(Totals, EmptyRowsOfTheTableAreLeftAndOthersWorkedInTableOrder) {
         EXPECT_EQ(done, calls);
     });
     EXPECT_EQ(calls, 3);
-    EXPECT_EQ(stored_row(*t, 0)[3], "50.0");
-    EXPECT_EQ(stored_row(*t, 1)[3], "");
-    EXPECT_EQ(stored_row(*t, 2)[3], "100.0");
+    EXPECT_EQ((QStringList{stored_row(*t, 0)[3], stored_row(*t, 1)[3], stored_row(*t, 2)[3]}),
+              (QStringList{"50.0", "", "100.0"}));
 }
 
 // The record's bytes of field f as they stand in the file.
@@ -168,10 +163,9 @@ TEST_F(Totals, ARescalingOfAHairPassesUpAsNothing) {
     // CLASS WORK 30 of 40; PRACTICAL WORK 15.4 of 30; SUB TOTAL 1 got
     // 30.0 + 7.5 + 5.1 = 42.6, which the cap after PRACTICAL WORK's
     // (empty) correction cuts to that column's 30: 30 of 60 on 60.
-    EXPECT_EQ(field_bytes(path, 0, 6), QByteArray("30.0  "));
-    EXPECT_EQ(field_bytes(path, 0, 11), QByteArray("15.4  "));
-    EXPECT_EQ(field_bytes(path, 0, 12), QByteArray("30.0  "));
-    EXPECT_EQ(field_bytes(path, 0, 13), QByteArray("      "));
+    EXPECT_EQ((QByteArrayList{field_bytes(path, 0, 6), field_bytes(path, 0, 11), field_bytes(path, 0, 12),
+                              field_bytes(path, 0, 13)}),
+              (QByteArrayList{"30.0  ", "15.4  ", "30.0  ", "      "}));
 }
 
 // A book built as a teacher is meant to build one: each total's feeders have
@@ -300,12 +294,11 @@ TEST(ClassAverages, ArePercentagesOfTheColumnTotalToFourDecimals) {
                             marks_row(3, "C", {"A", "2", "", ""}), marks_row(4, "D", {"", "", "", ""})});
     auto t = DbfTable::open(path);
     const auto avg = class_averages(*t, ColumnLists::from_setup(setup));
-    EXPECT_EQ(avg[2].fixed4(), "70.0000");   // (8 + 6) / 2 of 10
-    EXPECT_EQ(avg[3].fixed4(), "4.4444");    // (1 + 1 + 2) / 3 of 30
-    EXPECT_EQ(avg[4].fixed4(), "0.0000");    // a total of 0
-    EXPECT_EQ(avg[5].fixed4(), "0.0000");    // only absences
-    EXPECT_EQ(avg[0].fixed4(), "0.0000");
-    EXPECT_EQ(avg[42].fixed4(), "0.0000");
+    // (8 + 6) / 2 of 10; (1 + 1 + 2) / 3 of 30; a total of 0; only absences;
+    // the number and the field past the last.
+    EXPECT_EQ((QStringList{avg[2].fixed4(), avg[3].fixed4(), avg[4].fixed4(), avg[5].fixed4(), avg[0].fixed4(),
+                           avg[42].fixed4()}),
+              (QStringList{"70.0000", "4.4444", "0.0000", "0.0000", "0.0000", "0.0000"}));
 }
 
 }  // namespace
