@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 
 #include "reports/page_engine.h"
@@ -52,14 +53,8 @@ protected:
     // Files anywhere under the temporary drive, by relative path.
     QStringList all_files() const {
         QStringList out;
-        QDir root(drive.dir.path());
-        std::function<void(const QString&)> walk = [&](const QString& rel) {
-            QDir d(root.filePath(rel));
-            for (const QString& f : d.entryList(QDir::Files | QDir::Hidden)) out << (rel.isEmpty() ? f : rel + "/" + f);
-            for (const QString& s : d.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-                walk(rel.isEmpty() ? s : rel + "/" + s);
-        };
-        walk("");
+        for (QDirIterator it(drive.dir.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();)
+            out << QDir(drive.dir.path()).relativeFilePath(it.next());
         out.sort();
         return out;
     }
