@@ -57,28 +57,22 @@ struct PageEngineTest : ::testing::Test, Desk {};
 
 }  // namespace
 
+// Per row: the orientation, page font and line widths, the head's rule and
+// the page's foot in lines of the page font, the pen's width and the font
+// reset_print_font leaves (Lucida Console 10, black, not bold).
 TEST_F(PageEngineTest, PageEngineSetupMeasuresTheSheetAtTheJobFont) {
-    const float landscape8 = 523.0f / 9.6f, portrait8 = 770.0f / 9.6f;  // lines at size 8
-    struct Case {
+    const struct {
         const char* why;
         QString paper;
         bool new_job, after_banner;
-        PageOrientation orientation;
-        int font, width;
-        float rule_y, bottom;
+    } cases[] = {
+        {"portrait at size 10", kPortrait, true, false},
+        {"any other paper is landscape at size 8: 770 / 4.8 columns", QStringLiteral("Letter"), true, false},
+        {"after a banner's Arial 6 bold red, measured at the job's font", kPortrait, true, true},
+        {"a running job keeps its orientation: portrait at size 8", kLandscape, false, false},
     };
-    const Case cases[] = {
-        {"portrait at size 10", kPortrait, true, false, PageOrientation::Portrait, 10, 87,
-         kPortraitHeight10 / 12 - 0.5f, kPortraitHeight10 - 1.25f},
-        {"any other paper is landscape at size 8: 770 / 4.8 columns", QStringLiteral("Letter"), true, false,
-         PageOrientation::Landscape, 8, 160, landscape8 / 12 + 1, landscape8 - 1.25f},
-        {"after a banner's Arial 6, measured at the job's font", kPortrait, true, true, PageOrientation::Portrait, 10,
-         87, kPortraitHeight10 / 12 - 0.5f, kPortraitHeight10 - 1.25f},
-        {"a running job keeps its orientation", kLandscape, false, false, PageOrientation::Portrait, 8, 109,
-         portrait8 / 12 + 1, portrait8 - 1.25f},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.why);
+    QString out;
+    for (const auto& c : cases) {
         RecordingSurface s;
         PrintJob j;
         j.new_print_job = c.new_job;
@@ -89,18 +83,18 @@ TEST_F(PageEngineTest, PageEngineSetupMeasuresTheSheetAtTheJobFont) {
             s.set_fore_colour(0xFF);
         }
         print_setup(s, j, drive.run, c.paper);
-        EXPECT_EQ(s.orientation(), c.orientation);
-        EXPECT_EQ(j.page_font_size, c.font);
-        EXPECT_EQ((QList<int>{j.paper_width, j.line_width, j.line_width_left}), QList<int>(3, c.width));
-        EXPECT_FLOAT_EQ(j.head_rule_y, c.rule_y);
-        EXPECT_FLOAT_EQ(j.page_bottom, c.bottom);
-        EXPECT_EQ(s.draw_width(), 2);
-        // reset_print_font leaves the job at Lucida Console 10, black, not bold.
-        EXPECT_EQ(s.font_name(), QStringLiteral("Lucida Console"));
-        EXPECT_FLOAT_EQ(s.font_size(), 10.0f);
-        EXPECT_FALSE(s.bold());
-        EXPECT_EQ(s.fore_colour(), 0);
+        out += QStringLiteral("%1:\n  %2 font %3 widths %4 %5 %6 rule %7 bottom %8 pen %9\n")
+                   .arg(c.why, s.orientation() == PageOrientation::Portrait ? "portrait" : "landscape")
+                   .arg(j.page_font_size)
+                   .arg(j.paper_width)
+                   .arg(j.line_width)
+                   .arg(j.line_width_left)
+                   .arg(j.head_rule_y, 0, 'f', 3)
+                   .arg(j.page_bottom, 0, 'f', 3)
+                   .arg(s.draw_width());
+        out += print_dump(s).section('\n', -2);  // the pen's line
     }
+    EXPECT_TRUE(matches_golden(out, "reports/page_engine/setup.txt"));
 }
 
 TEST_F(PageEngineTest, PageEngineSetupShowsTheProgress) {

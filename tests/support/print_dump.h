@@ -1,7 +1,8 @@
 #pragma once
 // A recorded print as text, one operation a line, for comparing whole pages
 // with a golden file:
-//   p<page> <kind> (x, y)[-(x2, y2)] pt(px, py)[-(px2, py2)] "<font>" <size> bold|plain #BBGGRR [fill #BBGGRR] ["<text>"]
+//   p<page> <kind> (x, y)[-(x2, y2)] pt(px, py)[-(px2, py2)]
+//       "<font>" <size> bold|plain #BBGGRR [fill #BBGGRR] ["<text>"]
 // (a picture shows its file name). A last line gives where the pen, font and page stand.
 // x and y are in the character scale in force when the operation ran, the
 // pt figures in points from the printable area's top left.
