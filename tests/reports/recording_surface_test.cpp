@@ -10,7 +10,7 @@ using Kind = PrintRecord::Kind;
 
 TEST(RecordingSurfaceMetrics, TheWidestLineCountsWithoutItsCarriageReturn) {
     RecordingSurface s;
-    EXPECT_FLOAT_EQ(s.TextWidth(QStringLiteral("AB\r\nABCD")), 4.0f);
+    EXPECT_FLOAT_EQ(s.TextWidth(QStringLiteral("ABCD\r\nAB")), 4.0f);
     EXPECT_FLOAT_EQ(s.TextHeight(QStringLiteral("AB\nCD\nEF")), 3.0f);
     EXPECT_FLOAT_EQ(s.lines_to_columns(1), 2.0f);  // a cell is half as wide as high
 }
@@ -27,9 +27,14 @@ TEST(RecordingSurfacePages, PagesCountUntilTheDocumentEndsAndAKilledOneSendsNoth
     s.EndDoc();
     EXPECT_EQ(s.pages_ended(), 2);
     EXPECT_EQ(s.Page(), 1);
-    s.print_text(QStringLiteral("y"));
-    s.KillDoc();
+    s.EndDoc();  // a document that never got ink sends no sheet
     EXPECT_EQ(s.pages_ended(), 2);
+    s.print_text(QStringLiteral("y"));
+    s.EndDoc();
+    EXPECT_EQ(s.pages_ended(), 3);
+    s.print_text(QStringLiteral("z"));
+    s.KillDoc();
+    EXPECT_EQ(s.pages_ended(), 3);
     EXPECT_EQ(s.records_of(Kind::KillDoc).size(), 1);
 }
 
