@@ -1,6 +1,7 @@
-// The recording surface's scale, pen and page arithmetic are pinned by the
-// page engine's and grid report's golden prints, which give every position
-// both in characters and in points; here what those prints never reach.
+// The recording surface's scale, pen and page arithmetic, a picture's corners
+// and an orientation that holds only on an empty sheet are pinned by the page
+// engine's and grid report's golden prints, which give every position both in
+// characters and in points; here what those prints never reach.
 #include "reports/recording_surface.h"
 
 #include <gtest/gtest.h>
@@ -38,23 +39,10 @@ TEST(RecordingSurfacePages, PagesCountUntilTheDocumentEndsAndAKilledOneSendsNoth
     EXPECT_EQ(s.records_of(Kind::KillDoc).size(), 1);
 }
 
-TEST(RecordingSurfacePages, OrientationHoldsOnlyOnAnEmptySheet) {
-    RecordingSurface s;
-    s.line(0, 0, 1, 1);
-    s.set_orientation(PageOrientation::Landscape);
-    EXPECT_EQ(s.orientation(), PageOrientation::Portrait);
-    s.NewPage();
-    s.set_orientation(PageOrientation::Landscape);
-    EXPECT_EQ(s.orientation(), PageOrientation::Landscape);
-}
-
 TEST(RecordingSurfacePages, UnknownPicturesFail) {
     RecordingSurface s;
     EXPECT_FALSE(s.paint_picture(QStringLiteral("/nowhere.png"), 0, 0, 1, 1));
     s.add_picture(QStringLiteral("/crest.png"));
     EXPECT_TRUE(s.paint_picture(QStringLiteral("/crest.png"), 1, 2, 4, 2));
-    const auto pics = s.records_of(Kind::Picture);
-    ASSERT_EQ(pics.size(), 1);
-    EXPECT_FLOAT_EQ(pics[0].x2, 5.0f);
-    EXPECT_FLOAT_EQ(pics[0].y2, 4.0f);
+    EXPECT_EQ(s.records_of(Kind::Picture).size(), 1);
 }
