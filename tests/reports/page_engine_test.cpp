@@ -311,8 +311,9 @@ TEST_F(PageEngineTest, PageEngineExcelHeadGoesToTheWorksheet) {
     ASSERT_EQ(heads.size(), 1);
     const SheetHead& h = heads[0];
     // The title takes the subtitle in portrait too.
-    EXPECT_EQ((QStringList{h.date, h.time, h.program, h.page, h.title, h.build}),
-              (QStringList{"2026.11.23", "14:05:09", "VELDO-TALLY", "PAGE : 1", "PUNTE [10A]", "2026.1"}));
+    EXPECT_EQ((QStringList{h.date, h.time, h.school, h.program, h.os_product, h.page, h.title, h.build}),
+              (QStringList{"2026.11.23", "14:05:09", "Hoerskool Rivierpark", "VELDO-TALLY", "Debian GNU/Linux 12",
+                           "PAGE : 1", "PUNTE [10A]", "2026.1"}));
     end_of_print(surface, job, drive.run);
     EXPECT_TRUE(finished);
     EXPECT_FALSE(job.output_to_excel);

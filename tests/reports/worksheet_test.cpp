@@ -311,10 +311,10 @@ TEST_F(WorksheetTest, HookForAGridStraightToAFileAsksTheName) {
     EXPECT_TRUE(drive.dialogs.messages.isEmpty());
 }
 
+// The head's texts are the page engine's to pin; here the way from the
+// output choice through the hooks to the saved file.
 TEST_F(WorksheetTest, AReportThroughThePageEngineLandsInTheWorkbook) {
-    drive.run.school_name = "DIE KRANS";
     PrintJob job;
-    job.fixed_time = QTime(9, 30, 0);
     install_worksheet_hooks(job, drive.run);
     OutputChoice choice;
     choice.output_to_excel = true;
@@ -331,10 +331,8 @@ TEST_F(WorksheetTest, AReportThroughThePageEngineLandsInTheWorkbook) {
     end_of_print(surface, job, drive.run);
 
     EXPECT_FALSE(job.output_to_excel);
-    const Rows rows = first_sheet("verslag.xlsx");
-    EXPECT_EQ(rows.value(1).mid(0, 3), (QStringList{"09:30:00", "", "DIE KRANS"}));
-    EXPECT_EQ(rows.value(2).mid(0, 3), (QStringList{"PAGE : 1", "", "MARK LIST [GR 8A]"}));
-    EXPECT_EQ(rows.value(5).value(0), "Naam");
+    EXPECT_EQ(cell("verslag.xlsx", 2, 2), "MARK LIST [GR 8A]");
+    EXPECT_EQ(cell("verslag.xlsx", 5, 0), "Naam");
     EXPECT_EQ(drive.dialogs.texts(), QStringList{"EXPORT OF verslag TO " + out_folder() + "verslag COMPLETE !!"});
 }
 
