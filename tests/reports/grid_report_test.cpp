@@ -81,8 +81,8 @@ TEST(GridReportDrawing, GridReportTablesPrintAsRecorded) {
         // second cell is the empty-cell sentinel.
         {"widen_0", "a figure in a column of 3 letters", "<A|<B", {"-274.0\t a\u00A6a "},
          [](Bench&, TextGrid& g) { g.set_col_width(0, 360); }},
-        {"widen_1", "a figure that fits: no change", "<A|<B", {"100.6\t a\u00A6a "}},
-        {"widen_2", "one letter wider than the column", "<A|<B", {"ABCDEFGHIJ\t a\u00A6a "}},
+        {"widen_1", "nine letters and the padding fill the column: no change", "<A|<B", {"ABCDEFGHI\t a\u00A6a "}},
+        {"widen_2", "one letter more widens it by one", "<A|<B", {"ABCDEFGHIJ\t a\u00A6a "}},
         {"widen_3", "a name wider than its column", "<A|<B", {"Van der Merwe, Johannes\t a\u00A6a "}},
         {"widen_4", "words past the page wrap on two lines", "<A|<B", {words + "\t a\u00A6a "}},
         {"line_breaks", "~NL~ wraps a cell; the next row starts below both lines", "<Naam|<B",
