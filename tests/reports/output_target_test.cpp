@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 
 #include "reports/page_engine.h"
@@ -49,17 +50,20 @@ protected:
     QString excel_gids() const { return drive.run.family_folder + "/excel_uitvoer_gids"; }
     QString html_gids() const { return drive.run.family_folder + "/html_uitvoer_gids"; }
     static QByteArray remembered(const QString& folder) { return ("\"" + folder + "\"\r\n").toUtf8(); }
+    // The targets chosen and whether the dialog closed, by name: "print excel html closed".
+    QString state() const {
+        QStringList on;
+        const bool flags[] = {choice.print_chosen, choice.output_to_excel, choice.output_to_html, target.closed()};
+        const char* names[] = {"print", "excel", "html", "closed"};
+        for (int i = 0; i < 4; ++i)
+            if (flags[i]) on << names[i];
+        return on.join(' ');
+    }
     // Files anywhere under the temporary drive, by relative path.
     QStringList all_files() const {
         QStringList out;
-        QDir root(drive.dir.path());
-        std::function<void(const QString&)> walk = [&](const QString& rel) {
-            QDir d(root.filePath(rel));
-            for (const QString& f : d.entryList(QDir::Files | QDir::Hidden)) out << (rel.isEmpty() ? f : rel + "/" + f);
-            for (const QString& s : d.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-                walk(rel.isEmpty() ? s : rel + "/" + s);
-        };
-        walk("");
+        for (QDirIterator it(drive.dir.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();)
+            out << QDir(drive.dir.path()).relativeFilePath(it.next());
         out.sort();
         return out;
     }
@@ -87,11 +91,9 @@ TEST_F(OutputTargetTest, LoadClearsTheFileTargetsAndReadsTheColourSwitch) {
         choice.output_to_excel = choice.output_to_html = true;
         choice.print_colour = 7;
         target.load();
-        EXPECT_FALSE(choice.output_to_excel);
-        EXPECT_FALSE(choice.output_to_html);
         EXPECT_EQ(choice.print_colour, c.colour);
         EXPECT_EQ(target.colour_pressed(), c.colour != 0);
-        EXPECT_FALSE(target.closed());
+        EXPECT_EQ(state(), "");
     }
 }
 
@@ -112,16 +114,15 @@ TEST_F(OutputTargetTest, PrintChoosesThePrinterAndWritesTheColourSwitch) {
     target.load();
     target.kies_kleur();
     EXPECT_TRUE(target.colour_pressed());
-    EXPECT_FALSE(target.closed());  // colour and black leave the dialog open
+    EXPECT_EQ(state(), "print");  // colour and black leave the dialog open
     target.druk_ok();
-    EXPECT_TRUE(choice.print_chosen);
-    EXPECT_TRUE(target.closed());
+    EXPECT_EQ(state(), "print closed");
     EXPECT_EQ(read_bytes(colour_file()), QByteArray("-1\r\n"));
 
     target.load();
     target.kies_mono();
     EXPECT_FALSE(target.colour_pressed());
-    EXPECT_FALSE(target.closed());
+    EXPECT_EQ(state(), "print");
     target.druk_ok();
     EXPECT_EQ(read_bytes(colour_file()), QByteArray("0\r\n"));
 }
@@ -130,8 +131,7 @@ TEST_F(OutputTargetTest, CancelClearsThePrint) {
     choice.print_chosen = true;
     target.load();
     target.druk_stop();
-    EXPECT_FALSE(choice.print_chosen);
-    EXPECT_TRUE(target.closed());
+    EXPECT_EQ(state(), "closed");
     EXPECT_FALSE(QFileInfo::exists(colour_file()));
 }
 
@@ -187,13 +187,11 @@ TEST_F(OutputTargetTest, ExcelOkSetsTheFileAndRemembersTheFolder) {
     EXPECT_EQ(dialogs.prompts, QStringList{"EXCEL EXPORT FILE NAME"});
     EXPECT_EQ(dialogs.filters, QStringList{""});
     EXPECT_EQ(dialogs.starts, QStringList{drive.run.program_folder + "/PUNTE GR8A"});
-    EXPECT_TRUE(choice.output_to_excel);
-    EXPECT_FALSE(choice.print_chosen);
+    EXPECT_EQ(state(), "excel closed");
     EXPECT_NE(choice.print_colour, 0);
     EXPECT_EQ(choice.print_job_title, "REPORTING TO EXCEL");
     EXPECT_EQ(choice.export_folder, drive.path("uitvoer") + "/");
     EXPECT_EQ(choice.export_stem, "Punte 8A");
-    EXPECT_TRUE(target.closed());
     EXPECT_EQ(read_bytes(excel_gids()), remembered(drive.path("uitvoer")));
     // Only the remembered folder was written: the workbook comes at the end of the job.
     EXPECT_EQ(all_files(), QStringList{"ProgramData/KESTRALIN/excel_uitvoer_gids"});
@@ -225,9 +223,7 @@ TEST_F(OutputTargetTest, ExcelCancelKeepsTheDialogOpen) {
     target.kies_excel();
     EXPECT_EQ(dialogs.prompts, QStringList{"EXCEL UITVOER LE\u00eaRNAAM"});
     EXPECT_EQ(choice.print_job_title, "DRUKWERK NA EXCEL");
-    EXPECT_FALSE(choice.output_to_excel);
-    EXPECT_FALSE(choice.print_chosen);
-    EXPECT_FALSE(target.closed());
+    EXPECT_EQ(state(), "");
     EXPECT_FALSE(QFileInfo::exists(excel_gids()));
 }
 
@@ -239,10 +235,7 @@ TEST_F(OutputTargetTest, HtmlRecordsItsTargetAndNothingElse) {
     EXPECT_EQ(dialogs.prompts, QStringList{"HTML EXPORT FILE NAME"});
     EXPECT_EQ(choice.html_folder, drive.path("uitvoer") + "/");
     EXPECT_EQ(choice.html_file_name, "lys.htm");
-    EXPECT_TRUE(choice.output_to_html);
-    EXPECT_FALSE(choice.print_chosen);
-    EXPECT_FALSE(choice.output_to_excel);
-    EXPECT_TRUE(target.closed());
+    EXPECT_EQ(state(), "html closed");
     EXPECT_EQ(read_bytes(html_gids()), remembered(drive.path("uitvoer")));
     EXPECT_EQ(all_files(), QStringList{"ProgramData/KESTRALIN/html_uitvoer_gids"});
 
@@ -262,8 +255,7 @@ TEST_F(OutputTargetTest, HtmlCancelKeepsTheDialogOpenAndStartsFromItsOwnRemember
     target.kies_html();
     EXPECT_EQ(dialogs.starts, QStringList{drive.path("web")});
     EXPECT_EQ(dialogs.prompts, QStringList{"HTML UITVOER LE\u00eaRNAAM"});
-    EXPECT_FALSE(choice.output_to_html);
-    EXPECT_FALSE(target.closed());
+    EXPECT_EQ(state(), "");
     EXPECT_EQ(read_bytes(html_gids()), remembered(drive.path("web")));
 }
 

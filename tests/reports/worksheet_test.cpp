@@ -8,7 +8,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <zip.h>
@@ -18,18 +17,20 @@
 #include "reports/grid_report.h"
 #include "reports/page_engine.h"
 #include "reports/recording_surface.h"
+#include "tests/support/golden.h"
 #include "tests/support/temp_drive.h"
 #include "util/text_grid.h"
 
 namespace veldo {
 namespace {
 
+using testing::matches_golden;
 using testing::TempDrive;
 using testing::read_bytes;
 using testing::write_bytes;
 using Rows = QList<QStringList>;
 
-// One part of a saved workbook, as text.
+// One part of a saved workbook, one XML element to a line.
 QString zip_entry(const QString& path, const char* name) {
     int code = 0;
     zip_t* z = zip_open(QFile::encodeName(path).constData(), ZIP_RDONLY, &code);
@@ -42,7 +43,7 @@ QString zip_entry(const QString& path, const char* name) {
         zip_fclose(f);
     }
     zip_close(z);
-    return QString::fromUtf8(out);
+    return QString::fromUtf8(out).replace("><", ">\n<") + "\n";
 }
 
 SheetHead head(const QString& page, const QString& title) {
@@ -73,6 +74,8 @@ protected:
         EXPECT_TRUE(rows) << name.toStdString();
         return rows.value_or(Rows());
     }
+    // A cell of the first sheet, both from 0.
+    QString cell(const QString& name, int row, int col) const { return first_sheet(name).value(row).value(col); }
 };
 
 TEST(ColumnLetters, OneLetterUpToZThenWholeDivisionAndRemainderNothingBelowOne) {
@@ -83,42 +86,38 @@ TEST(ColumnLetters, OneLetterUpToZThenWholeDivisionAndRemainderNothingBelowOne) 
 }
 
 TEST(WorksheetCells, PlainDecimalsBecomeNumbersAndTheRestStaysText) {
-    struct Case {
-        const char* text;
-        bool number;
-        const char* shown;
-        bool thirteen_digits, wrap;
-        const char* why;
+    // What a cell becomes: "number" or "text", what it shows, and its flags.
+    const auto kind = [](const WorkbookOutput::Cell& c) {
+        return QString(c.is_number ? "number " : "text ") + c.text + (c.thirteen_digits ? " 13 digits" : "") +
+               (c.wrap ? " wraps" : "");
     };
-    const Case cases[] = {
-        {" 45.5", true, "45.5", false, false, "a plain decimal, trimmed"},
-        {"-3", true, "-3", false, false, "a sign"},
-        {"0", true, "0", false, false, "zero"},
-        {"0.5", true, "0.5", false, false, "a zero before the point"},
-        {"12a", false, "12a", false, false, "a letter after the digits"},
-        {"A", false, "A", false, false, "an absence"},
-        {"1,5", false, "1,5", false, false, "a decimal comma"},
-        {"1E5", false, "1E5", false, false, "an exponent"},
-        {"", false, "", false, false, "empty"},
-        {"007", false, "007", false, false, "a leading zero stays text"},
-        {"'0123456789012", false, "0123456789012", true, false, "a quoted long number"},
-        {"12345678901", true, "12345678901", true, false, "above ten digits"},
-        {"9999999999", true, "9999999999", false, false, "ten digits"},
-        {"a\u00a6a", false, "", false, false, "the sentinel is empty"},
-        {" a\u00a6a ", false, "", false, false, "the sentinel between blanks"},
-        {"EEN~NL~TWEE", false, "EEN\nTWEE", false, true, "a forced line break wraps"},
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {" 45.5", "number 45.5", "a plain decimal, trimmed"},
+        {"-3", "number -3", "a sign"},
+        {"0", "number 0", "zero"},
+        {"0.5", "number 0.5", "a zero before the point"},
+        {"12a", "text 12a", "a letter after the digits"},
+        {"A", "text A", "an absence"},
+        {"1,5", "text 1,5", "a decimal comma"},
+        {"1E5", "text 1E5", "an exponent"},
+        {"", "text ", "empty"},
+        {"007", "text 007", "a leading zero stays text"},
+        {"'0123456789012", "text 0123456789012 13 digits", "a quoted long number"},
+        {"12345678901", "number 12345678901 13 digits", "above ten digits"},
+        {"9999999999", "number 9999999999", "ten digits"},
+        {"a\u00a6a", "text ", "the sentinel is empty"},
+        {" a\u00a6a ", "text ", "the sentinel between blanks"},
+        {"EEN~NL~TWEE", "text EEN\nTWEE wraps", "a forced line break wraps"},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.why);
-        const WorkbookOutput::Cell cell = sheet_cell_from_text(QString::fromUtf8(c.text));
-        EXPECT_EQ(cell.is_number, c.number);
-        EXPECT_EQ(cell.text, QString::fromUtf8(c.shown));
-        EXPECT_EQ(cell.thirteen_digits, c.thirteen_digits);
-        EXPECT_EQ(cell.wrap, c.wrap);
-    }
+    for (const auto& [text, expected, why] : cases)
+        EXPECT_EQ(kind(sheet_cell_from_text(QString::fromUtf8(text))), QString::fromUtf8(expected)) << why;
     EXPECT_DOUBLE_EQ(sheet_cell_from_text(" 45.5").number, 45.5);
 }
 
+// The sheet's XML and styles as written: numbers as numbers, the rest as
+// shared strings, the upright heading raising its row, the columns fitted,
+// a long number in 13 digits, the cell's red as ARGB, Arial at the grid's
+// 8.25; a second head is a second sheet.
 TEST_F(WorksheetTest, HeadAndGridCellsReadBackWithTheirStylesAndEachHeadStartsASheet) {
     WorkbookOutput book(drive.run);
     SheetHead h = head("PAGE : 1", "MARK LIST [GR 8A]");
@@ -145,25 +144,9 @@ TEST_F(WorksheetTest, HeadAndGridCellsReadBackWithTheirStylesAndEachHeadStartsAS
                     {"ABRAHAMS, JAN", "45.5", "0123456789012"},  // "a¦a" is empty
                     {"BOTHA, ANNA", "A", "12345678901", "007"},
                     {"CELE, SIPHO", "-3", "12a"}}));
-    const QString workbook = zip_entry(path, "xl/workbook.xml");
-    EXPECT_TRUE(workbook.contains("name=\"Sheet1\""));
-    EXPECT_TRUE(workbook.contains("name=\"Sheet2\""));
-
-    // Numbers as numbers, the rest as shared strings; the upright heading
-    // raises its row.
-    const QString sheet = zip_entry(path, "xl/worksheets/sheet1.xml");
-    for (const char* cell : {"<c r=\"B7\"( s=\"\\d+\")?><v>45.5</v>", "<c r=\"C8\"( s=\"\\d+\")?><v>12345678901</v>",
-                             "<c r=\"D8\"( s=\"\\d+\")? t=\"s\">", "<c r=\"C7\"( s=\"\\d+\")? t=\"s\">",
-                             "<row r=\"6\"[^>]*customHeight=\"1\""})
-        EXPECT_TRUE(sheet.contains(QRegularExpression(cell))) << cell;
-    EXPECT_FALSE(sheet.contains("r=\"D7\""));
-    EXPECT_TRUE(sheet.contains("<cols>"));  // the columns are fitted
-
-    const QString styles = zip_entry(path, "xl/styles.xml");
-    for (const char* style : {"textRotation=\"90\"", "formatCode=\"0000000000000\"",
-                              "rgb=\"FFFF0000\"",  // 0xBBGGRR red as ARGB
-                              "<name val=\"Arial\"/>", "<sz val=\"8.25\"/>" /* the grid's font size */})
-        EXPECT_TRUE(styles.contains(style)) << style;
+    for (const char* part : {"workbook.xml", "worksheets/sheet1.xml", "styles.xml"})
+        EXPECT_TRUE(matches_golden(zip_entry(path, QByteArray("xl/") + part),
+                                   QStringLiteral("reports/worksheet/list_%1").arg(QFileInfo(part).fileName())));
 }
 
 TEST_F(WorksheetTest, FittedWidthsFollowTheLongestText) {
@@ -192,45 +175,19 @@ TEST_F(WorksheetTest, AGridWithoutAHeadStartsAtTheTopAndZeroWidthColumnsAreHidde
     EXPECT_EQ(book.excel_sheet_number(), 1);
     EXPECT_EQ(book.excel_row(), 5);
     ASSERT_TRUE(book.save_to(out_folder() + "los.xlsx", nullptr));
-    EXPECT_EQ(first_sheet("los.xlsx").value(0).value(0), "Naam");
-    const QString sheet = zip_entry(out_folder() + "los.xlsx", "xl/worksheets/sheet1.xml");
-    EXPECT_TRUE(sheet.contains(QRegularExpression("<col min=\"4\" max=\"4\"[^>]*hidden=\"1\"")));
+    EXPECT_EQ(cell("los.xlsx", 0, 0), "Naam");
+    // Column 4 hidden.
+    EXPECT_TRUE(matches_golden(zip_entry(out_folder() + "los.xlsx", "xl/worksheets/sheet1.xml"),
+                               "reports/worksheet/headless_sheet1.xml"));
 }
 
-TEST_F(WorksheetTest, SaveReplacesAnOldWorkbookAndTellsTheUserInEitherLanguage) {
-    struct Case {
-        bool afrikaans;
-        const char* stem;
-        QString message;
-    };
-    const Case cases[] = {
-        {false, "Punte 8A", "EXPORT OF Punte 8A TO " + out_folder() + "Punte 8A COMPLETE !!"},
-        {true, "punte", "UITVOER VAN punte NA " + out_folder() + "punte VOLTOOI !!"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.stem);
-        write_bytes(out_folder() + c.stem + ".xlsx", "old bytes");
-        drive.run.language_afrikaans = c.afrikaans;
-        drive.dialogs.messages.clear();
-        WorkbookOutput book(drive.run);
-        book.begin_sheet_head(head("PAGE : 1", "NEW"));
-        ASSERT_TRUE(book.save(out_folder(), c.stem));
-        EXPECT_EQ(first_sheet(QString(c.stem) + ".xlsx").value(2).value(2), "NEW");
-        ASSERT_EQ(drive.dialogs.messages.size(), 1);
-        EXPECT_EQ(drive.dialogs.messages[0].text, c.message);
-        EXPECT_EQ(drive.dialogs.messages[0].icon, MsgIcon::Information);
-    }
-    // No scratch file is left beside them.
-    QStringList files = QDir(out_folder()).entryList(QDir::Files);
-    files.sort();
-    EXPECT_EQ(files, (QStringList{"Punte 8A.xlsx", "punte.xlsx"}));
-}
-
-// A missing folder, a read-only workbook, one open in another program, a
-// folder in the way: the user is told why and the old file stays as it was.
-TEST_F(WorksheetTest, ASaveThatCannotBeDoneSaysWhyAndLeavesWhatWasThere) {
+// A save replaces an old workbook and says so; a missing folder, a read-only
+// workbook, one open in another program, a folder in the way: the user is
+// told why and what was there stays as it was.
+TEST_F(WorksheetTest, ASaveTellsTheUserWhatBecameOfTheWorkbookInEitherLanguage) {
     const QString weg = drive.path("weg");
     const QString read_only = out_folder() + "vas.xlsx", open = out_folder() + "oop.xlsx";
+    write_bytes(out_folder() + "Punte 8A.xlsx", "old bytes");
     write_bytes(read_only, "kept");
     QFile::setPermissions(read_only, QFile::ReadOwner | QFile::ReadGroup);
     write_bytes(open, "kept");
@@ -239,36 +196,39 @@ TEST_F(WorksheetTest, ASaveThatCannotBeDoneSaysWhyAndLeavesWhatWasThere) {
     struct Case {
         QString folder;
         const char* stem;
-        bool afrikaans;
+        bool afrikaans, saved;
         QString message;
     };
     const Case cases[] = {
-        {weg + "/", "punte", false, "FOLDER " + weg + " DOES NOT EXIST - punte WAS NOT SAVED !!"},
-        {weg + "/", "punte", true, "GIDS " + weg + " BESTAAN NIE - punte IS NIE GESTOOR NIE !!"},
-        {out_folder(), "vas", false, read_only + " IS READ-ONLY - vas WAS NOT SAVED !!"},
-        {out_folder(), "oop", true, open + " IS OOP IN 'N ANDER PROGRAM - MAAK DIT TOE EN PROBEER WEER !!"},
-        {out_folder(), "gids", false, "COULD NOT WRITE " + out_folder() + "gids.xlsx - gids WAS NOT SAVED !!"},
+        {out_folder(), "Punte 8A", false, true, "EXPORT OF Punte 8A TO " + out_folder() + "Punte 8A COMPLETE !!"},
+        {weg + "/", "punte", false, false, "FOLDER " + weg + " DOES NOT EXIST - punte WAS NOT SAVED !!"},
+        {weg + "/", "punte", true, false, "GIDS " + weg + " BESTAAN NIE - punte IS NIE GESTOOR NIE !!"},
+        {out_folder(), "vas", false, false, read_only + " IS READ-ONLY - vas WAS NOT SAVED !!"},
+        {out_folder(), "oop", true, false, open + " IS OOP IN 'N ANDER PROGRAM - MAAK DIT TOE EN PROBEER WEER !!"},
+        {out_folder(), "gids", false, false, "COULD NOT WRITE " + out_folder() + "gids.xlsx - gids WAS NOT SAVED !!"},
+        // The workbook is still there after a failure: saving it elsewhere works.
+        {out_folder(), "punte", true, true, "UITVOER VAN punte NA " + out_folder() + "punte VOLTOOI !!"},
     };
     WorkbookOutput book(drive.run);
-    book.begin_sheet_head(head("PAGE : 1", "LIST"));
+    book.begin_sheet_head(head("PAGE : 1", "NEW"));
     for (const Case& c : cases) {
         SCOPED_TRACE(c.message.toStdString());
         drive.run.language_afrikaans = c.afrikaans;
         drive.dialogs.messages.clear();
-        EXPECT_FALSE(book.save(c.folder, c.stem));
+        EXPECT_EQ(book.save(c.folder, c.stem), c.saved);
         ASSERT_EQ(drive.dialogs.messages.size(), 1);
         EXPECT_EQ(drive.dialogs.messages[0].text, c.message);
-        EXPECT_EQ(drive.dialogs.messages[0].icon, MsgIcon::Exclamation);
+        EXPECT_EQ(drive.dialogs.messages[0].icon, c.saved ? MsgIcon::Information : MsgIcon::Exclamation);
     }
+    EXPECT_EQ(cell("Punte 8A.xlsx", 2, 2), "NEW");
     EXPECT_FALSE(QFileInfo::exists(weg));
     EXPECT_EQ(read_bytes(read_only), "kept");
     EXPECT_EQ(read_bytes(open), "kept");
     EXPECT_TRUE(QFileInfo(out_folder() + "gids.xlsx").isDir());
+    // No scratch file is left beside them.
+    EXPECT_EQ(QDir(out_folder()).entryList(QDir::Files, QDir::Name),
+              (QStringList{"Punte 8A.xlsx", "oop.xlsx", "punte.xlsx", "vas.xlsx"}));
     QFile::setPermissions(read_only, QFile::ReadOwner | QFile::WriteOwner);
-
-    // The workbook is still there: saving it elsewhere works.
-    EXPECT_TRUE(book.save(out_folder(), "punte"));
-    EXPECT_TRUE(QFileInfo::exists(out_folder() + "punte.xlsx"));
 }
 
 TEST_F(WorksheetTest, AReadOnlyFolderIsReported) {
@@ -296,9 +256,8 @@ TEST_F(WorksheetTest, HooksFillOneWorkbookPerJobAndSaveItAtTheEnd) {
     job.worksheet.sheet_head(head("PAGE : 2", "SECOND"));
     job.worksheet.finish();
 
-    const Rows rows = first_sheet("werk.xlsx");
-    EXPECT_EQ(rows.value(2).value(2), "FIRST");
-    EXPECT_EQ(rows.value(6).value(0), "ABRAHAMS, JAN");
+    EXPECT_EQ(cell("werk.xlsx", 2, 2), "FIRST");
+    EXPECT_EQ(cell("werk.xlsx", 6, 0), "ABRAHAMS, JAN");
     EXPECT_TRUE(zip_entry(out_folder() + "werk.xlsx", "xl/workbook.xml").contains("name=\"Sheet2\""));
     EXPECT_EQ(drive.dialogs.texts(), QStringList{"EXPORT OF werk TO " + out_folder() + "werk COMPLETE !!"});
 
@@ -333,7 +292,7 @@ TEST_F(WorksheetTest, HooksOfferAnotherPlaceWhenTheFolderIsGoneUntilTheUserGives
     EXPECT_TRUE(drive.dialogs.messages[0].text.startsWith("FOLDER " + drive.path("weg") + " DOES NOT EXIST"));
     EXPECT_EQ(drive.dialogs.prompts, QStringList{"EXCEL EXPORT FILE NAME"});
     EXPECT_EQ(drive.dialogs.messages[1].text, "EXPORT OF elders TO " + out_folder() + "elders COMPLETE !!");
-    EXPECT_EQ(first_sheet("elders.xlsx").value(2).value(2), "KEPT");
+    EXPECT_EQ(cell("elders.xlsx", 2, 2), "KEPT");
 }
 
 TEST_F(WorksheetTest, HookForAGridStraightToAFileAsksTheName) {
@@ -344,7 +303,7 @@ TEST_F(WorksheetTest, HookForAGridStraightToAFileAsksTheName) {
     job.worksheet.grid_to_new_file(g);
     EXPECT_EQ(job.export_folder, out_folder());
     EXPECT_EQ(job.export_stem, "los");
-    EXPECT_EQ(first_sheet("los.xlsx").value(0).value(0), "Naam");
+    EXPECT_EQ(cell("los.xlsx", 0, 0), "Naam");
 
     // Cancelled: nothing written, nothing said.
     drive.dialogs.messages.clear();
@@ -352,10 +311,10 @@ TEST_F(WorksheetTest, HookForAGridStraightToAFileAsksTheName) {
     EXPECT_TRUE(drive.dialogs.messages.isEmpty());
 }
 
+// The head's texts are the page engine's to pin; here the way from the
+// output choice through the hooks to the saved file.
 TEST_F(WorksheetTest, AReportThroughThePageEngineLandsInTheWorkbook) {
-    drive.run.school_name = "DIE KRANS";
     PrintJob job;
-    job.fixed_time = QTime(9, 30, 0);
     install_worksheet_hooks(job, drive.run);
     OutputChoice choice;
     choice.output_to_excel = true;
@@ -372,10 +331,8 @@ TEST_F(WorksheetTest, AReportThroughThePageEngineLandsInTheWorkbook) {
     end_of_print(surface, job, drive.run);
 
     EXPECT_FALSE(job.output_to_excel);
-    const Rows rows = first_sheet("verslag.xlsx");
-    EXPECT_EQ(rows.value(1).mid(0, 3), (QStringList{"09:30:00", "", "DIE KRANS"}));
-    EXPECT_EQ(rows.value(2).mid(0, 3), (QStringList{"PAGE : 1", "", "MARK LIST [GR 8A]"}));
-    EXPECT_EQ(rows.value(5).value(0), "Naam");
+    EXPECT_EQ(cell("verslag.xlsx", 2, 2), "MARK LIST [GR 8A]");
+    EXPECT_EQ(cell("verslag.xlsx", 5, 0), "Naam");
     EXPECT_EQ(drive.dialogs.texts(), QStringList{"EXPORT OF verslag TO " + out_folder() + "verslag COMPLETE !!"});
 }
 
