@@ -59,6 +59,8 @@ TEST_F(Totals, EachRuleOfTheArithmeticToTheLastDecimal) {
     const std::vector<SetupRow> into_total = {{"T1", "10", "2", "", ""}, {"TOT", "20", "", "", ""}};
     const std::vector<SetupRow> two_tests = {
         {"T1", "10", "3", "", ""}, {"T2", "10", "3", "", ""}, {"TOT", "20", "", "", ""}};
+    const std::vector<SetupRow> big_pair = {
+        {"T1", "10000", "3", "", ""}, {"T2", "10000", "3", "", ""}, {"TOT", "20000", "", "", ""}};
     const Case cases[] = {
         // X = 1, Y = 1: the mark 7 goes over as 7; then 7 of 1 on a scale of 10.
         {"a feeder with total 0 counts in full", {{"TASK", "0", "2", "", ""}, {"TOTAL", "10", "", "", ""}},
@@ -101,6 +103,17 @@ TEST_F(Totals, EachRuleOfTheArithmeticToTheLastDecimal) {
         {"the share passed up is read back from its text before the weight",
          {{"T", "3", "2", "", ""}, {"SUB", "20", "3", "3", ""}, {"FINAL", "100", "", "", ""}}, {"1"},
          {{3, "6.7"}, {4, "33.3"}}},
+        // A mark field holds six characters: a total that needs more is cut
+        // there, as the table stores it; a sign takes one of the six.
+        {"a total that fills its field exactly", big_pair, {"4999.9", "5000"}, {{4, "9999.9"}}},
+        {"a total one tenth past its field is cut", big_pair, {"5000", "5000"}, {{4, "10000."}}},
+        {"a negative total that fills its field exactly", big_pair, {"-500", "-499.9"}, {{4, "-999.9"}}},
+        {"a negative total one tenth past its field is cut", big_pair, {"-500", "-500"}, {{4, "-1000."}}},
+        // 10000.5 is kept as 10000., and that is what its conversion (20 of
+        // 40 thousand) doubles: 20000, not 20001.
+        {"a cut total is converted as it was cut",
+         {{"T1", "10000", "3", "10000", ""}, {"T2", "10000", "3", "10000", ""}, {"TOT", "40000", "", "", ""}},
+         {"5000", "5000.5"}, {{4, "20000."}}},
         // Target 0 would be the name; target 41 is past the last field.
         {"a target outside the mark fields never touches the name",
          {{"ODD", "10", "0", "", ""}, {"FAR", "10", "41", "", ""}}, {"5", "6"}, {{1, "Botha, Anri"}, {0, "10001"}}},
