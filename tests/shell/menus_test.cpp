@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "shell/menus.h"
+#include "tests/support/golden.h"
 #include "tests/support/shell_fixture.h"
+#include "tests/support/shell_transcript.h"
 
 namespace veldo {
 namespace {
@@ -14,27 +16,27 @@ struct Menus : ::testing::Test, ShellFixture {
     MenuScreen top{ctx, passwords, MenuKind::Top};
     MenuScreen book{ctx, passwords, MenuKind::Marks2};
     MenuScreen input{ctx, passwords, MenuKind::Marks1};
+    QString transcript() const { return testing::transcript(*this, screens); }
 };
 
+// Every caption and tooltip of the three menus, in both languages.
 TEST_F(Menus, CaptionsAndTooltipsInBothLanguages) {
-    EXPECT_EQ(top.caption(1), "CYCLE/OBE");
-    EXPECT_EQ(top.tooltip(1), "CYCLE/TEST, CASS/CTA MARKS");
-    EXPECT_EQ(top.tooltip(2), "MARKS BOOK");
-    EXPECT_EQ(book.caption(4), "SYMBOL DISTRIBUTION");
-    EXPECT_EQ(book.tooltip(4), "PRINT SYMBOL DISTRIBUTIONS FOR ALL USED SERIES");
-    EXPECT_EQ(input.tooltip(1), "INPUT of CASS/CTA marks/percentages");
-    run.language_afrikaans = true;
-    EXPECT_EQ(top.caption(1), "SIKLUS/UGO");
-    EXPECT_EQ(book.caption(5), "UITVOER na ADMIN");
-    EXPECT_EQ(book.tooltip(4), "DRUK SIMBOLVERSPREIDINGS VIR GEBRUIKTE REEKSE");
-    EXPECT_EQ(input.caption(2), "INLEES ASSESSERING");
-    EXPECT_EQ(top.backup_caption(), "RUGSTEUN/HERWIN");
-    EXPECT_EQ(top.system_menu_tooltip(), " Vertoon Stelselspyskaart ");
-    run.data_folder = "/skool/data";
-    EXPECT_EQ(top.data_folder_tooltip(), " VERANDER DATA-FOLDER VAN /skool/data NA ... ");
-    run.data_folder.clear();
-    run.language_afrikaans = false;
-    EXPECT_EQ(top.data_folder_tooltip(), " CHANGE DATA FOLDER FROM  TO ... ");
+    QString texts;
+    for (const bool afrikaans : {false, true}) {
+        run.language_afrikaans = afrikaans;
+        run.data_folder = afrikaans ? "/skool/data" : "";
+        for (const MenuScreen* m : {&top, &input, &book}) {
+            texts += QString("== %1 %2\n").arg(menu_screen_name(m->kind()), afrikaans ? "af" : "en");
+            for (const MenuEntry& e : menu_entries(m->kind()))
+                texts += QString("%1 (key %2) %3 | %4\n").arg(e.index).arg(e.key).arg(m->caption(e.index), m->tooltip(e.index));
+            texts += QStringList{m->backup_caption(), m->data_folder_caption(), m->data_folder_tooltip(),
+                                 m->timeout_caption(), m->system_menu_caption(), m->system_menu_tooltip(),
+                                 m->help_caption(), m->password_show_text()}
+                         .join(" | ") +
+                     '\n';
+        }
+    }
+    EXPECT_TRUE(testing::matches_golden(texts, "shell/menu_texts.txt"));
 }
 
 TEST_F(Menus, TheTopMenuOpensTheSecondLevelAndNamesTheEntry) {
@@ -44,42 +46,37 @@ TEST_F(Menus, TheTopMenuOpensTheSecondLevelAndNamesTheEntry) {
     EXPECT_EQ(top.ops_stelsel, "CYCLE/TEST, CASS/CTA MARKS");
     EXPECT_EQ(run.menu_password_key, "MARKS_MENU:1");
     top.punte_menu_click(2);
-    EXPECT_EQ(screens.shown.last(), "punte_menu2");
     EXPECT_EQ(top.ops_stelsel, "");  // cleared after the mark book menu opened by click
     top.key_press('2');
     EXPECT_EQ(top.ops_stelsel, "MARKS BOOK");
+    EXPECT_EQ(screens.shown, (QStringList{"punte_menu1", "punte_menu2", "punte_menu2"}));
 }
 
 TEST_F(Menus, KeysFourAndFiveAreSwappedOnTheMarkBookMenu) {
     ASSERT_TRUE(book.load());
+    QStringList keys;
+    const auto note = [&] { keys << run.menu_password_key; };
     book.punte_menu_click(4);
-    EXPECT_EQ(screens.shown.last(), "simbole_druk");
-    EXPECT_EQ(run.menu_password_key, "MARKS2_MENU:4");
-    book.key_press('4');
-    EXPECT_EQ(screens.shown.last(), "pboek_uitvoer");
-    EXPECT_EQ(run.menu_password_key, "MARKS2_MENU:4");
-    book.key_press('5');
-    EXPECT_EQ(screens.shown.last(), "simbole_druk");
-    EXPECT_EQ(run.menu_password_key, "MARKS2_MENU:5");
-    book.key_press('2');
-    EXPECT_EQ(screens.shown.last(), "pboek_inlees");
+    note();
+    for (const QChar key : {'4', '5', '2'}) {
+        book.key_press(key);
+        note();
+    }
+    EXPECT_EQ(screens.shown, (QStringList{"simbole_druk", "pboek_uitvoer", "simbole_druk", "pboek_inlees"}));
+    EXPECT_EQ(keys, (QStringList{"MARKS2_MENU:4", "MARKS2_MENU:4", "MARKS2_MENU:5", "MARKS2_MENU:2"}));
 }
 
 TEST_F(Menus, AFolderWithoutMarksFilesIsReportedAndTheScreenStillOpens) {
     run.data_folder = path("empty");
     QDir().mkpath(run.data_folder);
     input.punte_menu_click(3);
-    EXPECT_EQ(dialogs.texts(), QStringList{"Current folder (" + path("empty") + ") does not contain marks files ..."});
-    EXPECT_EQ(dialogs.messages.first().icon, MsgIcon::Critical);
-    EXPECT_EQ(screens.modal, QStringList{"change_folder"});
-    EXPECT_EQ(screens.shown, QStringList{"punte_druk"});
+    EXPECT_EQ(transcript(), "message Critical Ok []: Current folder (<drive>/empty) does not contain marks files ...\n"
+                            "shown: punte_druk\nmodal: change_folder\n");
     // The older control table alone satisfies the menus.
     write_bytes(path("empty/Exp_Control.dbf"), "x");
     EXPECT_TRUE(input.data_folder_ok());
     EXPECT_EQ(dialogs.messages.size(), 1);
-}
-
-TEST_F(Menus, AnEmptyDataFolderGivesEmptyBrackets) {
+    // An empty data folder gives empty brackets.
     run.data_folder.clear();
     run.language_afrikaans = true;
     book.punte_menu_click(2);
@@ -109,25 +106,21 @@ TEST_F(Menus, AProtectedEntryIsRedAndClosedToEveryone) {
 
 TEST_F(Menus, ExitOfASecondLevelMenuShowsTheTopMenuAndTheTopExitOrZeroEndsTheRun) {
     input.key_press('0');
-    EXPECT_TRUE(screens.ended);
-    EXPECT_TRUE(screens.unloaded.isEmpty());
+    EXPECT_EQ(transcript(), "ended\n");
     screens.ended = false;
     book.punte_exit_click();
-    EXPECT_EQ(screens.unloaded, QStringList{"punte_menu2"});
-    EXPECT_EQ(screens.shown, QStringList{"punte_mnu"});
+    EXPECT_EQ(transcript(), "shown: punte_mnu\nunloaded: punte_menu2\n");
     top.punte_exit_click();
-    EXPECT_EQ(screens.unloaded.mid(1), (QStringList{"punte_mnu", "sk0_floating"}));
-    EXPECT_TRUE(screens.ended);
+    EXPECT_EQ(transcript(), "shown: punte_mnu\nunloaded: punte_menu2 | punte_mnu | sk0_floating\nended\n");
 }
 
 TEST_F(Menus, BackupStartsTheVaultsProgramWhenItIsThere) {
     top.backup_click();
-    EXPECT_TRUE(screens.started.isEmpty());
-    EXPECT_TRUE(dialogs.messages.isEmpty());
+    EXPECT_EQ(transcript(), "\n");
     EXPECT_EQ(run.active_user_key, "admin");
     write_bytes(path("Apps/VELDO-VAULTS/VELDO-VAULTS.EXE"), "pe");
     top.backup_click();
-    EXPECT_EQ(screens.started, QStringList{path("Apps/VELDO-VAULTS/VELDO-VAULTS.EXE")});
+    EXPECT_EQ(transcript(), "started: <drive>/Apps/VELDO-VAULTS/VELDO-VAULTS.EXE\n");
 }
 
 TEST_F(Menus, HelpNamesTheManualOfTheMenuAndTheWebButtonFails) {
@@ -136,10 +129,9 @@ TEST_F(Menus, HelpNamesTheManualOfTheMenuAndTheWebButtonFails) {
     run.language_afrikaans = true;
     book.help_pdf_click();
     EXPECT_EQ(run.manual_file_name, "m_punteboek.pdf");
-    EXPECT_EQ(screens.modal, (QStringList{"acrobat_interface", "acrobat_interface"}));
     // The web button fails with the platform error.
     top.www_call_click();
-    EXPECT_EQ(dialogs.texts(), QStringList{"Object required"});
+    EXPECT_EQ(transcript(), "message Critical Ok []: Object required\nmodal: acrobat_interface | acrobat_interface\n");
 }
 
 TEST_F(Menus, LoadingWritesTheAuditRecordAndSetsTheLabels) {
@@ -148,12 +140,9 @@ TEST_F(Menus, LoadingWritesTheAuditRecordAndSetsTheLabels) {
     ASSERT_TRUE(book.load());
     EXPECT_EQ(run.active_menu, 2);
     EXPECT_EQ(run.active_user_key, "marks");
-    EXPECT_EQ(book.ops_stelsel, "MARK BOOK");
-    EXPECT_EQ(book.ops_ops1, "HOëRSKOOL DIE KRANS");
-    EXPECT_EQ(book.dir_disp(), "/SKOOL/DATA");
-    EXPECT_EQ(run.data_folder, "/skool/data");
-    EXPECT_EQ(book.header.ops_datum, "2026.11.23");
-    EXPECT_EQ(book.header.ops_tyd, "10:15:30");
+    EXPECT_EQ(QStringList({book.ops_stelsel, book.ops_ops1, book.dir_disp(), run.data_folder, book.header.ops_datum,
+                           book.header.ops_tyd}),
+              QStringList({"MARK BOOK", "HOëRSKOOL DIE KRANS", "/SKOOL/DATA", "/skool/data", "2026.11.23", "10:15:30"}));
     EXPECT_EQ(QFileInfo(path("ProgramData/KESTRALIN/Audit_Trail.txt")).size(), 258);
 }
 
