@@ -8,6 +8,7 @@
 #include "markbook/marks_table.h"
 #include "tests/markbook/demo_school_fixture.h"
 #include "tests/support/golden.h"
+#include "tests/support/shell_transcript.h"
 
 namespace veldo {
 namespace {
@@ -22,18 +23,6 @@ struct ExchangeScreens : ::testing::Test, testing::DemoSchool {
     }
 };
 
-// A grid one row a line, cells between bars, with the back colour of column
-// `coloured` when there is one.
-QString grid_text(const TextGrid& grid, int coloured = -1) {
-    QString out;
-    for (int r = 0; r < grid.rows(); ++r) {
-        out += grid.row_texts(r).join('|');
-        if (coloured >= 0) out += QString(" #%1").arg(grid.cell_back_colour(r, coloured), 6, 16, QChar('0'));
-        out += '\n';
-    }
-    return out;
-}
-
 TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
     MarkBookExport screen(ctx);
     ASSERT_TRUE(screen.load());
@@ -44,7 +33,7 @@ TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
     EXPECT_FALSE(screen.series_list_shown());
     ASSERT_TRUE(screen.task_list_shown());
     // Column 2 is pale yellow where the task has a total, white elsewhere.
-    EXPECT_TRUE(testing::matches_golden(grid_text(screen.tasks(), 2), "exchange/export_tasks.txt"));
+    EXPECT_TRUE(testing::matches_golden(testing::grid_text(screen.tasks(), 2), "exchange/export_tasks.txt"));
 
     const int before = DbfTable::open(table("punte1.dbf"))->RecordCount();
     QList<std::pair<int, int>> bar;
@@ -129,7 +118,7 @@ TEST_F(ExchangeScreens, TheDistributionShowsInTheGridAndPrintsWhole) {
     ASSERT_TRUE(screen.choose_series(0));
     EXPECT_EQ(screen.vak_ops(), "8 AFR 8A");
     const TextGrid& grid = screen.grid();
-    EXPECT_TRUE(testing::matches_golden(grid_text(grid), "exchange/symbol_grid.txt"));
+    EXPECT_TRUE(testing::matches_golden(testing::grid_text(grid), "exchange/symbol_grid.txt"));
     // Every learner with a mark for task 1 is counted once.
     int counted = 0, with_marks = 0;
     for (int r = 2; r < grid.rows() - 1; ++r) counted += grid.text(r, 1).toInt();

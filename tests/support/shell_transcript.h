@@ -9,6 +9,7 @@
 
 #include "tests/support/fake_screens.h"
 #include "tests/support/temp_drive.h"
+#include "util/text_grid.h"
 
 namespace veldo::testing {
 
@@ -49,6 +50,23 @@ inline QString transcript(const TempDrive& t, const FakeScreens& screens,
         for (const QString& f : files) out << "file " + f + ": " + shown_bytes(read_bytes(f));
     }
     return out.join('\n').replace(t.dir.path(), "<drive>") + '\n';
+}
+
+// A grid one row a line, cells between bars up to the last that holds text;
+// with `coloured` the back colour of that column ends each row, with
+// `widths` a last line gives each column's width.
+inline QString grid_text(const TextGrid& grid, int coloured = -1, bool widths = false) {
+    QString out;
+    for (int r = 0; r < grid.rows(); ++r) {
+        QStringList cells = grid.row_texts(r);
+        while (!cells.isEmpty() && cells.last().isEmpty()) cells.removeLast();
+        out += cells.join('|');
+        if (coloured >= 0) out += QString(" #%1").arg(grid.cell_back_colour(r, coloured), 6, 16, QChar('0'));
+        out += '\n';
+    }
+    QStringList width_texts;
+    for (int c = 0; widths && c < grid.cols(); ++c) width_texts << QString::number(grid.col_width(c));
+    return widths ? out + "widths " + width_texts.join(' ') + '\n' : out;
 }
 
 }  // namespace veldo::testing
