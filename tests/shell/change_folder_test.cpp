@@ -24,7 +24,8 @@ TEST_F(ChangeFolderTest, AnAcceptedFolderIsRememberedWithTheOtherValuesKept) {
     EXPECT_FALSE(f.is_loaded());
     EXPECT_EQ(transcript(), "prompt: CHANGE DATA FOLDER\nunloaded: change_folder\n"
                             "file <drive>/Apps/VELDO-TALLY/last_drive.txt: \"<drive>\"\\r\\n\n"
-                            "file <drive>/Apps/VELDO-TALLY/user_info.txt: \"<drive>/data\"\\r\\n\"PS\"\\r\\n\"FE\"\\r\\n\n");
+                            "file <drive>/Apps/VELDO-TALLY/user_info.txt: "
+                            "\"<drive>/data\"\\r\\n\"PS\"\\r\\n\"FE\"\\r\\n\n");
 }
 
 TEST_F(ChangeFolderTest, ACancelEmptiesTheDataFolderAndWritesNothing) {

@@ -93,7 +93,8 @@ TEST(FloatingMenu, AProgramIsFoundIgnoringCaseOrElseTheUserIsToldToInstallIt) {
             program = w.install(r.installed);
         w.menu.sk0f_menu_click(r.index);
         const QString started = "started: " + program.replace(w.dir.path(), "<drive>");
-        EXPECT_EQ(transcript(w, w.screens), (r.message ? "message Critical Ok []: " + QString(r.message) : started) + "\n");
+        const QString said = r.message ? "message Critical Ok []: " + QString(r.message) : started;
+        EXPECT_EQ(transcript(w, w.screens), said + "\n");
     }
 }
 

@@ -25,7 +25,8 @@ TEST_F(FormHeaderTest, AppendsA258ByteRecord) {
     RecordBuffer rec(&audit_record_layout());
     rec.set_bytes(raw.mid(258));
     EXPECT_DOUBLE_EQ(rec.date("date"), 46349.0);  // 2026-11-23
-    EXPECT_EQ(QStringList({rec.text("user").trimmed(), rec.text("time"), rec.text("form").trimmed(), rec.text("reserved")}),
+    EXPECT_EQ(QStringList({rec.text("user").trimmed(), rec.text("time"), rec.text("form").trimmed(),
+                           rec.text("reserved")}),
               QStringList({get_login_name().left(50), "10:16:01  ", "MARK BOOK", QString(50, ' ')}));
     EXPECT_EQ(raw.mid(258 + 168, 90), QByteArray(90, ' '));
 }

@@ -70,7 +70,8 @@ TEST(Inactivity, WatchesTheMouseWarnsAndCloses) {
         {"the warning comes five seconds before the limit, not at it; no close while the clock stands", 300, 1000,
          {{1295, P(1, 1)}, {1295, P(1, 1)}, {1295.1, P(1, 1)}}, {}},
         {"a limit of five warns after any time", 5, 1000, {{1000, P(0, 0)}, {1000.1, P(0, 0)}}, {}},
-        {"below five even with none gone by: the move itself sets the time", 3, 0, {{2000, P(0, 0)}, {2000, P(1, 0)}}, {}},
+        {"below five even with none gone by: the move itself sets the time", 3, 0,
+         {{2000, P(0, 0)}, {2000, P(1, 0)}}, {}},
         {"after the warning's five seconds dialogs close first, all but startup unload and the top menu shows; "
          "the next close comes a whole limit later",
          300, 1000, {{1295.6, P(7, 7)}, {1400, P(7, 7)}}, {{1300.6, {}}}},
@@ -126,7 +127,8 @@ TEST(ClosingMessage, SplitsTheMessageAtTheDollarAndCountsDownInTenths) {
     EXPECT_EQ(count_down(t.run, 1, "Alles in een", 2000, "TITEL", true),
               QStringList({"1.9", "Alles in een", "", "TITEL"}));
     const QStringList shown = count_down(t.run, 50);
-    EXPECT_EQ(shown.mid(0, 11), QStringList({"4.9", "4.8", "4.7", "4.6", "4.5", "4.4", "4.3", "4.2", "4.1", "4", "3.9"}));
+    EXPECT_EQ(shown.mid(0, 11),
+              QStringList({"4.9", "4.8", "4.7", "4.6", "4.5", "4.4", "4.3", "4.2", "4.1", "4", "3.9"}));
     EXPECT_EQ(shown.mid(37, 5), QStringList({"1.2", "1.1", "1", "0.9", ""}));
     // Below a second the label stays empty until the window closes.
     EXPECT_EQ(shown.mid(41, 9), QStringList(9, QString()));

@@ -29,11 +29,13 @@ struct Shelf : ShellFixture {
 
 TEST(ManualViewerTable, CaptionsAndFilesInBothLanguages) {
     QString table;
-    for (int i = 0; i <= ManualViewer::kOptionCount + 1; ++i)
-        table += QStringList{QString::number(i), ManualViewer::caption_for(i, true), ManualViewer::caption_for(i, false),
-                             ManualViewer::file_for(i, true), ManualViewer::file_for(i, false)}
-                     .join(" | ") +
-                 '\n';
+    for (int i = 0; i <= ManualViewer::kOptionCount + 1; ++i) {
+        table += QStringList{QString::number(i), ManualViewer::caption_for(i, true),
+                             ManualViewer::caption_for(i, false), ManualViewer::file_for(i, true),
+                             ManualViewer::file_for(i, false)}
+                     .join(" | ");
+        table += '\n';
+    }
     EXPECT_TRUE(matches_golden(table, "shell/manual_table.txt"));
 }
 

@@ -64,7 +64,8 @@ TEST(FamilyFiles, OnlySharedTextAndNetworkFilesAreCopiedAndNoneOverwritten) {
     EXPECT_EQ(copied,
               "file <drive>/ProgramData/KESTRALIN/VELDO-HOUSE/NETWORK.ini: VELDO-HOUSE/NETWORK.ini\n"
               "file <drive>/ProgramData/KESTRALIN/VELDO-HOUSE/house.txt: VELDO-HOUSE/house.txt\n"
-              "file <drive>/ProgramData/KESTRALIN/VELDO-VAULTS/path_names.txt: " + QString("\"\"\\r\\n").repeated(11) + "\n");
+              "file <drive>/ProgramData/KESTRALIN/VELDO-VAULTS/path_names.txt: " +
+                  QString("\"\"\\r\\n").repeated(11) + "\n");
     EXPECT_EQ(read_bytes(t.family + "/setup.txt"), "kept");
 
     // An existing sibling folder in the family is left alone.
