@@ -1,8 +1,6 @@
 // The three menus: entries by mouse and key, passwords, the folder test.
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "shell/menus.h"
 #include "tests/support/golden.h"
 #include "tests/support/shell_fixture.h"
@@ -11,14 +9,53 @@
 namespace veldo {
 namespace {
 
-using testing::write_bytes;
-
 struct Menus : testing::ShellFixture {
     MenuScreen top{ctx, passwords, MenuKind::Top};
     MenuScreen book{ctx, passwords, MenuKind::Marks2};
     MenuScreen input{ctx, passwords, MenuKind::Marks1};
-    QStringList notes;  // state along the way, as "name: value"
-    void note(const QString& name, const QString& value) { notes << name + ": " + value; }
+
+    // What a step may change on menu `m` and in the run, item by item, and
+    // what the user saw so far.
+    QStringList state(const MenuScreen& m) const {
+        return QStringList{"title " + m.ops_stelsel,
+                           QString("colours %1 %2").arg(m.fore_colour(1)).arg(m.fore_colour(2)),
+                           QString("hint %1").arg(m.password_show() ? "shown" : "hidden"),
+                           "key " + run.menu_password_key, "manual " + run.manual_file_name,
+                           "user " + run.active_user_key} +
+               testing::transcript(*this, screens).split('\n', Qt::SkipEmptyParts);
+    }
+    // Plays steps such as "top:click:1" (menu, action, argument), each logged
+    // with what it changed. Besides: "reply:x" queues an input reply,
+    // "folder:x" makes the data folder x below the drive ("folder:" none),
+    // "file:x" writes a file below the drive and "af" turns Afrikaans.
+    QString play(const QString& steps) {
+        QString log;
+        for (const QString& step : steps.split(' ')) {
+            const QStringList w = step.split(':');
+            MenuScreen& m = w[0] == "top" ? top : w[0] == "book" ? book : input;
+            const QStringList before = state(m);
+            const QString action = w.value(1), arg = w.value(2);
+            if (w[0] == "reply") dialogs.inputs << action;
+            if (w[0] == "folder") QDir().mkpath(run.data_folder = action.isEmpty() ? "" : path(action));
+            if (w[0] == "file") testing::write_bytes(path(action), "MZ");
+            if (w[0] == "af") run.language_afrikaans = true;
+            if (action == "load") m.load();
+            if (action == "click") m.punte_menu_click(arg.toInt());
+            if (action == "key") m.key_press(arg[0]);
+            if (action == "right") m.punte_menu_right_click(arg.toInt());
+            if (action == "move") m.punte_menu_mouse_move(arg.toInt());
+            if (action == "off") m.form_mouse_move();
+            if (action == "exit") m.punte_exit_click();
+            if (action == "backup") m.backup_click();
+            if (action == "help") m.help_pdf_click();
+            if (action == "www") m.www_call_click();
+            QStringList changed;
+            for (const QString& item : state(m))
+                if (!before.contains(item)) changed << item;
+            log += step + " -> " + changed.join("; ") + '\n';
+        }
+        return log;
+    }
 };
 
 // Every caption and tooltip of the three menus, in both languages.
@@ -43,99 +80,47 @@ TEST(MenuTexts, CaptionsAndTooltipsInBothLanguages) {
     EXPECT_TRUE(testing::matches_golden(texts, "shell/menu_texts.txt"));
 }
 
-// Each row plays a user's steps on the menus; the golden file holds the
-// notes taken along the way and what the user saw. That each load appends
-// the password rows again is PasswordLoad's to pin.
+// A user's steps on the menus, each with what it changed. That each load
+// appends the password rows again is PasswordLoad's to pin.
 TEST(Menus, EntriesOpenTheirScreensByMouseAndKey) {
     const struct {
-        const char* why;
-        std::function<void(Menus&)> steps;
+        const char *why, *steps;
     } rows[] = {
-        {"the top menu opens the second level and names the entry; the name is cleared after the mark book "
-         "menu opened by click, not by key",
-         [](Menus& m) {
-             m.top.load();
-             for (const int entry : {1, 2}) {
-                 m.top.punte_menu_click(entry);
-                 m.note("entry " + m.run.menu_password_key, m.top.ops_stelsel);
-             }
-             m.top.key_press('2');
-             m.note("key 2", m.top.ops_stelsel);
-         }},
-        {"keys four and five are swapped on the mark book menu; the password key follows the key", [](Menus& m) {
-             m.book.load();
-             m.book.punte_menu_click(4);
-             m.note("click 4", m.run.menu_password_key);
-             for (const QChar key : {'4', '5', '2'}) {
-                 m.book.key_press(key);
-                 m.note(QString("key ") + key, m.run.menu_password_key);
-             }
-         }},
-        {"a folder without marks files is reported, the folder form shows and the screen still opens; the older "
-         "control table alone will do; an empty data folder gives empty brackets",
-         [](Menus& m) {
-             m.run.data_folder = m.path("empty");
-             QDir().mkpath(m.run.data_folder);
-             m.input.punte_menu_click(3);
-             write_bytes(m.path("empty/Exp_Control.dbf"), "x");
-             m.note("with Exp_Control.dbf", m.input.data_folder_ok() ? "ok" : "refused");
-             m.run.data_folder.clear();
-             m.run.language_afrikaans = true;
-             m.book.punte_menu_click(2);
-         }},
-        {"a protected entry is red, shows its hint under the mouse and asks the password", [](Menus& m) {
-             m.dialogs.inputs << "$ecure$key" << "geheim" << "geheim";
-             m.top.punte_menu_right_click(2);
-             MenuScreen fresh(m.ctx, m.passwords, MenuKind::Top);
-             fresh.load();
-             m.note("colours", QString("%1 %2").arg(fresh.fore_colour(1)).arg(fresh.fore_colour(2)));
-             fresh.punte_menu_mouse_move(2);
-             m.note("hint over 2", fresh.password_show() ? "shown" : "hidden");
-             fresh.form_mouse_move();
-             m.note("hint off it", fresh.password_show() ? "shown" : "hidden");
-             fresh.punte_menu_click(2);
-         }},
-        {"zero ends the run; exit of a second-level menu shows the top menu; the top exit ends the run",
-         [](Menus& m) {
-             m.input.key_press('0');
-             m.note("after 0", m.screens.ended ? "ended" : "running");
-             m.screens.ended = false;
-             m.book.punte_exit_click();
-             m.top.punte_exit_click();
-         }},
-        {"backup starts the vaults program only when it is there", [](Menus& m) {
-             m.top.backup_click();
-             m.note("user", m.run.active_user_key);
-             write_bytes(m.path("Apps/VELDO-VAULTS/VELDO-VAULTS.EXE"), "pe");
-             m.top.backup_click();
-         }},
-        {"help names the manual of the menu; the web button fails with the platform error", [](Menus& m) {
-             m.input.help_pdf_click();
-             m.note("manual", m.run.manual_file_name);
-             m.run.language_afrikaans = true;
-             m.book.help_pdf_click();
-             m.note("manual", m.run.manual_file_name);
-             m.top.www_call_click();
-         }},
-        {"a load writes the audit record and sets the labels; the folder keeps its spelling", [](Menus& m) {
-             m.run.school_name = "HOëRSKOOL DIE KRANS";
-             m.run.data_folder = "/skool/data";
-             m.book.load();
-             m.note("menu, user", QString("%1 %2").arg(m.run.active_menu).arg(m.run.active_user_key));
-             m.note("labels", QStringList({m.book.ops_stelsel, m.book.ops_ops1, m.book.dir_disp(), m.run.data_folder,
-                                           m.book.header.ops_datum, m.book.header.ops_tyd})
-                                  .join(" | "));
-             m.note("audit bytes",
-                    QString::number(QFileInfo(m.path("ProgramData/KESTRALIN/Audit_Trail.txt")).size()));
-         }},
+        {"the top menu opens the second level and names the entry; the name clears when the mark book menu "
+         "opens by click, not by key",
+         "top:load top:click:1 top:click:2 top:key:2"},
+        {"keys four and five are swapped on the mark book menu",
+         "book:load book:click:4 book:key:4 book:key:5 book:key:2"},
+        {"a folder without marks files is reported and the folder form shows, yet the screen opens; the older "
+         "control table alone will do",
+         "folder:empty input:click:3 file:empty/Exp_Control.dbf input:click:3"},
+        {"an empty data folder gives empty brackets", "folder: af book:click:2"},
+        {"a protected entry is red, shows its hint under the mouse and asks the password",
+         "reply:$ecure$key reply:geheim reply:geheim top:right:2 top:load top:move:2 top:off top:click:2"},
+        {"zero ends the run", "input:key:0"},
+        {"exit of a second-level menu shows the top menu; the top exit ends the run", "book:exit top:exit"},
+        {"backup starts the vaults program only when it is there",
+         "top:backup file:Apps/VELDO-VAULTS/VELDO-VAULTS.EXE top:backup"},
+        {"help names the manual of the menu; the web button fails with the platform error",
+         "input:help af book:help top:www"},
     };
     QString outcome;
-    for (const auto& r : rows) {
-        Menus m;
-        r.steps(m);
-        outcome += QString("== %1\n").arg(r.why) + m.notes.join('\n') + '\n' + testing::transcript(m, m.screens);
-    }
+    for (const auto& r : rows) outcome += QString("== %1\n").arg(r.why) + Menus().play(r.steps);
     EXPECT_TRUE(testing::matches_golden(outcome, "shell/menu_steps.txt"));
+}
+
+TEST(Menus, LoadingWritesTheAuditRecordAndSetsTheLabels) {
+    Menus m;
+    m.run.school_name = "HOëRSKOOL DIE KRANS";
+    m.run.data_folder = "/skool/data";
+    ASSERT_TRUE(m.book.load());
+    EXPECT_EQ(m.run.active_menu, 2);
+    EXPECT_EQ(m.run.active_user_key, "marks");
+    EXPECT_EQ(QStringList({m.book.ops_stelsel, m.book.ops_ops1, m.book.dir_disp(), m.run.data_folder,
+                           m.book.header.ops_datum, m.book.header.ops_tyd}),
+              QStringList({"MARK BOOK", "HOëRSKOOL DIE KRANS", "/SKOOL/DATA", "/skool/data", "2026.11.23",
+                           "10:15:30"}));
+    EXPECT_EQ(QFileInfo(m.path("ProgramData/KESTRALIN/Audit_Trail.txt")).size(), 258);
 }
 
 }  // namespace
