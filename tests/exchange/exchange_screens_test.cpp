@@ -7,6 +7,8 @@
 #include "exchange/symbol_screen.h"
 #include "markbook/marks_table.h"
 #include "tests/markbook/demo_school_fixture.h"
+#include "tests/support/golden.h"
+#include "tests/support/shell_transcript.h"
 
 namespace veldo {
 namespace {
@@ -30,20 +32,10 @@ TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
     EXPECT_EQ(screen.vak_ops(), "8 AFR");
     EXPECT_FALSE(screen.series_list_shown());
     ASSERT_TRUE(screen.task_list_shown());
-    const TextGrid& tasks = screen.tasks();
-    ASSERT_EQ(tasks.rows(), 41);
-    EXPECT_EQ(tasks.row_texts(0), (QStringList{"EXP", "NO.", " TASK/PROJECT            ", " TOTAL  ", "   RESULT   ",
-                                               " OUT  OF ", " CYCLE "}));
-    EXPECT_EQ(tasks.text(1, 1), "1");
-    EXPECT_EQ(tasks.text(1, 2).trimmed(), "TAAK 1");
-    EXPECT_EQ(tasks.text(1, 3).trimmed(), "10");
-    EXPECT_EQ(tasks.text(40, 1), "40");
     // Column 2 is pale yellow where the task has a total, white elsewhere.
-    EXPECT_EQ(tasks.cell_back_colour(1, 2), 0xC0FFFF);
-    EXPECT_EQ(tasks.cell_back_colour(40, 2), 0xFFFFFF);
+    EXPECT_TRUE(testing::matches_golden(testing::grid_text(screen.tasks(), 2), "exchange/export_tasks.txt"));
 
     const int before = DbfTable::open(table("punte1.dbf"))->RecordCount();
-    const int obe_before = DbfTable::open(table("obe_p1.dbf"))->RecordCount();
     QList<std::pair<int, int>> bar;
     screen.on_progress = [&] { bar << std::pair{screen.progress_visible() ? screen.progress_value() : -1, screen.progress_max()}; };
     dialogs.folders.enqueue(run.data_folder);
@@ -52,25 +44,15 @@ TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
     EXPECT_EQ(dialogs.texts(), (QStringList{"DO YOU WISH TO EXPORT \"TAAK 1\" ?",
                                             "Marks for 8  AFR__8A exported sucessfully ..."}));
     // 32 learners: the bar from 0 to 32, then gone.
-    ASSERT_EQ(bar.size(), 34);
-    EXPECT_EQ(bar.first(), std::pair(0, 32));
-    EXPECT_EQ(bar[32], std::pair(32, 32));
-    EXPECT_EQ(bar.last(), std::pair(-1, 32));
-    EXPECT_FALSE(screen.progress_visible());
-    // 3.5 of 10 goes over as 35 of the series' 100, appended beside the class list's row.
+    QList<std::pair<int, int>> steps;
+    for (int i = 0; i <= 32; ++i) steps << std::pair(i, 32);
+    EXPECT_EQ(bar, steps << std::pair(-1, 32));
+    // 3.5 of 10 goes over as 35 of the series' 100, appended beside the class
+    // list's row; the records' bytes are ExportMarks' to pin.
     EXPECT_EQ(DbfTable::open(table("punte1.dbf"))->RecordCount(), before + 32);
     EXPECT_EQ(rows_of("punte1.dbf", "Botha, Anri"), (QList<QStringList>{{"10001", "Botha, Anri", "", ""},
                                                                        {"10001", "Botha, Anri", "35", ""}}));
     EXPECT_EQ(rows_of("obe_p1.dbf", "Botha, Anri").last().mid(0, 3), (QStringList{"10001", "Botha, Anri", "35"}));
-    // The first appended record of each table (the book's first learner), byte for byte.
-    auto record = [&](const QString& name, int index) {
-        const QByteArray raw = testing::read_bytes(table(name));
-        const int header = quint8(raw[8]) | quint8(raw[9]) << 8, length = quint8(raw[10]) | quint8(raw[11]) << 8;
-        return raw.mid(header + index * length, length);
-    };
-    const QByteArray name = QByteArray("Botha, Anri").leftJustified(40, ' ');
-    EXPECT_EQ(record("punte1.dbf", before), " 10001     " + name + "35      ");
-    EXPECT_EQ(record("obe_p1.dbf", obe_before), "      10001" + name + "35    " + QByteArray(18, ' '));
     EXPECT_TRUE(screen.task_list_shown());
     screen.pboek_uitvoer_exit();
     EXPECT_EQ(screens.unloaded, QStringList{"pboek_uitvoer"});
@@ -80,49 +62,48 @@ TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
 // Each refusal: its message in the user's language, nothing appended, and
 // the screen gone where the refusal ends it.
 TEST_F(ExchangeScreens, TheExportRefusesWithItsMessages) {
-    struct Case {
+    const struct {
         const char* why;
-        bool afrikaans;
-        bool series_table;  // the data folder holds exp_mrk_control.txt
-        int task_row;       // the row double-clicked; -1 = none, the load refused
-        QString folder;     // the folder dialog's answer
-        QStringList texts;
-        bool screen_gone;
+        bool afrikaans, series_table;  // the data folder holds exp_mrk_control.txt
+        int task_row;                  // the row double-clicked; -1 = none, the load refused
+        bool answer_no;                // a folder is chosen, then the question answered No
     } cases[] = {
-        {"no series table", false, false, -1, "", {"There are no marks books to export ..."}, true},
-        {"geen reekstabel", true, false, -1, "", {"Daar is geen punteboeke om uit te voer nie ..."}, true},
-        {"the heading row", false, true, 0, "", {"NO MARK SERIES SELECTED ... DOUBLE CLICK ON SERIES TO EXPORT  !"}, false},
-        {"die opskrifry", true, true, 0, "", {"GEEN PUNTEREEKS GESKIES NIE ... DUBBELKLIK OP REEKS OM UIT TE VOER !"}, false},
-        {"a cancelled folder", false, true, 1, "", {}, true},
-        {"No to the question", true, true, 1, "same", {"WIL U DEFNITIEF \"TAAK 1\" UITVOER ?"}, false},
+        {"no series table", false, false, -1, false},
+        {"geen reekstabel", true, false, -1, false},
+        {"the heading row", false, true, 0, false},
+        {"die opskrifry", true, true, 0, false},
+        {"a cancelled folder", false, true, 1, false},
+        {"No to the question", true, true, 1, true},
     };
     const QString folder = run.data_folder;
     const QByteArray series = testing::read_bytes(table("exp_mrk_control.txt"));
-    for (const Case& c : cases) {
+    QString outcome;
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.why);
         run.language_afrikaans = c.afrikaans;
         run.data_folder = folder;
         dialogs.messages.clear();
+        dialogs.prompts.clear();
         screens.unloaded.clear();
+        screens.shown.clear();
         QFile::remove(table("exp_mrk_control.txt"));
         if (c.series_table) testing::write_bytes(QDir(folder).filePath("exp_mrk_control.txt"), series);
-        if (!c.folder.isEmpty()) {
+        if (c.answer_no) {
             dialogs.folders.enqueue(folder);
             dialogs.answers.enqueue(MsgAnswer::No);
         }
         const QByteArray punte = testing::read_bytes(table("punte1.dbf"));
         MarkBookExport screen(ctx);
-        if (c.task_row < 0) {
-            EXPECT_FALSE(screen.load());
-        } else {
-            ASSERT_TRUE(screen.load());
+        const bool loaded = screen.load();
+        EXPECT_EQ(loaded, c.task_row >= 0);
+        if (loaded) {
             screen.choose_series(0);
             EXPECT_FALSE(screen.export_task_row(c.task_row));
         }
-        EXPECT_EQ(dialogs.texts(), c.texts);
-        EXPECT_EQ(screens.unloaded.contains("pboek_uitvoer"), c.screen_gone);
         EXPECT_EQ(testing::read_bytes(table("punte1.dbf")), punte);
+        outcome += QString("== %1\n").arg(c.why) + testing::transcript(*this, screens);
     }
+    EXPECT_TRUE(testing::matches_golden(outcome, "exchange/export_refusals.txt"));
 }
 
 TEST_F(ExchangeScreens, TheDistributionShowsInTheGridAndPrintsWhole) {
@@ -136,19 +117,12 @@ TEST_F(ExchangeScreens, TheDistributionShowsInTheGridAndPrintsWhole) {
     ASSERT_TRUE(screen.choose_series(0));
     EXPECT_EQ(screen.vak_ops(), "8 AFR 8A");
     const TextGrid& grid = screen.grid();
-    EXPECT_EQ(grid.row_texts(0).mid(0, 3), (QStringList{"SIMBOOL", "P1", "P2"}));
-    EXPECT_EQ(grid.row_texts(1).mid(0, 3), (QStringList{"", "10", "10"}));
-    EXPECT_EQ(grid.text(2, 0), "1 (0-29.9)");
-    EXPECT_EQ(grid.text(grid.rows() - 1, 0), "GEMIDDELD");
+    EXPECT_TRUE(testing::matches_golden(testing::grid_text(grid), "exchange/symbol_grid.txt"));
     // Every learner with a mark for task 1 is counted once.
-    int counted = 0;
+    int counted = 0, with_marks = 0;
     for (int r = 2; r < grid.rows() - 1; ++r) counted += grid.text(r, 1).toInt();
-    auto marks = DbfTable::open(table("marks1.dbf"));
-    int with_marks = 0;
-    for (marks->MoveFirst(); !marks->Eof(); marks->MoveNext()) {
-        const QString m = marks->value(2).toString().trimmed().toUpper();
-        if (!m.isEmpty() && m != "A") ++with_marks;
-    }
+    for (const QStringList& learner : records("marks1.dbf"))
+        with_marks += !learner.value(2).trimmed().isEmpty() && learner.value(2).trimmed().toUpper() != "A";
     EXPECT_EQ(counted, with_marks);
 
     const TextGrid shown = grid;

@@ -3,29 +3,29 @@
 
 #include "shell/change_folder.h"
 #include "tests/support/shell_fixture.h"
+#include "tests/support/shell_transcript.h"
 
 namespace veldo {
 namespace {
 
 using testing::ShellFixture;
-using testing::read_bytes;
 using testing::write_bytes;
 
-struct ChangeFolderTest : ::testing::Test, ShellFixture {};
+struct ChangeFolderTest : ::testing::Test, ShellFixture {
+    QString transcript() const { return testing::transcript(*this, screens, {"Apps"}); }
+};
 
 TEST_F(ChangeFolderTest, AnAcceptedFolderIsRememberedWithTheOtherValuesKept) {
     write_bytes(run.program_folder + "/user_info.txt", "\"/old/folder\"\r\n\"PS\"\r\n\"FE\"\r\n");
     dialogs.folders << run.data_folder + "/";
     ChangeFolder f(ctx);
     f.load();
-    EXPECT_EQ(dialogs.prompts, QStringList{"CHANGE DATA FOLDER"});
     EXPECT_EQ(run.data_folder, path("data"));  // the trailing separator goes
     EXPECT_FALSE(f.is_loaded());
-    EXPECT_EQ(screens.unloaded, QStringList{"change_folder"});
-    EXPECT_EQ(read_bytes(run.program_folder + "/user_info.txt"),
-              ("\"" + path("data") + "\"\r\n\"PS\"\r\n\"FE\"\r\n").toUtf8());
-    EXPECT_EQ(read_bytes(run.program_folder + "/last_drive.txt"), ("\"" + dir.path() + "\"\r\n").toUtf8());
-    EXPECT_TRUE(dialogs.messages.isEmpty());
+    EXPECT_EQ(transcript(), "prompt: CHANGE DATA FOLDER\nunloaded: change_folder\n"
+                            "file <drive>/Apps/VELDO-TALLY/last_drive.txt: \"<drive>\"\\r\\n\n"
+                            "file <drive>/Apps/VELDO-TALLY/user_info.txt: "
+                            "\"<drive>/data\"\\r\\n\"PS\"\\r\\n\"FE\"\\r\\n\n");
 }
 
 TEST_F(ChangeFolderTest, ACancelEmptiesTheDataFolderAndWritesNothing) {
@@ -33,8 +33,7 @@ TEST_F(ChangeFolderTest, ACancelEmptiesTheDataFolderAndWritesNothing) {
     f.load();
     EXPECT_EQ(run.data_folder, "");
     EXPECT_FALSE(f.is_loaded());
-    EXPECT_FALSE(QFileInfo::exists(run.program_folder + "/user_info.txt"));
-    EXPECT_FALSE(QFileInfo::exists(run.program_folder + "/last_drive.txt"));
+    EXPECT_EQ(transcript(), "prompt: CHANGE DATA FOLDER\nunloaded: change_folder\n");
 }
 
 TEST_F(ChangeFolderTest, AFolderWithOnlyTheOlderTableIsRefusedButStaysPicked) {
@@ -45,6 +44,7 @@ TEST_F(ChangeFolderTest, AFolderWithOnlyTheOlderTableIsRefusedButStaysPicked) {
     ChangeFolder f(ctx);
     f.load();
     EXPECT_EQ(dialogs.texts(), QStringList{"Gekose gids (" + old + ") bevat nie punteleêrs nie ..."});
+    EXPECT_FALSE(transcript().contains("last_drive.txt"));
     EXPECT_EQ(run.data_folder, old);
     EXPECT_TRUE(f.is_loaded());
     EXPECT_EQ(f.caption(), "WYSIG DATA GIDS");
@@ -53,7 +53,6 @@ TEST_F(ChangeFolderTest, AFolderWithOnlyTheOlderTableIsRefusedButStaysPicked) {
     run.language_afrikaans = false;
     EXPECT_EQ(f.refused_hint(), "The folder " + old +
                                     " does not contain marks files.\nClose this window and choose another folder with DATA FOLDER on the menu.");
-    EXPECT_FALSE(QFileInfo::exists(run.program_folder + "/last_drive.txt"));
     time = QTime(11, 0);
     f.unload();
     EXPECT_FLOAT_EQ(run.last_activity, 11 * 3600);

@@ -2,201 +2,130 @@
 // on a fake clock: no test waits.
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <utility>
+
 #include "shell/inactivity.h"
 #include "shell/startup.h"
+#include "tests/support/golden.h"
 #include "tests/support/shell_fixture.h"
+#include "tests/support/shell_transcript.h"
 
 namespace veldo {
 namespace {
 
-using testing::read_bytes;
-using testing::TempDrive;
+using testing::transcript;
 
-// A frame with a fake clock and mouse, and a record of closing messages.
+struct Tick {
+    double seconds;
+    std::optional<QPoint> mouse;  // none: the clock moves only
+};
+
+// A frame with a fake clock and mouse. Each tick, warning and closing
+// message goes into a log, one line each, with what it changed.
 struct Frame : testing::ShellFixture {
-    QString program = run.program_folder;
     int now_ms = 0;
-    struct Shown {
-        QString message, title;
-        int duration_ms;
-    };
-    QList<Shown> closing;
-    std::function<void()> during_warning;
+    QStringList log;
+    QList<Tick> during_warning;  // ticks while the first warning is up
     InactivityWatcher watcher{ctx, [this](const QString& m, const QString& t, int d) {
-                                  closing.append({m, t, d});
-                                  if (during_warning) during_warning();
+                                  log << QString("  warning: box '%1', then '%2|%3|%4'")
+                                             .arg(dialogs.messages.last().text, m, t)
+                                             .arg(d);
+                                  for (const Tick& t : std::exchange(during_warning, {})) tick(t);
                               }};
 
-    Frame() {
+    explicit Frame(float limit = 300, double last_activity = 1000) {
         ctx.clock.now = [this] { return QTime(0, 0).addMSecs(now_ms); };
-        run.timeout_seconds = 300;
+        run.timeout_seconds = limit;
+        run.last_activity = last_activity;
     }
     void at(double seconds) { now_ms = int(seconds * 1000.0 + 0.5); }
-    void tick(double seconds, QPoint mouse) {
-        at(seconds);
-        watcher.tick(mouse);
-    }
-    void show(const QStringList& names) {
-        for (const QString& s : names) screens.show(s);
-        screens.shown.clear();
+    // A tick without a mouse position only moves the clock. Its line comes
+    // before what it set off.
+    void tick(const Tick& t) {
+        at(t.seconds);
+        const qsizetype line = log.size(), unloaded = screens.unloaded.size();
+        if (t.mouse) watcher.tick(*t.mouse);
+        log.insert(line, QString("%1 %2: last %3%4%5")
+                             .arg(t.seconds)
+                             .arg(t.mouse ? QString("(%1,%2)").arg(t.mouse->x()).arg(t.mouse->y()) : "clock")
+                             .arg(run.last_activity, 0, 'g', 9)
+                             .arg(watcher.warning() ? ", warning up" : "")
+                             .arg(screens.unloaded.size() > unloaded ? ", screens closed" : ""));
     }
 };
 
-TEST(Inactivity, AMouseMoveAfterTheFirstTickOrAKeyIsActivity) {
-    Frame f;
-    f.run.last_activity = 1000;
+// Sessions of ticks on a frame showing three screens and the floating menu:
+// the log of ticks, warnings and closes, then what the user saw.
+TEST(Inactivity, WatchesTheMouseWarnsAndCloses) {
+    using P = QPoint;
     const struct {
-        double at;
-        QPoint mouse;
-        double last;
-    } ticks[] = {{1001, {10, 10}, 1000}, {1002, {10, 10}, 1000}, {1003.5, {10, 11}, 1003.5}, {1004, {11, 11}, 1004}};
-    for (const auto& t : ticks) {
-        f.tick(t.at, t.mouse);
-        EXPECT_EQ(f.run.last_activity, t.last) << t.at;
+        const char* why;
+        float limit;
+        double last_activity;
+        QList<Tick> ticks, during_warning;
+    } rows[] = {
+        {"a mouse move after the first tick is activity", 300, 1000,
+         {{1001, P(10, 10)}, {1002, P(10, 10)}, {1003.5, P(10, 11)}, {1004, P(11, 11)}}, {}},
+        {"the warning comes five seconds before the limit, not at it; no close while the clock stands", 300, 1000,
+         {{1295, P(1, 1)}, {1295, P(1, 1)}, {1295.1, P(1, 1)}}, {}},
+        {"a limit of five warns after any time", 5, 1000, {{1000, P(0, 0)}, {1000.1, P(0, 0)}}, {}},
+        {"below five even with none gone by: the move itself sets the time", 3, 0,
+         {{2000, P(0, 0)}, {2000, P(1, 0)}}, {}},
+        {"after the warning's five seconds dialogs close first, all but startup unload and the top menu shows; "
+         "the next close comes a whole limit later",
+         300, 1000, {{1295.6, P(7, 7)}, {1400, P(7, 7)}}, {{1300.6, {}}}},
+        {"long past the limit the close follows the warning at once", 300, 100, {{5000, P(0, 0)}}, {}},
+        {"a mouse move during the warning prevents the close; one warning only", 300, 1000,
+         {{1200, P(3, 3)}, {1295.6, P(3, 3)}}, {{1297, P(3, 3)}, {1298, P(4, 4)}, {1300.6, P(4, 4)}}},
+        {"after midnight the watcher sleeps until the mouse moves", 300, 86390,
+         {{86399, P(0, 0)}, {10, P(0, 0)}, {3600, P(0, 0)}, {3600, P(1, 0)}}, {}},
+        {"a zero limit never warns or closes", 0, 1000, {{1001, P(5, 5)}, {86000, P(5, 5)}}, {}},
+    };
+    QString outcome;
+    for (const auto& r : rows) {
+        Frame f(r.limit, r.last_activity);
+        for (const QString& s : {screen::punte_mnu, screen::punte_menu2, screen::pboek_inlees, screen::sk0_floating})
+            f.screens.show(s);
+        f.screens.shown.clear();
+        f.during_warning = r.during_warning;
+        for (const Tick& t : r.ticks) f.tick(t);
+        outcome += QString("== %1\n%2\n").arg(r.why, f.log.join('\n')) + transcript(f, f.screens) +
+                   "loaded: " + f.screens.loaded().join(" | ") + '\n';
     }
-    EXPECT_TRUE(f.dialogs.messages.isEmpty());
+    EXPECT_TRUE(testing::matches_golden(outcome, "shell/inactivity_sessions.txt"));
+}
+
+TEST(Inactivity, AKeyIsActivity) {
+    Frame f;
     f.at(43201.5);
     reset_activity(f.run, f.ctx.clock);
     EXPECT_EQ(f.run.last_activity, 43201.5);
 }
 
-TEST(Inactivity, ZeroLimitNeverWarnsOrCloses) {
-    Frame f;
-    f.run.timeout_seconds = 0;
-    f.show({screen::punte_mnu, screen::punte_menu1});
-    for (int s = 1; s < 86400; s += 997) f.tick(s, {5, 5});
-    EXPECT_TRUE(f.dialogs.messages.isEmpty());
-    EXPECT_TRUE(f.closing.isEmpty());
-    EXPECT_TRUE(f.screens.unloaded.isEmpty());
-}
-
-TEST(Inactivity, WarnsFiveSecondsBeforeTheLimit) {
-    Frame f;
-    f.run.last_activity = 1000;
-    f.tick(1295, {1, 1});  // 300 - 5 + 1000 is not less than 1295
-    f.watcher.tick({1, 1});
-    EXPECT_TRUE(f.dialogs.messages.isEmpty());
-    f.tick(1295.1, {1, 1});
-    ASSERT_EQ(f.dialogs.messages.size(), 1);
-    EXPECT_EQ(f.dialogs.messages[0].text, "1");
-    EXPECT_EQ(f.dialogs.messages[0].buttons, MsgButtons::Ok);
-    EXPECT_EQ(f.dialogs.messages[0].icon, MsgIcon::None);
-    ASSERT_EQ(f.closing.size(), 1);
-    EXPECT_EQ(f.closing[0].message, "");
-    EXPECT_EQ(f.closing[0].title, "TIME-OUT");
-    EXPECT_EQ(f.closing[0].duration_ms, 5000);
-    // The clock did not move during the warning: no close yet.
-    EXPECT_TRUE(f.screens.shown.isEmpty());
-    EXPECT_FALSE(f.watcher.warning());
-
-    // A limit of five warns after any time; below five even with none gone by.
-    Frame five;
-    five.run.timeout_seconds = 5;
-    five.run.last_activity = 1000;
-    five.tick(1000, {0, 0});
-    EXPECT_TRUE(five.closing.isEmpty());
-    five.tick(1000.1, {0, 0});
-    EXPECT_EQ(five.closing.size(), 1);
-    Frame three;
-    three.run.timeout_seconds = 3;
-    three.tick(2000, {0, 0});
-    three.watcher.tick({1, 0});  // the move itself sets last_activity = 2000
-    EXPECT_EQ(three.closing.size(), 2);
-}
-
-TEST(Inactivity, CloseUnloadsAllButStartupAndShowsTheTopMenu) {
-    Frame f;
-    f.show({screen::punte_mnu, screen::punte_menu2, screen::pboek_inlees, screen::sk0_floating});
-    f.run.last_activity = 1000;
-    f.during_warning = [&] { f.at(1300.6); };  // the five seconds of the warning
-    f.tick(1295.6, {7, 7});
-    f.watcher.tick({7, 7});
-    ASSERT_EQ(f.closing.size(), 1);
-    // Dialogs waiting on the user go first: nothing is unloaded under one.
-    EXPECT_EQ(f.screens.unloaded, QStringList({"(dialogs closed)", screen::punte_mnu, screen::punte_menu2,
-                                               screen::pboek_inlees, screen::sk0_floating}));
-    EXPECT_EQ(f.screens.shown, QStringList({screen::punte_mnu}));
-    EXPECT_EQ(f.screens.loaded(), QStringList({screen::startup, screen::punte_mnu}));
-    EXPECT_FLOAT_EQ(float(f.run.last_activity), 1300.6f);
-
-    // Watching goes on: the next close comes a whole limit later.
-    f.during_warning = nullptr;
-    f.screens.unloaded.clear();
-    f.tick(1400, {7, 7});
-    EXPECT_EQ(f.closing.size(), 1);
-    EXPECT_TRUE(f.screens.unloaded.isEmpty());
-
-    // Long past the limit the close follows the warning at once.
-    Frame late;
-    late.show({screen::punte_menu1});
-    late.run.last_activity = 100;
-    late.tick(5000, {0, 0});
-    EXPECT_EQ(late.closing.size(), 1);
-    EXPECT_EQ(late.screens.loaded(), QStringList({screen::startup, screen::punte_mnu}));
-    EXPECT_EQ(late.run.last_activity, 5000);
-}
-
-TEST(Inactivity, MouseMoveDuringTheWarningPreventsTheClose) {
-    Frame f;
-    f.show({screen::punte_mnu, screen::punte_menu1});
-    f.run.last_activity = 1000;
-    f.during_warning = [&] {
-        // Ticks go on while the message counts down.
-        f.tick(1297, {3, 3});
-        EXPECT_TRUE(f.watcher.warning());
-        f.tick(1298, {4, 4});
-        f.tick(1300.6, {4, 4});
-    };
-    f.tick(1200, {3, 3});
-    f.tick(1295.6, {3, 3});
-    EXPECT_EQ(f.run.last_activity, 1298);
-    // One warning only, and no close.
-    EXPECT_EQ(f.dialogs.messages.size(), 1);
-    EXPECT_EQ(f.closing.size(), 1);
-    EXPECT_TRUE(f.screens.unloaded.isEmpty());
-    EXPECT_TRUE(f.screens.shown.isEmpty());
-}
-
-TEST(Inactivity, SleepsAfterMidnightUntilTheMouseMoves) {
-    Frame f;
-    f.run.last_activity = 86390;
-    for (double s : {86399, 10, 3600}) f.tick(s, {0, 0});
-    EXPECT_TRUE(f.closing.isEmpty());
-    f.watcher.tick({1, 0});
-    EXPECT_EQ(f.run.last_activity, 3600);
-}
-
-TEST(ClosingMessage, SplitsTheMessageAtTheDollar) {
-    TempDrive t;
-    ClosingMessage m(t.run);
-    m.load("Voor$Na", "", 3000);
-    EXPECT_EQ(QStringList({m.lblMessage(0), m.lblMessage(1), m.caption()}), QStringList({"Voor", "Na", "VELDO-TALLY"}));
-    EXPECT_EQ(t.run.countdown_ms, 3000);
-    EXPECT_FALSE(m.image_visible());
-    m.load("Alles in een", "TITEL", 2000, true);
-    EXPECT_EQ(QStringList({m.lblMessage(0), m.lblMessage(1), m.caption()}), QStringList({"Alles in een", "", "TITEL"}));
-    EXPECT_TRUE(m.image_visible());
-    m.tmr_label_tick();
-    EXPECT_EQ(QStringList({m.lblMessage(0), m.lblMessage(1), m.lblClose()}), QStringList({"Alles in een", "", "1.9"}));
-}
-
-// The labels after each of `ticks` ticks of a five-second count, then the
-// two texts and the caption.
-QStringList count_down(RunState& run, int ticks, const QString& message = "", int duration_ms = 5000) {
+// The labels after `ticks` ticks, then the two texts and the caption.
+QStringList count_down(RunState& run, int ticks, const QString& message = "", int duration_ms = 5000,
+                       const QString& title = "TIME-OUT", bool image = false) {
     ClosingMessage m(run);
-    m.load(message, "TIME-OUT", duration_ms);
+    m.load(message, title, duration_ms, image);
     QStringList shown;
     for (int i = 0; i < ticks; ++i) {
         m.tmr_label_tick();
         shown << m.lblClose();
     }
+    EXPECT_EQ(m.image_visible(), image);
     return shown << m.lblMessage(0) << m.lblMessage(1) << m.caption();
 }
 
-TEST(ClosingMessage, CountsDownInTenthsInEitherLanguage) {
-    TempDrive t;
+TEST(ClosingMessage, SplitsTheMessageAtTheDollarAndCountsDownInTenths) {
+    testing::TempDrive t;
+    EXPECT_EQ(count_down(t.run, 0, "Voor$Na", 3000, ""), QStringList({"Voor", "Na", "VELDO-TALLY"}));
+    EXPECT_EQ(t.run.countdown_ms, 3000);
+    EXPECT_EQ(count_down(t.run, 1, "Alles in een", 2000, "TITEL", true),
+              QStringList({"1.9", "Alles in een", "", "TITEL"}));
     const QStringList shown = count_down(t.run, 50);
-    EXPECT_EQ(shown.mid(0, 11), QStringList({"4.9", "4.8", "4.7", "4.6", "4.5", "4.4", "4.3", "4.2", "4.1", "4", "3.9"}));
+    EXPECT_EQ(shown.mid(0, 11),
+              QStringList({"4.9", "4.8", "4.7", "4.6", "4.5", "4.4", "4.3", "4.2", "4.1", "4", "3.9"}));
     EXPECT_EQ(shown.mid(37, 5), QStringList({"1.2", "1.1", "1", "0.9", ""}));
     // Below a second the label stays empty until the window closes.
     EXPECT_EQ(shown.mid(41, 9), QStringList(9, QString()));
@@ -209,53 +138,38 @@ TEST(ClosingMessage, CountsDownInTenthsInEitherLanguage) {
     EXPECT_EQ(count_down(t.run, 2), QStringList({"4.9", "4.8", "Stelsel sluit oor ", " sekondes !", "TIME-OUT"}));
 }
 
-// The TIME-OUT button, reply by reply: the limit kept (a single), the file
-// beside the program as the print statement writes it, the message, and
-// what the start reads back from the same file.
+// The TIME-OUT button, reply by reply: the prompt, the limit kept (a
+// single), the file beside the program as the print statement writes it,
+// what the start reads back from it, and the message with the minutes.
 TEST(TimeOut, TheButtonSetsTheLimitWritesItAndReadsItBack) {
-    struct Row {
-        const char* reply;      // nullptr: the default is accepted
-        float seconds;          // the limit afterwards
-        const char* file;       // time_out.txt afterwards; nullptr: not written
-        const char* minutes;    // as the message shows them
-        bool beep;
+    const struct {
+        const char* reply;  // nullptr: the default is accepted
+        bool afrikaans;
         const char* why;
     } rows[] = {
-        {"10", 600, " 600 \r\n", "10", false, "minutes to seconds"},
-        {"2.5", 150, " 150 \r\n", "2.5", false, "a fraction of a minute"},
-        {nullptr, 300, " 300 \r\n", "5", false, "the default rewrites the same limit"},
-        {"", 300, nullptr, "5", false, "a blank reply keeps the limit but still tells"},
-        {"nooit", 0, " 0 \r\n", "0", false, "no number switches the watcher off"},
-        {"0.01", 0.6f, " 0.6 \r\n", "0.01", false, "a single keeps the fraction of a second"},
-        {"-1", 300, nullptr, "5", true, "a negative limit is refused with a beep"},
-        {"-0.5", 300, nullptr, "5", true, "so is any negative reply"},
-        {"99999999", 9999999, " 9999999 \r\n", "166666.7", false, "no more digits than a single holds"},
+        {"10", false, "minutes to seconds"},
+        {"2.5", false, "a fraction of a minute"},
+        {"2.5", true, "in Afrikaans"},
+        {nullptr, false, "the default rewrites the same limit"},
+        {"", false, "a blank reply keeps the limit but still tells"},
+        {"nooit", false, "no number switches the watcher off"},
+        {"0.01", false, "a single keeps the fraction of a second"},
+        {"-1", false, "a negative limit is refused with a beep"},
+        {"-0.5", false, "so is any negative reply"},
+        {"99999999", false, "no more digits than a single holds"},
     };
-    for (const Row& r : rows) {
-        SCOPED_TRACE(r.why);
+    QString outcome;
+    for (const auto& r : rows) {
         Frame f;
+        f.run.language_afrikaans = r.afrikaans;
         if (r.reply) f.dialogs.inputs << r.reply;
         change_timeout(f.ctx);
-        EXPECT_EQ(f.dialogs.prompts, QStringList({"TIME OUT IN MINUTES"}));
-        EXPECT_EQ(f.run.timeout_seconds, r.seconds);
-        const QString file = f.program + "/time_out.txt";
-        if (r.file) {
-            EXPECT_EQ(read_bytes(file), QByteArray(r.file));
-            EXPECT_EQ(read_timeout_seconds(f.program), r.seconds);
-        } else {
-            EXPECT_FALSE(QFileInfo::exists(file));
-        }
-        EXPECT_EQ(f.dialogs.beeps, r.beep ? 1 : 0);
-        ASSERT_EQ(f.dialogs.messages.size(), 1);
-        EXPECT_EQ(f.dialogs.messages[0].text, QString("TIME DURATION CHANGED TO %1 MINUTES ...").arg(r.minutes));
-        EXPECT_EQ(f.dialogs.messages[0].icon, MsgIcon::Information);
+        const float read_back = read_timeout_seconds(f.run.program_folder);
+        outcome += QString("== %1\nlimit %2, read back %3\n")
+                       .arg(r.why, QString::number(f.run.timeout_seconds, 'g', 9), QString::number(read_back, 'g', 9)) +
+                   transcript(f, f.screens, {"Apps"});
     }
-    Frame af;
-    af.run.language_afrikaans = true;
-    af.dialogs.inputs << "2.5";
-    change_timeout(af.ctx);
-    EXPECT_EQ(af.dialogs.prompts, QStringList({"TYDSDUUR IN MINUTE"}));
-    EXPECT_EQ(af.dialogs.texts(), QStringList({"TYDSDUUR VERANDER NA 2.5 MINUTE ..."}));
+    EXPECT_TRUE(testing::matches_golden(outcome, "shell/time_out_button.txt"));
 }
 
 }  // namespace

@@ -1,17 +1,18 @@
+// The manual viewer: the table of manuals, the path a name leads to, and the
+// date stamp each opening leaves beside the manual.
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
 
 #include "shell/manual_viewer.h"
+#include "tests/support/golden.h"
 #include "tests/support/shell_fixture.h"
+#include "tests/support/shell_transcript.h"
 
 using namespace veldo;
 using namespace veldo::testing;
 
 namespace {
-
-const QByteArray kStamp = "#2026-11-23#\r\n";
 
 // A drive with <root>/VELDO-TALLY and <root>/veldo-leaflets.
 struct Shelf : ShellFixture {
@@ -24,46 +25,18 @@ struct Shelf : ShellFixture {
     }
 };
 
-void put_manual(const QString& path) { write_bytes(path, "%PDF-1.4\n"); }
-
-// Runs a test in another current folder and goes back afterwards.
-struct CurrentFolder {
-    QString before = QDir::currentPath();
-    explicit CurrentFolder(const QString& folder) { QDir::setCurrent(folder); }
-    ~CurrentFolder() { QDir::setCurrent(before); }
-};
-
 }  // namespace
 
 TEST(ManualViewerTable, CaptionsAndFilesInBothLanguages) {
-    const struct {
-        const char *caption_af, *caption_en, *file_af, *file_en;
-    } rows[] = {
-        {"SKOOLBESONDERHEDE", "SCHOOL DETAILS", "skool_besonderhede", "school_details"},
-        {"GESINSTELSEL (VELDO-KINDREDS)", "FAMILY SYSTEM (VELDO-KINDREDS)", "gesinne", "families"},
-        {"ASSESSERINGSTANDAARDE", "ASSESSMENT STANDARDS", "assessering", "assessment"},
-        {"SKOOLBYWONING", "ATTENDANCE", "bywoning", "attendance"},
-        {"GEDRAGSTELSEL", "MERITS/DEMERITS", "gedrag", "code_conduct"},
-        {"BUITEMUURSE INLIGTING", "EXTRA-MURAL INFORMATION", "buitemuurs", "extra_mural"},
-        {"VOORRAADSTELSEL (VELDO-SHELF)", "STOCK SYSTEM (VELDO-SHELF)", "voorraad", "stock"},
-        {"PERSONEELSTELSEL (VELDO-CREWS)", "STAFF SYSTEM (VELDO-CREWS)", "personeel", "staff"},
-        {"MEDIASTELSEL (VELDO-SCROL)", "MEDIA SYSTEM (VELDO-SCROL)", "media_afr", "media_eng"},
-        {"KYKSTELSEL (VELDO-VIEWER)", "BROWSE SYSTEM (VELDO-VIEWER)", "browse_afr", "browse_eng"},
-        {"RUGSTEUNSTELSEL (VELDO-VAULTS)", "BACKUP SYSTEM (VELDO-VAULTS)", "backup_afr", "backup_eng"},
-        {"PUNTE/PUNTEBOEKE (VELDO-TALLY)", "MARKS/MARK BOOKS (VELDO-TALLY)", "m_marks_afr", "m_marks_eng"},
-        {"LEERDERS - ADMINISTRATIEF", "LEARNERS - ADMINISTRATIVE", "leerder_adm", "learner_adm"},
-        {"LEERDERS - AKADEMIES", "LEARNERS - ACADEMIC", "leerder_akd", "learner_acd"},
-        {"ANA REGISTRASIES EN PUNTE", "ANA REGISTRATIONS AND MARKS", "ana inskrywings", "ana registrations"},
-    };
-    ASSERT_EQ(ManualViewer::kOptionCount, 15);
-    for (int i = 1; i <= 15; ++i) {
-        EXPECT_EQ(ManualViewer::caption_for(i, true), rows[i - 1].caption_af) << i;
-        EXPECT_EQ(ManualViewer::caption_for(i, false), rows[i - 1].caption_en) << i;
-        EXPECT_EQ(ManualViewer::file_for(i, true), rows[i - 1].file_af) << i;
-        EXPECT_EQ(ManualViewer::file_for(i, false), rows[i - 1].file_en) << i;
+    QString table;
+    for (int i = 0; i <= ManualViewer::kOptionCount + 1; ++i) {
+        table += QStringList{QString::number(i), ManualViewer::caption_for(i, true),
+                             ManualViewer::caption_for(i, false), ManualViewer::file_for(i, true),
+                             ManualViewer::file_for(i, false)}
+                     .join(" | ");
+        table += '\n';
     }
-    EXPECT_EQ(ManualViewer::caption_for(0, false), "");
-    EXPECT_EQ(ManualViewer::file_for(16, true), "");
+    EXPECT_TRUE(matches_golden(table, "shell/manual_table.txt"));
 }
 
 TEST(ManualViewerStamp, PathTurnsPdfIntoDte) {
@@ -72,58 +45,6 @@ TEST(ManualViewerStamp, PathTurnsPdfIntoDte) {
     // No PDF in the name: the stamp would overwrite the manual or hit the folder.
     EXPECT_EQ(ManualViewer::stamp_path_for("/r/veldo-leaflets/"), "");
     EXPECT_EQ(ManualViewer::stamp_path_for("/r/readme.txt"), "");
-}
-
-// Without a name (or a blank one) the list shows in the user's language and
-// the form stays; a marked option is cleared.
-TEST(ManualViewer, LoadWithoutNameShowsTheListAndStays) {
-    for (const bool afrikaans : {false, true}) {
-        for (const char* name : {"", "   "}) {
-            SCOPED_TRACE(std::string(afrikaans ? "af" : "en") + " '" + name + "'");
-            Shelf s(afrikaans);
-            s.run.manual_file_name = name;
-            s.viewer.um_opsie_click(4);
-            EXPECT_TRUE(s.viewer.load());
-            for (int i = 1; i <= 15; ++i) {
-                EXPECT_EQ(s.viewer.caption(i), ManualViewer::caption_for(i, afrikaans)) << i;
-                EXPECT_FALSE(s.viewer.option_on(i)) << i;
-            }
-            EXPECT_TRUE(s.screens.documents.isEmpty());
-            EXPECT_TRUE(s.screens.unloaded.isEmpty());
-        }
-    }
-}
-
-// With a name the manual opens (when it is there), the date is stamped beside
-// it whether or not, the name is used up and the form goes without captions.
-TEST(ManualViewer, NamedManualOpensAndTheFormGoes) {
-    const struct {
-        const char* name;
-        const char* file;  // below the drive
-        bool present;
-        const char* why;
-    } rows[] = {
-        {"m_marks_afr.pdf", "Apps/veldo-leaflets/m_marks_afr.pdf", false, "a missing manual only stamps"},
-        {"m_marks_eng.pdf", "Apps/veldo-leaflets/m_marks_eng.pdf", true, "the marks menu in English"},
-        {"m_punteboek.pdf", "Apps/veldo-leaflets/m_punteboek.pdf", true, "the mark book menu in Afrikaans"},
-        {"  m_markbook.pdf ", "Apps/veldo-leaflets/m_markbook.pdf", true, "the name is trimmed"},
-        {"news_2026.pdf", "Apps/VELDO-TALLY/news_2026.pdf", true, "news sheets lie beside the program"},
-        {"nuus_2026.pdf", "Apps/VELDO-TALLY/nuus_2026.pdf", true, "so do the Afrikaans ones"},
-        {nullptr, "elsewhere/nuus_handleiding.pdf", true, "a full path ignores the folder rules"},
-    };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.why);
-        Shelf s;
-        const QString file = s.path(r.file);
-        if (r.present) put_manual(file);
-        s.run.manual_file_name = r.name ? QString(r.name) : file;
-        EXPECT_FALSE(s.viewer.load());
-        EXPECT_EQ(s.screens.documents, r.present ? QStringList{file} : QStringList{});
-        EXPECT_EQ(s.run.manual_file_name, "");
-        EXPECT_EQ(read_bytes(file.chopped(4) + ".dte"), kStamp);
-        EXPECT_TRUE(s.dialogs.messages.isEmpty());
-        EXPECT_EQ(s.viewer.caption(1), "");
-    }
 }
 
 TEST(ManualViewer, PathRules) {
@@ -147,6 +68,81 @@ TEST(ManualViewer, PathRules) {
     EXPECT_EQ(s.viewer.manual_path_for("a/skool/x.pdf"), "/skool/veldo-leaflets/a/skool/x.pdf");
 }
 
+// Every way to a manual, with what lies on the drive beforehand: whether the
+// form stays, the name and options after, what opened and the files left
+// (a manual untouched, its stamp holding the day's date only). Where a name
+// leads is PathRules' to pin.
+TEST(ManualViewer, OpensTheManualAskedForAndStampsTheDay) {
+    enum Action { Load, Ok, Open, Browse };
+    const struct {
+        const char* why;
+        Action action;
+        bool afrikaans;
+        QString asked;        // Load: the menu's name; Open: a path in the leaflets folder
+        int option;           // Ok: the option marked, 0 for none
+        QStringList on_disk;  // below the drive: a manual, an old stamp (.dte) or a folder (/)
+    } rows[] = {
+        {"without a name the English list shows and a marked option clears", Load, false, "", 0, {}},
+        {"a blank name is none, the list in Afrikaans", Load, true, "   ", 0, {}},
+        {"a missing manual only stamps", Load, false, "m_marks_afr.pdf", 0, {}},
+        {"the marks menu in English", Load, false, "m_marks_eng.pdf", 0, {"Apps/veldo-leaflets/m_marks_eng.pdf"}},
+        {"the name is trimmed", Load, false, "  m_markbook.pdf ", 0, {"Apps/veldo-leaflets/m_markbook.pdf"}},
+        {"news sheets lie beside the program", Load, true, "nuus_2026.pdf", 0, {"Apps/VELDO-TALLY/nuus_2026.pdf"}},
+        {"OK opens the marked manual in English", Ok, false, "", 12, {"Apps/veldo-leaflets/m_marks_eng.pdf"}},
+        {"and in Afrikaans", Ok, true, "", 15, {"Apps/veldo-leaflets/ana inskrywings.pdf"}},
+        {"a marked manual that is missing only stamps", Ok, false, "", 5, {}},
+        {"nothing marked opens and stamps nothing", Ok, false, "", 0, {}},
+        {"an old stamp is rewritten whole", Open, false, "gedrag.pdf",
+         0, {"Apps/veldo-leaflets/gedrag.pdf", "Apps/veldo-leaflets/gedrag.dte"}},
+        {"found in upper case, opened as asked", Open, false, "m_marks_afr.pdf", 0,
+         {"Apps/veldo-leaflets/M_MARKS_AFR.PDF"}},
+        {"found in title case", Open, false, "leerder_adm.pdf", 0, {"Apps/veldo-leaflets/Leerder_Adm.pdf"}},
+        {"no other spelling is looked for", Open, false, "leerder_adm.pdf", 0, {"Apps/veldo-leaflets/lEERDER_adm.pdf"}},
+        {"a folder of the name is no manual", Open, false, "staff.pdf", 0, {"Apps/veldo-leaflets/staff.pdf/"}},
+        {"browsing opens a chosen PDF without a stamp, a missing one or a cancel nothing", Browse, false, "", 0,
+         {"own/verslag.pdf"}},
+    };
+    QString outcome;
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.why);
+        Shelf s(r.afrikaans);
+        s.run.today = QDate(2027, 2, 5);  // not the clock's day
+        for (const QString& f : r.on_disk) {
+            if (f.endsWith('/'))
+                QDir().mkpath(s.path(f));
+            else
+                write_bytes(s.path(f), f.endsWith(".dte") ? "#2025-01-02#\r\nold second line\r\n" : "%PDF-1.4\n");
+        }
+        QString stays = "-";
+        if (r.action == Load) {
+            s.run.manual_file_name = r.asked;
+            s.viewer.um_opsie_click(4);
+            stays = s.viewer.load() ? "stays" : "goes";
+        } else if (r.action == Ok) {
+            s.viewer.load();
+            s.viewer.um_opsie_click(r.option);
+            s.viewer.pdf_ok();
+        } else if (r.action == Open) {
+            QDir::setCurrent(s.leaflets);  // the fixture goes back
+            s.viewer.open_manual(r.asked);
+        } else {
+            s.dialogs.files << s.path("own/verslag.pdf") << s.path("own/weg.pdf");
+            for (int i = 0; i < 3; ++i) s.viewer.pdf_soek();
+            EXPECT_EQ(s.dialogs.file_filter, "*.pdf");
+            EXPECT_EQ(s.dialogs.file_start, s.leaflets + "/");
+        }
+        QStringList captions, marked;
+        for (int i = 0; i <= ManualViewer::kOptionCount + 1; ++i) {
+            captions << s.viewer.caption(i);
+            if (s.viewer.option_on(i)) marked << QString::number(i);
+        }
+        outcome += QString("== %1\nform %2, name '%3', marked '%4', captions %5\n")
+                       .arg(r.why, stays, s.run.manual_file_name, marked.join(' '), captions.join('|')) +
+                   transcript(s, s.screens, {"Apps", "own"});
+    }
+    EXPECT_TRUE(matches_golden(outcome, "shell/manual_openings.txt"));
+}
+
 TEST(ManualViewer, StampThatCannotBeWrittenIsReported) {
     Shelf s;
     QDir(s.leaflets).removeRecursively();
@@ -156,51 +152,6 @@ TEST(ManualViewer, StampThatCannotBeWrittenIsReported) {
     ASSERT_EQ(s.dialogs.messages.size(), 1);
     EXPECT_EQ(s.dialogs.messages[0].icon, MsgIcon::Critical);
     EXPECT_FALSE(QFile::exists(s.leaflets));
-}
-
-// The stamp holds the date of the last opening only, beside a manual of
-// either case; the manual itself is untouched.
-TEST(ManualViewer, StampIsRewrittenBesideTheManual) {
-    Shelf s;
-    const QString manual = s.leaflets + "/gedrag.pdf", upper = s.leaflets + "/STOCK.PDF";
-    put_manual(manual);
-    put_manual(upper);
-    write_bytes(s.leaflets + "/gedrag.dte", "#2025-01-02#\r\nold second line\r\n");
-    s.run.today = QDate(2027, 2, 5);
-    s.viewer.open_manual(manual);
-    EXPECT_EQ(read_bytes(s.leaflets + "/gedrag.dte"), "#2027-02-05#\r\n");
-    s.run.today = QDate(2026, 11, 23);
-    s.viewer.open_manual(upper);
-    EXPECT_EQ(read_bytes(s.leaflets + "/STOCK.dte"), kStamp);
-    EXPECT_EQ(s.screens.documents, (QStringList{manual, upper}));
-    EXPECT_EQ(read_bytes(manual), "%PDF-1.4\n");
-    EXPECT_EQ(read_bytes(upper), "%PDF-1.4\n");
-}
-
-// Manuals come as asked, in upper case or in title case; the viewer gets the
-// path as it was asked for. A folder of the name is no manual.
-TEST(ManualViewer, ThreeSpellingsAreFound) {
-    const struct {
-        const char *on_disk, *asked;
-        bool opens;
-    } rows[] = {
-        {"M_MARKS_AFR.PDF", "m_marks_afr.pdf", true},
-        {"Leerder_Adm.pdf", "leerder_adm.pdf", true},
-        {"lEERDER_adm.pdf", "leerder_adm.pdf", false},
-    };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.on_disk);
-        Shelf s;
-        CurrentFolder here(s.leaflets);
-        put_manual(s.leaflets + "/" + r.on_disk);
-        s.viewer.open_manual(r.asked);
-        EXPECT_EQ(s.screens.documents, r.opens ? QStringList{r.asked} : QStringList{});
-        EXPECT_EQ(read_bytes(s.leaflets + "/" + QString(r.asked).chopped(4) + ".dte"), kStamp);
-    }
-    Shelf s;
-    QDir().mkpath(s.leaflets + "/staff.pdf");
-    s.viewer.open_manual(s.leaflets + "/staff.pdf");
-    EXPECT_TRUE(s.screens.documents.isEmpty());
 }
 
 TEST(ManualViewer, OptionsAreExclusiveAndExitUnloads) {
@@ -215,52 +166,4 @@ TEST(ManualViewer, OptionsAreExclusiveAndExitUnloads) {
     EXPECT_TRUE(s.viewer.option_on(9));
     s.viewer.pdf_exit();
     EXPECT_EQ(s.screens.unloaded, QStringList{screen::acrobat_interface});
-}
-
-// OK opens the marked manual in the user's language from the leaflets and
-// the form stays; with nothing marked nothing opens and nothing is stamped.
-TEST(ManualViewer, OkOpensTheMarkedManual) {
-    const struct {
-        bool afrikaans;
-        int option;
-        const char* file;
-        bool present;
-    } rows[] = {
-        {false, 12, "m_marks_eng", true},
-        {true, 15, "ana inskrywings", true},
-        {false, 5, "code_conduct", false},
-        {false, 0, nullptr, false},
-    };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.option);
-        Shelf s(r.afrikaans);
-        s.viewer.load();
-        const QString manual = r.file ? s.leaflets + "/" + r.file + ".pdf" : QString();
-        if (r.present) put_manual(manual);
-        s.viewer.um_opsie_click(r.option);
-        s.viewer.pdf_ok();
-        EXPECT_EQ(s.screens.documents, r.present ? QStringList{manual} : QStringList{});
-        if (r.file)
-            EXPECT_EQ(read_bytes(s.leaflets + "/" + r.file + ".dte"), kStamp);
-        else
-            EXPECT_EQ(QDir(s.leaflets).entryList(QDir::Files), QStringList{});
-        EXPECT_FALSE(s.viewer.option_on(r.option));
-        EXPECT_TRUE(s.dialogs.messages.isEmpty());
-        EXPECT_TRUE(s.screens.unloaded.isEmpty());
-    }
-}
-
-// Browsing opens a chosen PDF that exists, without a stamp; a missing file
-// or a cancel opens nothing.
-TEST(ManualViewer, BrowseOpensAChosenPdf) {
-    Shelf s;
-    const QString chosen = s.path("own/verslag.pdf");
-    put_manual(chosen);
-    s.dialogs.files << chosen << s.path("own/weg.pdf");
-    for (int i = 0; i < 3; ++i) s.viewer.pdf_soek();
-    EXPECT_EQ(s.dialogs.file_filter, "*.pdf");
-    EXPECT_EQ(s.dialogs.file_start, s.leaflets + "/");
-    EXPECT_EQ(s.screens.documents, QStringList{chosen});
-    EXPECT_FALSE(QFile::exists(s.path("own/verslag.dte")));
-    EXPECT_TRUE(s.dialogs.messages.isEmpty());
 }

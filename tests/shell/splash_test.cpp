@@ -4,26 +4,27 @@
 #include "shell/splash.h"
 #include "shell/startup.h"
 #include "tests/support/shell_fixture.h"
+#include "tests/support/shell_transcript.h"
 
 namespace veldo {
 namespace {
 
 using testing::ShellFixture;
-using testing::read_bytes;
 
 struct SplashTest : ::testing::Test, ShellFixture {
     Splash make(bool second_copy, double random = 0.5) {
         return Splash(ctx, run.program_folder, [second_copy] { return second_copy; }, [random] { return random; });
     }
+    QString transcript() const { return testing::transcript(*this, screens); }
+    QByteArray setup() const { return testing::read_bytes(path("ProgramData/KESTRALIN/setup.txt")); }
 };
 
 TEST_F(SplashTest, ASecondCopyIsRefusedInEnglishAndEndsTheRun) {
     Splash s = make(true);
     EXPECT_FALSE(s.load());
-    EXPECT_EQ(dialogs.texts(), QStringList{"VELDO-TALLY system already loaded - see TASK BAR ..."});
-    EXPECT_EQ(dialogs.messages.first().icon, MsgIcon::Critical);
-    EXPECT_TRUE(screens.ended);
-    EXPECT_FALSE(QFileInfo::exists(path("ProgramData/KESTRALIN/VELDO-TALLY")));  // no folder search
+    // No folder search either: nothing is written.
+    EXPECT_EQ(transcript(), "message Critical Ok []: VELDO-TALLY system already loaded - see TASK BAR ...\nended\n");
+    EXPECT_FALSE(QFileInfo::exists(path("ProgramData/KESTRALIN/VELDO-TALLY")));
     EXPECT_EQ(second_copy_message(true), "VELDO-TALLY stelsel reeds gelaai - sien 'TASK BAR' ...");
 }
 
@@ -35,8 +36,7 @@ TEST_F(SplashTest, PicksOneOfSevenPastelsAndShowsTheVersion) {
     EXPECT_EQ(s.lblVersion, "Version " + program_version());
     EXPECT_EQ(s.lblProductName, "VELDO-TALLY");
     EXPECT_TRUE(s.timer_enabled);
-    EXPECT_TRUE(s.chk_lang[2]);
-    EXPECT_FALSE(s.chk_lang[1]);
+    EXPECT_EQ(std::pair(s.chk_lang[1], s.chk_lang[2]), std::pair(false, true));
     EXPECT_EQ(run.current_year, "2026");
 }
 
@@ -45,12 +45,10 @@ TEST_F(SplashTest, ALanguageButtonChoosesSavesAndStartsAtOnce) {
     ASSERT_TRUE(s.load());
     s.chk_lang_click(1);
     EXPECT_TRUE(run.language_afrikaans);
-    EXPECT_EQ(screens.unloaded, QStringList{"marks_splash"});
-    EXPECT_EQ(screens.shown, QStringList{"punte_mnu"});
-    EXPECT_EQ(read_bytes(path("ProgramData/KESTRALIN/setup.txt")), QByteArray("\"\"\r\n#TRUE#\r\n"));
     // The timer does not fire afterwards.
     s.timer1_timer();
-    EXPECT_EQ(screens.shown.size(), 1);
+    EXPECT_EQ(transcript(), "shown: punte_mnu\nunloaded: marks_splash\n");
+    EXPECT_EQ(setup(), QByteArray("\"\"\r\n#TRUE#\r\n"));
 }
 
 TEST_F(SplashTest, TheTimerKeepsTheStoredLanguage) {
@@ -60,9 +58,8 @@ TEST_F(SplashTest, TheTimerKeepsTheStoredLanguage) {
     EXPECT_TRUE(s.chk_lang[1]);
     s.timer1_timer();
     EXPECT_TRUE(run.language_afrikaans);
-    EXPECT_EQ(screens.shown, QStringList{"punte_mnu"});
-    EXPECT_EQ(read_bytes(path("ProgramData/KESTRALIN/setup.txt")),
-              QByteArray("\"SKOOL\"\r\n#TRUE#\r\n\"ander\"\r\n"));
+    EXPECT_EQ(transcript(), "shown: punte_mnu\nunloaded: marks_splash\n");
+    EXPECT_EQ(setup(), QByteArray("\"SKOOL\"\r\n#TRUE#\r\n\"ander\"\r\n"));
 }
 
 TEST_F(SplashTest, TheFrameRefusesToCloseAndBringsTheTopMenuBack) {

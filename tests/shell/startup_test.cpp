@@ -3,11 +3,12 @@
 
 #include "shell/startup.h"
 #include "store/school_record.h"
-#include "tests/support/temp_drive.h"
+#include "tests/support/shell_transcript.h"
 
 namespace veldo {
 namespace {
 
+using testing::FakeScreens;
 using testing::TempDrive;
 using testing::read_bytes;
 using testing::write_bytes;
@@ -37,10 +38,8 @@ TEST(TimeOut, IsReadFromTheFileOrThreeHundredSeconds) {
 TEST(MachinePaths, FindTheProgramRootAndFamilyFolders) {
     Install t;
     refresh_machine_paths(t.run, t.program);
-    EXPECT_EQ(t.run.program_folder, t.program);
-    EXPECT_EQ(t.run.root_folder, t.root);
-    EXPECT_EQ(t.run.family_folder, t.family);
-    EXPECT_EQ(t.run.product_folder, t.family + "/VELDO-TALLY");
+    EXPECT_EQ(QStringList({t.run.program_folder, t.run.root_folder, t.run.family_folder, t.run.product_folder}),
+              QStringList({t.program, t.root, t.family, t.family + "/VELDO-TALLY"}));
     EXPECT_TRUE(QFileInfo(t.run.product_folder).isDir());
     EXPECT_TRUE(QFileInfo(t.path("KESTRALIN")).isDir());
 
@@ -48,8 +47,7 @@ TEST(MachinePaths, FindTheProgramRootAndFamilyFolders) {
     const QString build = t.path("src/build");
     QDir().mkpath(build);
     refresh_machine_paths(t.run, build);
-    EXPECT_EQ(t.run.program_folder, build);
-    EXPECT_EQ(t.run.root_folder, t.path("src"));
+    EXPECT_EQ(QStringList({t.run.program_folder, t.run.root_folder}), QStringList({build, t.path("src")}));
 }
 
 TEST(FamilyFiles, OnlySharedTextAndNetworkFilesAreCopiedAndNoneOverwritten) {
@@ -60,21 +58,20 @@ TEST(FamilyFiles, OnlySharedTextAndNetworkFilesAreCopiedAndNoneOverwritten) {
     write_bytes(t.family + "/setup.txt", "kept");
     QDir().mkpath(t.root + "/VELDO-VAULTS");
     refresh_machine_paths(t.run, t.program);
-    const QString house = t.family + "/VELDO-HOUSE";
-    EXPECT_EQ(read_bytes(house + "/house.txt"), "VELDO-HOUSE/house.txt");
-    EXPECT_TRUE(QFileInfo::exists(house + "/NETWORK.ini"));
-    EXPECT_FALSE(QFileInfo::exists(house + "/tool.exe.txt"));
-    EXPECT_FALSE(QFileInfo::exists(house + "/readme.md"));
-    EXPECT_EQ(read_bytes(t.family + "/setup.txt"), "kept");
     // The backup program's path names hold eleven empty items.
-    QByteArray expected;
-    for (int i = 0; i < 11; ++i) expected += "\"\"\r\n";
-    EXPECT_EQ(read_bytes(t.family + "/VELDO-VAULTS/path_names.txt"), expected);
+    const QString copied = testing::transcript(t, FakeScreens(), {"ProgramData/KESTRALIN/VELDO-HOUSE",
+                                                                  "ProgramData/KESTRALIN/VELDO-VAULTS"});
+    EXPECT_EQ(copied,
+              "file <drive>/ProgramData/KESTRALIN/VELDO-HOUSE/NETWORK.ini: VELDO-HOUSE/NETWORK.ini\n"
+              "file <drive>/ProgramData/KESTRALIN/VELDO-HOUSE/house.txt: VELDO-HOUSE/house.txt\n"
+              "file <drive>/ProgramData/KESTRALIN/VELDO-VAULTS/path_names.txt: " +
+                  QString("\"\"\\r\\n").repeated(11) + "\n");
+    EXPECT_EQ(read_bytes(t.family + "/setup.txt"), "kept");
 
     // An existing sibling folder in the family is left alone.
     write_bytes(t.root + "/VELDO-HOUSE/later.txt", "later");
     copy_family_files(t.run, "VELDO-HOUSE");
-    EXPECT_FALSE(QFileInfo::exists(house + "/later.txt"));
+    EXPECT_FALSE(QFileInfo::exists(t.family + "/VELDO-HOUSE/later.txt"));
 }
 
 TEST(VersionStamp, ListsTheFamilysProgramsOnceADay) {
@@ -158,9 +155,8 @@ TEST(SchoolName, IsReadFromTheRecordAtTheDriveRootWhenThere) {
 TEST(Startup, SetsYearProgramFolderTimeOutAndColours) {
     Install t;
     run_startup(t.run, *t.store, t.program);
-    EXPECT_EQ(t.run.current_year, "2026");
-    EXPECT_EQ(t.run.start_folder, t.program);
-    EXPECT_EQ(QDir::currentPath(), t.program);
+    EXPECT_EQ(QStringList({t.run.current_year, t.run.start_folder, QDir::currentPath()}),
+              QStringList({"2026", t.program, t.program}));
     EXPECT_EQ(t.run.timeout_seconds, 300);
     EXPECT_EQ(t.run.backdrop_green, 192);
 
