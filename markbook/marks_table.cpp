@@ -204,24 +204,18 @@ std::unique_ptr<DbfTable> rebuild_open_table(RunState& run, const QString& path,
     if (!old || !old->begin_batch()) return nullptr;
     // Rows of learners only; the sort needs no more than each row's place
     // and its name, and puts them in the order a grid of every field would.
-    std::vector<std::pair<int, QString>> kept;
-    kept.reserve(std::size_t(old->RecordCount()));
+    std::vector<int> places;
+    std::vector<QString> names;
+    places.reserve(std::size_t(old->RecordCount()));
+    names.reserve(std::size_t(old->RecordCount()));
     int place = 0;
     for (old->MoveFirst(); !old->Eof(); old->MoveNext(), ++place) {
         if (!holds_learner(old->value(0))) continue;
         const QVariant name = old->value(1);
-        kept.emplace_back(place, name.typeId() == QMetaType::QString ? name.toString() : plain_text(name));
+        places.push_back(place);
+        names.push_back(name.typeId() == QMetaType::QString ? name.toString() : plain_text(name));
     }
-    TextGrid grid(0, 0);
-    grid.set_fixed_rows(0);
-    grid.set_fixed_cols(0);
-    grid.set_cols(2);
-    grid.set_rows(int(kept.size()));
-    for (int r = 0; r < int(kept.size()); ++r) {
-        grid.set_text(r, 0, QString::number(kept[std::size_t(r)].first));
-        grid.set_text(r, 1, kept[std::size_t(r)].second);
-    }
-    grid.sort(1, GridSort::GenericAscending);
+    const std::vector<int> order = sorted_order(names, GridSort::GenericAscending);
 
     // The new table is filled beside the old one and then takes its place.
     const QString fresh = QFileInfo(path).dir().filePath("." + QFileInfo(path).fileName() + ".rebuild");
@@ -255,9 +249,9 @@ std::unique_ptr<DbfTable> rebuild_open_table(RunState& run, const QString& path,
             is_char[std::size_t(f)] = field.type == DbfType::Character;
             is_whole[std::size_t(f)] = field.type == DbfType::Numeric && field.decimals == 0 && field.width <= 15;
         }
-        for (int r = 0; r < grid.rows(); ++r) {
+        for (int r : order) {
             old->MoveFirst();
-            old->Move(grid.text(r, 0).toInt());
+            old->Move(places[std::size_t(r)]);
             table->AddNew();
             const QByteArrayView record = old->record_bytes();
             if (same_layout) table->set_record_bytes(record);

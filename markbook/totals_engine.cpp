@@ -52,6 +52,8 @@ public:
         for (int i = 0; i < table.field_count(); ++i) {
             const int width = table.field(i).width;
             widths_.push_back(width);
+            offsets_.push_back(table.field_offset(i));
+            text_field_.push_back(is_text_field(table.field(i).type));
             // "ddd.d" takes two places besides its whole digits, and a third
             // with a sign: below 10^(width - 1) tenths it fits, below
             // 10^(width - 2) with a sign; past 18 digits nothing here comes.
@@ -71,12 +73,11 @@ public:
         const QByteArrayView record = table_.record_bytes();
         for (int i = 2; i < int(values_.size()); ++i) {
             Value& v = values_[std::size_t(i)];
-            const DbfField& field = table_.field(i);
             v.changed = false;
             v.has_number = false;
             v.pending = false;
-            if (is_text_field(field.type) && !record.isEmpty()) {
-                const auto text = stored_text(field, record.data() + table_.field_offset(i));
+            if (text_field_[std::size_t(i)] && !record.isEmpty()) {
+                const auto text = stored_text(table_.field(i), record.data() + offsets_[std::size_t(i)]);
                 v.null = !text;
                 v.text = text ? *text : QLatin1StringView();  // the record's own bytes, not copied
             } else {
@@ -154,7 +155,10 @@ public:
         for (const Value& v : values_) any = any || v.changed;
         if (!any) return;
         table.Edit();
-        QByteArray record = table.record_bytes().toByteArray();
+        const QByteArrayView stored = table.record_bytes();
+        QByteArray& record = record_;  // one buffer for every record
+        record.resize(stored.size());
+        std::memcpy(record.data(), stored.data(), std::size_t(stored.size()));
         std::vector<int> typed;  // changed fields that are no text: through their value
         for (int f = 2; f < int(values_.size()); ++f) {
             Value& v = values_[std::size_t(f)];
@@ -243,7 +247,10 @@ private:
     }
 
     const DbfTable& table_;
-    std::vector<int> widths_;  // each field's width, looked up once
+    std::vector<int> widths_;  // each field's width, offset and kind, looked up once
+    std::vector<int> offsets_;
+    std::vector<bool> text_field_;
+    QByteArray record_;
     // The tenths from which a one-decimal number no longer fits its field,
     // without and with a sign.
     std::vector<std::array<long long, 2>> fitting_;
@@ -379,13 +386,14 @@ std::array<Currency, 43> class_averages(DbfTable& marks, const ColumnLists& list
     std::array<double, 43> sum{};
     std::array<int, 43> counted{};
     const int fields = std::min(marks.field_count(), 42);
+    // Only text counts: a Null (all blank) field or a number is passed over.
+    std::vector<int> counted_fields;
+    for (int f = 2; f < fields; ++f)
+        if (is_text_field(marks.field(f).type)) counted_fields.push_back(f);
     for (marks.MoveFirst(); !marks.Eof(); marks.MoveNext()) {
         const QByteArrayView record = marks.record_bytes();
-        for (int f = 2; f < fields; ++f) {
-            // Only text counts: a Null (all blank) field or a number is passed over.
-            const DbfField& field = marks.field(f);
-            if (!is_text_field(field.type)) continue;
-            const auto stored = stored_text(field, record.data() + marks.field_offset(f));
+        for (int f : counted_fields) {
+            const auto stored = stored_text(marks.field(f), record.data() + marks.field_offset(f));
             if (!stored) continue;
             QLatin1StringView text = *stored;
             while (text.endsWith(QLatin1Char(' '))) text.chop(1);

@@ -257,40 +257,32 @@ int three_way(const QString& a, const QString& b) {
 
 }  // namespace
 
-void TextGrid::sort(int first_col, int last_col, GridSort mode) {
-    if (mode == GridSort::None) return;
-    if (first_col > last_col) std::swap(first_col, last_col);
-    first_col = std::max(first_col, 0);
-    last_col = std::min(last_col, cols_ - 1);
-    const int first_row = fixed_rows_;
-    const int n = rows() - first_row;
-    if (n < 2 || first_col > last_col) return;
+namespace {
 
-    const bool descending = mode == GridSort::GenericDescending || mode == GridSort::NumericDescending ||
-                            mode == GridSort::StringNoCaseDescending || mode == GridSort::StringDescending;
-    const bool generic = mode == GridSort::GenericAscending || mode == GridSort::GenericDescending;
-    const bool numeric = mode == GridSort::NumericAscending || mode == GridSort::NumericDescending;
-    const bool no_case = mode == GridSort::StringNoCaseAscending || mode == GridSort::StringNoCaseDescending;
+struct SortModes {
+    bool descending, generic, numeric, no_case;
+    explicit SortModes(GridSort mode)
+        : descending(mode == GridSort::GenericDescending || mode == GridSort::NumericDescending ||
+                     mode == GridSort::StringNoCaseDescending || mode == GridSort::StringDescending),
+          generic(mode == GridSort::GenericAscending || mode == GridSort::GenericDescending),
+          numeric(mode == GridSort::NumericAscending || mode == GridSort::NumericDescending),
+          no_case(mode == GridSort::StringNoCaseAscending || mode == GridSort::StringNoCaseDescending) {}
 
-    // Keys are worked out once per cell, not once per comparison.
-    const int key_cols = last_col - first_col + 1;
-    std::vector<SortKey> keys(std::size_t(n) * std::size_t(key_cols));
-    for (int i = 0; i < n; ++i) {
-        const Row& r = rows_[std::size_t(first_row + i)];
-        for (int k = 0; k < key_cols; ++k) {
-            const QString& cell = r.cells[std::size_t(first_col + k)];
-            SortKey& key = keys[std::size_t(i) * std::size_t(key_cols) + std::size_t(k)];
-            if (numeric) {
-                key.number = Val(cell);
-            } else if (generic) {
-                key.numeric = parse_numeric(cell, &key.number);
-                key.text = folded(cell);
-            } else {
-                key.text = no_case ? folded(cell) : cell;
-            }
+    // A cell's key, worked out once per cell, not once per comparison.
+    SortKey key(const QString& cell) const {
+        SortKey key;
+        if (numeric) {
+            key.number = Val(cell);
+        } else if (generic) {
+            key.numeric = parse_numeric(cell, &key.number);
+            key.text = folded(cell);
+        } else {
+            key.text = no_case ? folded(cell) : cell;
         }
+        return key;
     }
-    auto compare = [&](int a, int b) {
+    // Rows a and b compared on their key_cols keys, left to right.
+    int compare(const std::vector<SortKey>& keys, int key_cols, int a, int b) const {
         for (int k = 0; k < key_cols; ++k) {
             const SortKey& x = keys[std::size_t(a) * std::size_t(key_cols) + std::size_t(k)];
             const SortKey& y = keys[std::size_t(b) * std::size_t(key_cols) + std::size_t(k)];
@@ -302,33 +294,69 @@ void TextGrid::sort(int first_col, int last_col, GridSort mode) {
             if (c != 0) return descending ? -c : c;
         }
         return 0;
-    };
-
+    }
     // A merge sort of our own: the generic order is not transitive across
     // numbers and texts, which the standard sorts are not required to bear.
-    std::vector<int> order(static_cast<std::size_t>(n)), buffer(static_cast<std::size_t>(n));
-    std::iota(order.begin(), order.end(), 0);
-    for (int width = 1; width < n; width *= 2) {
-        for (int lo = 0; lo < n; lo += 2 * width) {
-            const int mid = std::min(lo + width, n), hi = std::min(lo + 2 * width, n);
-            int i = lo, j = mid, out = lo;
-            while (i < mid && j < hi) {
-                // The right element goes first only when strictly before: stable.
-                if (compare(order[std::size_t(j)], order[std::size_t(i)]) < 0)
-                    buffer[std::size_t(out++)] = order[std::size_t(j++)];
-                else
-                    buffer[std::size_t(out++)] = order[std::size_t(i++)];
+    std::vector<int> order(const std::vector<SortKey>& keys, int key_cols, int n) const {
+        std::vector<int> order(static_cast<std::size_t>(n)), buffer(static_cast<std::size_t>(n));
+        std::iota(order.begin(), order.end(), 0);
+        for (int width = 1; width < n; width *= 2) {
+            for (int lo = 0; lo < n; lo += 2 * width) {
+                const int mid = std::min(lo + width, n), hi = std::min(lo + 2 * width, n);
+                int i = lo, j = mid, out = lo;
+                while (i < mid && j < hi) {
+                    // The right element goes first only when strictly before: stable.
+                    if (compare(keys, key_cols, order[std::size_t(j)], order[std::size_t(i)]) < 0)
+                        buffer[std::size_t(out++)] = order[std::size_t(j++)];
+                    else
+                        buffer[std::size_t(out++)] = order[std::size_t(i++)];
+                }
+                while (i < mid) buffer[std::size_t(out++)] = order[std::size_t(i++)];
+                while (j < hi) buffer[std::size_t(out++)] = order[std::size_t(j++)];
             }
-            while (i < mid) buffer[std::size_t(out++)] = order[std::size_t(i++)];
-            while (j < hi) buffer[std::size_t(out++)] = order[std::size_t(j++)];
+            order.swap(buffer);
         }
-        order.swap(buffer);
+        return order;
     }
+};
+
+}  // namespace
+
+void TextGrid::sort(int first_col, int last_col, GridSort mode) {
+    if (mode == GridSort::None) return;
+    if (first_col > last_col) std::swap(first_col, last_col);
+    first_col = std::max(first_col, 0);
+    last_col = std::min(last_col, cols_ - 1);
+    const int first_row = fixed_rows_;
+    const int n = rows() - first_row;
+    if (n < 2 || first_col > last_col) return;
+
+    const SortModes modes(mode);
+    const int key_cols = last_col - first_col + 1;
+    std::vector<SortKey> keys;
+    keys.reserve(std::size_t(n) * std::size_t(key_cols));
+    for (int i = 0; i < n; ++i) {
+        const Row& r = rows_[std::size_t(first_row + i)];
+        for (int k = 0; k < key_cols; ++k) keys.push_back(modes.key(r.cells[std::size_t(first_col + k)]));
+    }
+    const std::vector<int> order = modes.order(keys, key_cols, n);
 
     std::vector<Row> sorted;
     sorted.reserve(std::size_t(n));
     for (int i : order) sorted.push_back(std::move(rows_[std::size_t(first_row + i)]));
     std::move(sorted.begin(), sorted.end(), rows_.begin() + first_row);
+}
+
+std::vector<int> sorted_order(const std::vector<QString>& cells, GridSort mode) {
+    const int n = int(cells.size());
+    std::vector<int> order(static_cast<std::size_t>(n));
+    std::iota(order.begin(), order.end(), 0);
+    if (mode == GridSort::None || n < 2) return order;
+    const SortModes modes(mode);
+    std::vector<SortKey> keys;
+    keys.reserve(std::size_t(n));
+    for (const QString& cell : cells) keys.push_back(modes.key(cell));
+    return modes.order(keys, 1, n);
 }
 
 }  // namespace veldo

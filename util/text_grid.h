@@ -151,4 +151,8 @@ private:
     QString format_string_;
 };
 
+// The order TextGrid::sort puts these cells in, as the one column of a
+// grid with no fixed rows: their places, first to last.
+std::vector<int> sorted_order(const std::vector<QString>& cells, GridSort mode);
+
 }  // namespace veldo
