@@ -831,6 +831,50 @@ bool DbfTable::load_image(DbfError* error) {
     return true;
 }
 
+// The whole file again, as load_image, but into the image it replaces
+// where the file's layout is still the image's (the usual case: other
+// workstations change records and the count, never the fields). A table
+// of 2,000 learners then takes no new memory each time a batch begins.
+bool DbfTable::reload_image(DbfError* error) {
+    const qsizetype header = header_length_;
+    if (header < kFileHeader || image_.size() < header) return load_image(error);
+    // The version, lengths and field descriptors as they stand now; the date
+    // and the count (bytes 1 to 7) may differ.
+    QByteArray head(header, Qt::Uninitialized);
+    if (!file_.read_at(0, head.data(), header) || head.at(0) != image_.at(0) ||
+        std::memcmp(head.constData() + 8, image_.constData() + 8, std::size_t(header - 8)) != 0)
+        return load_image(error);
+    // Only a file that holds every record its count names is read in place:
+    // any other takes load_image's way, which says what is wrong and keeps
+    // the image as it was.
+    const qint64 records = qint64(u16(head, 4)) | (qint64(u16(head, 6) & 0x7FFF) << 16);
+    if (file_.size() < qint64(header) + records * record_length_) return load_image(error);
+    if (!file_.read_all(&image_) || image_.size() < qint64(header) + records * record_length_) {
+        // Half read: nothing of it can be trusted, so the table shows nothing.
+        image_.clear();
+        records_ = 0;
+        live_.clear();
+        pos_ = 0;
+        on_deleted_ = false;
+        report(error, DbfError::Unreadable, path_);
+        return false;
+    }
+    // The count read first: records appended while the rest was read are
+    // taken in with the next count, as load_image does.
+    std::memcpy(image_.data(), head.constData(), kFileHeader);
+    std::vector<int> live;
+    live.reserve(std::size_t(records));
+    const char* first = image_.constData() + header;
+    for (qint64 r = 0; r < records; ++r)
+        if (first[r * record_length_] != '*') live.push_back(int(r));
+    records_ = int(records);
+    stamped_ = false;
+    live_ = std::move(live);
+    pos_ = 0;
+    on_deleted_ = false;
+    return true;
+}
+
 void DbfTable::detach() {
     file_.close();  // and with it every lock of this handle
     record_locked_ = false;
@@ -1296,7 +1340,7 @@ bool DbfTable::begin_batch() {
         }
     }
     DbfError error;
-    if (!load_image(&error)) {
+    if (!reload_image(&error)) {
         file_.unlock(kLockBase, kLockBase);
         error_ = error;
         return false;

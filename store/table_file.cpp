@@ -32,18 +32,23 @@ void TableFile::close() {
 bool TableFile::read_all(QByteArray* out) const {
     struct stat st {};
     if (fd_ < 0 || ::fstat(fd_, &st) != 0) return false;
-    QByteArray bytes(qsizetype(st.st_size), Qt::Uninitialized);
+    out->resize(qsizetype(st.st_size));
     qint64 got = 0;
     while (got < st.st_size) {
-        const ssize_t n = ::pread(fd_, bytes.data() + got, size_t(st.st_size - got), off_t(got));
+        const ssize_t n = ::pread(fd_, out->data() + got, size_t(st.st_size - got), off_t(got));
         if (n < 0 && errno == EINTR) continue;
         if (n < 0) return false;
         if (n == 0) break;  // cut short while we read: take what is there
         got += n;
     }
-    bytes.truncate(qsizetype(got));
-    *out = std::move(bytes);
+    out->truncate(qsizetype(got));
     return true;
+}
+
+qint64 TableFile::size() const {
+    struct stat st {};
+    if (fd_ < 0 || ::fstat(fd_, &st) != 0) return -1;
+    return qint64(st.st_size);
 }
 
 bool TableFile::read_at(qint64 offset, char* data, qint64 length) const {

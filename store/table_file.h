@@ -23,8 +23,11 @@ public:
     void close();
     bool is_open() const { return fd_ >= 0; }
 
-    // The whole file in one read; false when it can't be read.
+    // The whole file in one read, into `out`'s own memory where it has room;
+    // false when it can't be read (then `out` holds part of it).
     bool read_all(QByteArray* out) const;
+    // The file's size now; -1 when it can't be had.
+    qint64 size() const;
     // Exactly `length` bytes at `offset`; false on a short read or a failure.
     bool read_at(qint64 offset, char* data, qint64 length) const;
     // All of `length` bytes at `offset`; false when the disk took less (a

@@ -1,0 +1,89 @@
+// A batch takes the table as it stands on the disk when it begins, whatever
+// happened to the file since the open, and keeps what it had when the file
+// can't be taken.
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "store/dbf_table.h"
+#include "tests/store/store_tables.h"
+#include "tests/support/temp_drive.h"
+
+namespace veldo {
+namespace {
+
+using testing::make_table;
+using testing::read_bytes;
+using testing::write_bytes;
+
+QStringList walk(DbfTable& t, int field = 0) {
+    QStringList out;
+    for (t.MoveFirst(); !t.Eof(); t.MoveNext()) out << plain_text(t.value(field)).trimmed();
+    return out;
+}
+
+TEST(DbfReload, ABatchTakesTheTableAsItStandsNow) {
+    const QList<DbfField> names{{"NAME", DbfType::Character, 10, 0}};
+    const QList<DbfField> other{{"CODE", DbfType::Character, 4, 0}, {"MARK", DbfType::Numeric, 5, 1}};
+    struct Case {
+        const char* why;
+        std::function<void(const QString&)> change;  // what another writer does to the open table's file
+        bool begins;
+        QStringList seen;  // the first field of each record after begin_batch
+        DbfError::Code error;
+    };
+    const Case cases[] = {
+        {"records changed in place and one appended: the same layout is read into the same image",
+         [&](const QString& p) {
+             auto t = DbfTable::open(p);
+             t->MoveFirst();
+             ASSERT_TRUE(t->Edit() && t->set_value(0, QStringLiteral("Anna-Marie")) && t->Update());
+             ASSERT_TRUE(t->AddNew() && t->set_value(0, QStringLiteral("Carel")) && t->Update());
+         },
+         true, {"Anna-Marie", "Ben", "Carel"}, DbfError::None},
+        {"a record deleted: it leaves the walk",
+         [&](const QString& p) {
+             auto t = DbfTable::open(p);
+             t->MoveFirst();
+             ASSERT_TRUE(t->Delete());
+         },
+         true, {"Ben"}, DbfError::None},
+        {"other fields written over the same file: the new layout is taken",
+         [&](const QString& p) {
+             const QString tmp = p + ".other";
+             make_table(tmp, other, {{QStringLiteral("WISK"), 7.5}});
+             write_bytes(p, read_bytes(tmp));
+         },
+         true, {"WISK"}, DbfError::None},
+        {"a count past the records the file holds: refused, the table as it was",
+         [&](const QString& p) {
+             QByteArray bytes = read_bytes(p);
+             bytes[4] = char(9);
+             write_bytes(p, bytes);
+         },
+         false, {"Anna", "Ben"}, DbfError::Truncated},
+        {"the file cut inside the header: refused, the table as it was",
+         [&](const QString& p) { write_bytes(p, read_bytes(p).left(40)); }, false, {"Anna", "Ben"},
+         DbfError::Truncated},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        QTemporaryDir dir;
+        const QString p = dir.filePath("marks1.dbf");
+        make_table(p, names, {{QStringLiteral("Anna")}, {QStringLiteral("Ben")}});
+        auto held = DbfTable::open(p);
+        ASSERT_TRUE(held);
+        ASSERT_EQ(walk(*held), (QStringList{"Anna", "Ben"}));
+        c.change(p);
+        EXPECT_EQ(held->begin_batch(), c.begins);
+        if (!c.begins) {
+            EXPECT_EQ(held->last_error().code, c.error);
+        }
+        EXPECT_EQ(walk(*held), c.seen);
+        EXPECT_TRUE(held->commit_batch() || !c.begins);
+    }
+}
+
+}  // namespace
+}  // namespace veldo
