@@ -30,12 +30,7 @@ struct Cli : ::testing::Test {
     testing::ProgramResult run(const QStringList& args, bool unprivileged = false) {
         return testing::run_program(drive.path(), args, unprivileged);
     }
-    // A word on mark series N of the data folder, with its further arguments.
-    testing::ProgramResult on(const QString& word, int series, const QStringList& more = {}) {
-        return run(QStringList{word, "--data", data(), "--series", QString::number(series)} + more);
-    }
     static QStringList lines(const QString& text) { return text.split('\n', Qt::SkipEmptyParts); }
-    QStringList dump(const QString& table) { return lines(run({"dump", data() + "/" + table}).out); }
     // The first sheet of a workbook the program wrote.
     static QList<QStringList> sheet(const QString& xlsx) {
         SheetReadError error;
@@ -112,7 +107,7 @@ TEST_F(Cli, TheDemoSchoolIsWrittenAndListedLineByLine) {
     const QStringList series = lines(run({"series", "--data", data()}).out);
     EXPECT_EQ(series.value(0), "8  \tAFR  \t100\t8A \t   \t   \t101\tK001 \t2026/01/14");
     for (const QString& line : series) EXPECT_EQ(line.split('\t').size(), 9) << line.toStdString();
-    const QStringList list = dump("punte1.dbf");
+    const QStringList list = lines(run({"dump", data() + "/punte1.dbf"}).out);
     EXPECT_EQ(list.size(), 1 + 32);
     EXPECT_EQ(list.value(0), "EF_T_NR\tEF_NAME\tEF_PUNT\tEF_P_S");
     EXPECT_TRUE(list.value(1).startsWith("10001\t")) << list.value(1).toStdString();
@@ -177,7 +172,7 @@ TEST_F(CliBook, AveragesPrintEachColumnAndFollowARecalculation) {
 // learner. What is stored and added to the running figure is pinned by the
 // input screen's tests.
 TEST_F(CliBook, AMarkIsJudgedAndSaysWhereItWent) {
-    ASSERT_EQ(on("recalc", 4).exit_code, 0);
+    ASSERT_EQ(run({"recalc", "--data", data(), "--series", "4"}).exit_code, 0);
     const auto mark = [](const char* column, const char* value, const char* learner = "10106") {
         return QStringList{"mark", "--learner", learner, "--column", column, "--value", value};
     };
@@ -192,7 +187,7 @@ TEST_F(CliBook, AMarkIsJudgedAndSaysWhereItWent) {
 // The column actions on book 1: refusals change no byte; what the marks
 // become is pinned by the column actions' own tests.
 TEST_F(CliBook, TheColumnActionsSayWhatTheyDidOrWhyNot) {
-    ASSERT_EQ(on("open", 1).exit_code, 0);
+    ASSERT_EQ(run({"open", "--data", data(), "--series", "1"}).exit_code, 0);
     write_bytes(drive.filePath("clip.txt"), "7\r\n-1\r\n8.25\r\n");
     const QString merit = drive.filePath("merit.pdf");
     EXPECT_TRUE(matches_golden(

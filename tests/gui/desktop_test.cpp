@@ -36,11 +36,10 @@ struct DesktopWidgets : ::testing::Test {
     QString program = drive.filePath("Apps/VELDO-TALLY");
     QString school = drive.filePath("school");
     QString start_folder = QDir::currentPath();  // the start moves into the program folder
-    // Every box that opens is answered as a teacher would: `typed` into an
-    // input box, No to a print, Yes or OK to the rest; `said` keeps what each
-    // box said.
+    // Every box that opens is answered as a teacher would: 50 for an input
+    // total, No to a print, Yes or OK to the rest; `said` keeps what each box
+    // said.
     QStringList said;
-    QString typed = "50";
     QTimer answerer;
 
     // A desktop started and past the splash: language 1 Afrikaans, 2 English.
@@ -64,7 +63,7 @@ struct DesktopWidgets : ::testing::Test {
     void answer(QWidget* w) {
         if (auto* box = qobject_cast<QInputDialog*>(w); box && box->isVisible()) {
             said << box->labelText();
-            box->setTextValue(typed);
+            box->setTextValue("50");
             box->accept();
         }
         if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
