@@ -6,11 +6,11 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QStandardPaths>
 
 #include "markbook/workbook_reader.h"
 #include "store/dbf_table.h"
+#include "tests/support/golden.h"
 #include "tests/support/pdf_printer.h"
 #include "tests/support/program_run.h"
 #include "tests/support/temp_drive.h"
@@ -19,6 +19,7 @@
 namespace veldo {
 namespace {
 
+using testing::matches_golden;
 using testing::pdf_text;
 using testing::read_bytes;
 using testing::write_bytes;
@@ -29,12 +30,7 @@ struct Cli : ::testing::Test {
     testing::ProgramResult run(const QStringList& args, bool unprivileged = false) {
         return testing::run_program(drive.path(), args, unprivileged);
     }
-    // A word on mark series N of the data folder, with its further arguments.
-    testing::ProgramResult on(const QString& word, int series, const QStringList& more = {}) {
-        return run(QStringList{word, "--data", data(), "--series", QString::number(series)} + more);
-    }
     static QStringList lines(const QString& text) { return text.split('\n', Qt::SkipEmptyParts); }
-    QStringList dump(const QString& table) { return lines(run({"dump", data() + "/" + table}).out); }
     // The first sheet of a workbook the program wrote.
     static QList<QStringList> sheet(const QString& xlsx) {
         SheetReadError error;
@@ -43,28 +39,27 @@ struct Cli : ::testing::Test {
         return rows.value_or(QList<QStringList>());
     }
 
-    // A word with its arguments, the exit code, a whole line the run prints
-    // (on either stream where it succeeds, on standard error where it fails;
-    // none where empty), and whether the watched file changes.
-    struct Step {
-        QStringList args;
-        int code;
-        QString said;
-        bool changes = false;
-    };
-    // Each step on the data folder, on mark series `series` unless 0.
-    void steps(const QString& watched, const QList<Step>& list, int series = 1) {
-        for (const Step& s : list) {
-            SCOPED_TRACE(s.args.join(' ').toStdString());
+    // Each word on the data folder, on mark series `series` unless 0, as a
+    // shell session reads: the word, its lines (standard error's after "!",
+    // a usage cut after its first line), the exit code and whether `watched`
+    // changed, if given. The drive reads as <drive>, the test's own folder as
+    // <cwd>.
+    QString session(const QString& watched, const QList<QStringList>& words, int series = 1) {
+        QString out = QString("# series %1").arg(series) + (watched.isEmpty() ? "\n" : ", watching " + watched + "\n");
+        for (const QStringList& word : words) {
             const QByteArray before = read_bytes(watched);
-            QStringList args{s.args[0], "--data", data()};
+            QStringList args{word[0], "--data", data()};
             if (series > 0) args << "--series" << QString::number(series);
-            const auto r = run(args + s.args.mid(1));
-            EXPECT_EQ(r.exit_code, s.code) << r.err.toStdString();
-            const QStringList said = lines(s.code == 0 ? r.out + "\n" + r.err : r.err);
-            EXPECT_TRUE(s.said.isEmpty() || said.contains(s.said)) << r.out.toStdString() << r.err.toStdString();
-            EXPECT_EQ(read_bytes(watched) != before, s.changes);
+            const auto r = run(args + word.mid(1));
+            out += "$ " + word.join(' ') + "\n";
+            for (const QString& line : lines(r.out)) out += line + "\n";
+            for (const QString& line : lines(r.err)) {
+                out += "! " + line + "\n";
+                if (line.startsWith("usage: ")) break;  // the rest is the help's
+            }
+            out += QString("exit %1%2\n").arg(r.exit_code).arg(read_bytes(watched) != before ? ", changed" : "");
         }
+        return out.replace(drive.path(), "<drive>").replace(QDir::currentPath(), "<cwd>");
     }
 };
 
@@ -76,8 +71,7 @@ struct CliBook : Cli {
 TEST_F(Cli, HelpListsEveryCommandWord) {
     const auto r = run({"--help"});
     EXPECT_EQ(r.exit_code, 0);
-    for (const char* word : {"demo --data DIR", "series --data DIR", "dump FILE.dbf", "--lang af|en"})
-        EXPECT_TRUE(r.out.contains(word)) << word;
+    EXPECT_TRUE(matches_golden(r.out, "app/help.txt"));
 }
 
 TEST_F(Cli, BadUsageExitsTwoWithTheUsage) {
@@ -113,28 +107,22 @@ TEST_F(Cli, TheDemoSchoolIsWrittenAndListedLineByLine) {
     const QStringList series = lines(run({"series", "--data", data()}).out);
     EXPECT_EQ(series.value(0), "8  \tAFR  \t100\t8A \t   \t   \t101\tK001 \t2026/01/14");
     for (const QString& line : series) EXPECT_EQ(line.split('\t').size(), 9) << line.toStdString();
-    const QStringList list = dump("punte1.dbf");
+    const QStringList list = lines(run({"dump", data() + "/punte1.dbf"}).out);
     EXPECT_EQ(list.size(), 1 + 32);
     EXPECT_EQ(list.value(0), "EF_T_NR\tEF_NAME\tEF_PUNT\tEF_P_S");
     EXPECT_TRUE(list.value(1).startsWith("10001\t")) << list.value(1).toStdString();
 }
 
 TEST_F(Cli, AFolderWithoutMarksOrATableIsRefusedInTheUsersLanguage) {
-    auto r = run({"series", "--data", data(), "--lang", "af"});
-    EXPECT_EQ(r.exit_code, 1);
-    EXPECT_EQ(r.err.trimmed(), "DIE GIDS " + data() + " BESTAAN NIE!");
-    EXPECT_EQ(run({"series", "--data", data()}).err.trimmed(), "THE FOLDER " + data() + " DOES NOT EXIST!");
+    QString said = session({}, {{"series", "--lang", "af"}, {"series"}}, 0);
     QDir().mkpath(data());
-    r = run({"series", "--data", data()});
-    EXPECT_EQ(r.exit_code, 1);
-    EXPECT_EQ(r.err.trimmed(), "Current folder (" + data() + ") does not contain marks files ...");
+    said += session({}, {{"series"}}, 0);
     // Without --lang the language comes from the family's setup file.
     write_bytes(drive.filePath("ProgramData/KESTRALIN/setup.txt"), "\"\"\r\n#TRUE#\r\n");
-    EXPECT_EQ(run({"series", "--data", data()}).err.trimmed(),
-              "Bestaande gids (" + data() + ") bevat nie punteleêrs nie ...");
+    EXPECT_TRUE(matches_golden(said + session({}, {{"series"}}, 0), "app/folder_refusals.txt"));
 
     write_bytes(drive.filePath("bad.dbf"), QByteArray("this is no table at all"));
-    r = run({"dump", drive.filePath("bad.dbf")});
+    const auto r = run({"dump", drive.filePath("bad.dbf")});
     EXPECT_EQ(r.exit_code, 1);
     EXPECT_TRUE(r.err.contains("bad.dbf"));
     EXPECT_EQ(run({"dump", drive.filePath("none.dbf")}).exit_code, 1);
@@ -173,17 +161,10 @@ TEST_F(CliBook, AReadOnlyFolderIsRefusedWithAMessageAndKeepsItsFiles) {
 }
 
 // The averages as field, name and a percentage to four decimals, moved by a
-// recalculation on its totals only (the words' own lines are the demo's).
+// recalculation on its totals only: a task column keeps its figure.
 TEST_F(CliBook, AveragesPrintEachColumnAndFollowARecalculation) {
-    const QStringList before = lines(on("averages", 1).out);
-    ASSERT_EQ(before.size(), 21);
-    EXPECT_TRUE(before[4].startsWith("6\tKLASWERK\t0.0000"));
-    ASSERT_EQ(on("recalc", 1).exit_code, 0);
-    const QStringList after = lines(on("averages", 1, {"--lang", "af"}).out);
-    ASSERT_EQ(after.size(), 21);
-    EXPECT_EQ(after[0], before[0]);  // a task column is not touched
-    EXPECT_NE(after[4], before[4]);
-    EXPECT_TRUE(QRegularExpression("^22\tTOTAAL\t\\d+\\.\\d{4}$").match(after[20]).hasMatch()) << after[20].toStdString();
+    const QList<QStringList> words{{"averages"}, {"recalc"}, {"averages", "--lang", "af"}};
+    EXPECT_TRUE(matches_golden(session(data() + "/marks1.dbf", words), "app/averages.txt"));
 }
 
 // A mark typed into book 4 (PRAKTIES 1, out of 25, feeding TOTAAL): the range
@@ -191,42 +172,35 @@ TEST_F(CliBook, AveragesPrintEachColumnAndFollowARecalculation) {
 // learner. What is stored and added to the running figure is pinned by the
 // input screen's tests.
 TEST_F(CliBook, AMarkIsJudgedAndSaysWhereItWent) {
-    ASSERT_EQ(on("recalc", 4).exit_code, 0);
+    ASSERT_EQ(run({"recalc", "--data", data(), "--series", "4"}).exit_code, 0);
     const auto mark = [](const char* column, const char* value, const char* learner = "10106") {
         return QStringList{"mark", "--learner", learner, "--column", column, "--value", value};
     };
-    steps(data() + "/marks4.dbf",
-          {{mark("2", "25"), 0, "Erasmus, Michael, PRAKTIES 1: 25.0 (TOTAAL 50.5)", true},
-           {mark("2", "25.1"), 1, "Marks can only be ' ', 'A', 'a' or 0-25"},
-           {mark("2", "-1"), 1, "Marks can only be ' ', 'A', 'a' or 0-25"},
-           {mark("2", "26") + QStringList{"--lang", "af"}, 1, "Punte kan slegs ' ', 'A', 'a' of 0-25 wees"},
-           {mark("5", "1"), 1, "Column 5 of mark book 4 takes no marks: choose a task's column (2 to 41)."},
-           {mark("2", "1", "1"), 1, "There is no learner 1 in mark book 4."}},
-          4);
+    EXPECT_TRUE(matches_golden(session(data() + "/marks4.dbf",
+                                       {mark("2", "25"), mark("2", "25.1"), mark("2", "-1"),
+                                        mark("2", "26") + QStringList{"--lang", "af"}, mark("5", "1"),
+                                        mark("2", "1", "1")},
+                                       4),
+                               "app/mark.txt"));
 }
 
 // The column actions on book 1: refusals change no byte; what the marks
 // become is pinned by the column actions' own tests.
 TEST_F(CliBook, TheColumnActionsSayWhatTheyDidOrWhyNot) {
-    ASSERT_EQ(on("open", 1).exit_code, 0);
-    const auto scaled = on("scale", 1, {"--column", "3", "--average", "80"});
-    EXPECT_TRUE(QRegularExpression("^TAAK 2: 59\\.7 -> \\d+\\.\\d$").match(scaled.out.trimmed()).hasMatch())
-        << scaled.out.toStdString();
-    const QString no_marks = "Column %1 of mark book 1 takes no marks: choose a task's column (2 to 41).";
+    ASSERT_EQ(run({"open", "--data", data(), "--series", "1"}).exit_code, 0);
     write_bytes(drive.filePath("clip.txt"), "7\r\n-1\r\n8.25\r\n");
     const QString merit = drive.filePath("merit.pdf");
-    steps(data() + "/marks1.dbf",
-          {{{"scale", "--column", "6", "--average", "50"}, 1, "Scaling not possible on total columns ..."},
-           {{"scale", "--column", "2", "--average", "0"}, 1,
-            "The new average must be a number above 0: nothing was scaled."},
-           {{"scale", "--column", "1", "--average", "50"}, 1, no_marks.arg(1)},
-           {{"copy-column", "--from", "2", "--to", "42"}, 1, no_marks.arg(42)},
-           {{"paste-column", "--column", "3", "--file", "missing.txt"}, 1,
-            "The file " + QDir::current().absoluteFilePath("missing.txt") + " can't be read."},
-           {{"print", "meritlist", "--column", "24", "--pdf", "m.pdf"}, 1, no_marks.arg(24)},
-           {{"copy-column", "--from", "2", "--to", "3"}, 0, "TAAK 1 -> TAAK 2: 32 learners", true},
-           {{"paste-column", "--column", "3", "--file", drive.filePath("clip.txt")}, 0, "TAAK 2: 32 learners", true},
-           {{"print", "meritlist", "--column", "3", "--pdf", merit}, 0, ""}});
+    EXPECT_TRUE(matches_golden(
+        session(data() + "/marks1.dbf",
+                {{"scale", "--column", "3", "--average", "80"}, {"scale", "--column", "6", "--average", "50"},
+                 {"scale", "--column", "2", "--average", "0"}, {"scale", "--column", "1", "--average", "50"},
+                 {"copy-column", "--from", "2", "--to", "42"},
+                 {"paste-column", "--column", "3", "--file", "missing.txt"},
+                 {"print", "meritlist", "--column", "24", "--pdf", "m.pdf"},
+                 {"copy-column", "--from", "2", "--to", "3"},
+                 {"paste-column", "--column", "3", "--file", drive.filePath("clip.txt")},
+                 {"print", "meritlist", "--column", "3", "--pdf", merit}}),
+        "app/column_actions.txt"));
     EXPECT_TRUE(pdf_text(merit).contains("MERIT LIST 8 AFR 8A - TAAK 2"));
 }
 
@@ -234,48 +208,36 @@ TEST_F(CliBook, TheColumnActionsSayWhatTheyDidOrWhyNot) {
 // figures are pinned by the distribution's own tests), and the update of a
 // book from its class list.
 TEST_F(CliBook, ExportSymbolsAndSyncSayWhatTheyDid) {
-    steps(drive.filePath("marks5.dbf"),
-          {{{"export", "--task", "14"}, 0, "Marks for 10 WISK_10A exported sucessfully ...", true},
-           {{"export", "--task", "0"}, 1, "NO MARK SERIES SELECTED ... DOUBLE CLICK ON SERIES TO EXPORT  !"}},
-          5);
-    steps(data() + "/marks2.dbf", {{{"sync"}, 0, "marks2.dbf is up to date.", true}}, 2);
-    const QStringList rows = lines(on("symbols", 1).out);
-    ASSERT_EQ(rows.size(), 1 + 1 + 7 + 1);
-    EXPECT_TRUE(rows[0].startsWith("SYMBOL\tM1\tM2\t"));
-    EXPECT_TRUE(rows[9].startsWith("AVERAGE\t"));
+    const QString sessions =
+        session(drive.filePath("marks5.dbf"), {{"export", "--task", "14"}, {"export", "--task", "0"}}, 5) +
+        session(data() + "/marks2.dbf", {{"sync"}}, 2) + session(data() + "/marks1.dbf", {{"symbols"}});
+    EXPECT_TRUE(matches_golden(sessions, "app/export_sync_symbols.txt"));
 }
 
 // Books and series that are not there, each with the system's message.
 TEST_F(CliBook, RefusalsUseTheSystemsMessages) {
     QFile::remove(data() + "/punte9.dbf");
-    steps(data() + "/marks1.dbf",
-          {{{"print", "--series", "2", "markbook", "--pdf", drive.filePath("x.pdf")}, 1,
-            "1 No ranges available ... see 'MARK BOOK SETUP'"},
-           {{"open", "--series", "2"}, 1, "3 See 'MARK BOOK SETUP' to create mark book"},
-           {{"open", "--series", "99", "--lang", "af"}, 1, "Daar is geen puntereeks 99 in " + data() + " nie."},
-           {{"marks", "show", "--series", "9"}, 1, "There is no marks file PUNTE9.DBF in " + data() + "."},
-           {{"recalc"}, 2, "veldo-tally: recalc needs --series"}},
-          0);
+    EXPECT_TRUE(matches_golden(session(data() + "/marks1.dbf",
+                                       {{"print", "--series", "2", "markbook", "--pdf", drive.filePath("x.pdf")},
+                                        {"open", "--series", "2"}, {"open", "--series", "99", "--lang", "af"},
+                                        {"marks", "show", "--series", "9"}, {"recalc"}},
+                                       0),
+                               "app/refusals.txt"));
 }
 
 // The cycle marks words: each opens the series as the screen does and ends
 // with its save, or puts the table back where nothing was to change.
 TEST_F(CliBook, CycleMarksAreSetShownScaledAndPrinted) {
     const QString pdf = drive.filePath("marks.pdf"), xlsx = drive.filePath("marks.xlsx");
-    steps(data() + "/punte1.dbf",
-          {{{"marks", "set", "--input-total", "50", "--learner", "10001", "--value", "40", "--key", "3"}, 0,
-            "Botha, Anri: 40.0 3", true},
-           {{"marks", "set", "--input-total", "50", "--learner", "10002", "--value", "51"}, 1,
-            "Marks can only be ' ', 'A', 'a' or 0- 50"},
-           {{"marks", "set", "--input-total", "0", "--learner", "10002", "--value", "1"}, 1,
-            "The INPUT TOTAL must be above 0 and at most 9999: marks are input out of the SUBJECT TOTAL of 100."},
-           {{"marks", "set", "--learner", "99999", "--value", "1"}, 1, "There is no learner 99999 in mark series 1."},
-           {{"marks", "show", "--input-total", "50"}, 0, "MARK( 50): TOTAL 40.0, AVERAGE 80.0%"},
-           {{"marks", "show", "--lang", "af"}, 0, "10001\tBotha, Anri\t80.0\t3"},
-           {{"scale-marks", "--average", "70"}, 0, "MARK( 100): 80.0 -> 70.0", true},
-           {{"print", "marks", "--pdf", pdf}, 0, ""},
-           {{"print", "marks", "--xlsx", xlsx}, 0, ""},
-           {{"marks", "save"}, 0, "MARK( 100): TOTAL 70.0, AVERAGE 70.0%"}});
+    EXPECT_TRUE(matches_golden(
+        session(data() + "/punte1.dbf",
+                {{"marks", "set", "--input-total", "50", "--learner", "10001", "--value", "40", "--key", "3"},
+                 {"marks", "set", "--input-total", "50", "--learner", "10002", "--value", "51"},
+                 {"marks", "set", "--input-total", "0", "--learner", "10002", "--value", "1"},
+                 {"marks", "set", "--learner", "99999", "--value", "1"}, {"marks", "show", "--input-total", "50"},
+                 {"marks", "show", "--lang", "af"}, {"scale-marks", "--average", "70"},
+                 {"print", "marks", "--pdf", pdf}, {"print", "marks", "--xlsx", xlsx}, {"marks", "save"}}),
+        "app/cycle_marks.txt"));
     EXPECT_TRUE(pdf_text(pdf).contains("70.0%"));
     // The workbook holds the list and the averages as its last rows.
     const auto rows = sheet(xlsx);
@@ -287,18 +249,16 @@ TEST_F(CliBook, CycleMarksAreSetShownScaledAndPrinted) {
 // The assessment words and the mark list; the list's order and codes are
 // pinned by the mark list's own tests, here the options reach it.
 TEST_F(CliBook, AssessmentIsSetAndTheMarkListPrintsByRank) {
-    steps(data() + "/obe_p1.dbf",
-          {{{"obe", "set", "--mode", "3", "--learner", "10001", "--value", "40", "--key", "3", "--formative", "1,10",
-             "--input-total", "50"},
-            0, "10001\tBotha, Anri\t40.0\t3\t1\t10\t\t", true},
-           {{"obe", "set", "--mode", "0", "--learner", "10002", "--value", "40"}, 0, "10002\tVenter, Jaco\t40.0", true},
-           {{"obe", "set", "--mode", "1", "--learner", "10002", "--value", "7"}, 1,
-            "Mode 1 does not show the column MARK( 100)."},
-           {{"obe", "set", "--mode", "0", "--learner", "10002", "--value", "101"}, 1,
-            "Marks can only be ' ', 'A', 'a' or 0- 100"},
-           {{"obe", "show", "--mode", "2"}, 0, "10001\tBotha, Anri\t1\t10\t\t"},
-           {{"obe", "show", "--mode", "4"}, 2, "veldo-tally: obe takes show, set or save and --mode 0, 1, 2 or 3"},
-           {{"print", "marklist", "--rank", "--print-total", "50", "--pdf", drive.filePath("list.pdf")}, 0, ""}});
+    EXPECT_TRUE(matches_golden(
+        session(data() + "/obe_p1.dbf",
+                {{"obe", "set", "--mode", "3", "--learner", "10001", "--value", "40", "--key", "3", "--formative",
+                  "1,10", "--input-total", "50"},
+                 {"obe", "set", "--mode", "0", "--learner", "10002", "--value", "40"},
+                 {"obe", "set", "--mode", "1", "--learner", "10002", "--value", "7"},
+                 {"obe", "set", "--mode", "0", "--learner", "10002", "--value", "101"}, {"obe", "show", "--mode", "2"},
+                 {"obe", "show", "--mode", "4"},
+                 {"print", "marklist", "--rank", "--print-total", "50", "--pdf", drive.filePath("list.pdf")}}),
+        "app/assessment.txt"));
     const QString text = pdf_text(drive.filePath("list.pdf")).simplified();
     for (const char* part : {"2 10002 Venter, Jaco 40.0 120.0", "AVERAGE := 60.0 120.0%"})
         EXPECT_TRUE(text.contains(part)) << part << "\n" << text.toStdString();
@@ -310,11 +270,13 @@ TEST_F(CliBook, AssessmentIsSetAndTheMarkListPrintsByRank) {
 TEST_F(CliBook, ThePrintsGoToAPdfOrAWorkbook) {
     QDir().mkpath(drive.filePath("out"));
     // 38 learners: two pages for the first block, one for the second.
-    steps(data() + "/marks5.dbf",
-          {{{"print", "markbook", "--pdf", drive.filePath("book.pdf"), "--lang", "af"}, 0,
-            "DRUKWERK VOLTOOI (3 bladsye)"},
-           {{"print", "markbook", "--xlsx", drive.filePath("book.xlsx")}, 0, ""}},
-          5);
+    const QString symbols = drive.filePath("out/symbols.xlsx");
+    EXPECT_TRUE(matches_golden(session(data() + "/marks5.dbf",
+                                       {{"print", "markbook", "--pdf", drive.filePath("book.pdf"), "--lang", "af"},
+                                        {"print", "markbook", "--xlsx", drive.filePath("book.xlsx")}},
+                                       5) +
+                                   session(symbols, {{"print", "symbols", "--xlsx", symbols}}),
+                               "app/prints.txt"));
     EXPECT_TRUE(pdf_text(drive.filePath("book.pdf")).contains("BLADSY : 3"));
     QStringList book;  // the first cell of each row
     for (const QStringList& row : sheet(drive.filePath("book.xlsx"))) book << row.value(0);
@@ -323,9 +285,6 @@ TEST_F(CliBook, ThePrintsGoToAPdfOrAWorkbook) {
     EXPECT_EQ(book.mid(legend - 2, 2), (QStringList{"38", ""}));  // the last learner's row, a blank row
     EXPECT_EQ(book.mid(legend + 19), QStringList{"M20 SUBTOTAAL 2"});  // the first block's last column
 
-    const QString symbols = drive.filePath("out/symbols.xlsx");
-    steps(symbols, {{{"print", "symbols", "--xlsx", symbols}, 0,
-                     "EXPORT OF symbols TO " + drive.filePath("out") + "/symbols COMPLETE !!", true}});
     const auto cells = sheet(symbols);
     ASSERT_GE(cells.size(), 15);
     const auto cell = [&](int row, int col) { return cells.at(row).value(col); };
@@ -340,29 +299,21 @@ TEST_F(CliBook, ThePrintsGoToAPdfOrAWorkbook) {
 // pinned by the setup screen's own tests.
 TEST_F(CliBook, TheSetupWordsEditCopyAndMoveWithExitCodes) {
     const QString setup = data() + "/setup_8  AFR__8A.txt";
-    steps(setup,
-          {{{"setup", "show", "--series", "1"}, 0, "5\tKLASWERK\t40\t11\t40\t"},
-           {{"setup", "set", "--series", "1", "--row", "22", "--name", "eksamen 3", "--total", "x"}, 1,
-            "TOTAL must be a number, not \"X\"."},
-           {{"setup", "set", "--series", "1", "--row", "41", "--name", "A"}, 1, "The row must be 1 to 40, not \"41\"."},
-           {{"setup", "set", "--series", "1", "--row", "22", "--total", "50"}, 1,
-            "Row 22 has no name: a row is only cleared by remove."},
-           {{"setup", "set", "--series", "1", "--row", "22", "--name", "eksamen 3", "--total", "50"}, 0,
-            "setup_8  AFR__8A.txt", true},
-           {{"setup", "show", "--series", "1"}, 0, "22\tEKSAMEN 3\t50\t\t\t"},
-           {{"setup", "insert", "--series", "1", "--line", "0"}, 1, "The line must be above 0."},
-           {{"setup", "insert", "--series", "1", "--line", "3"}, 0, "setup_8  AFR__8A.txt", true},
-           {{"setup", "remove", "--series", "1", "--row", "3"}, 0, "setup_8  AFR__8A.txt", true},
-           {{"setup", "example", "--series", "2"}, 0, "setup_8  WISK8B.txt"},
-           {{"copy-setup", "--from", "1", "--to", "3,6"}, 0, "2 setup(s) copied"},
-           {{"copy-setup", "--from", "1", "--to", "99"}, 1, "There is no mark series 99 in " + data() + "."},
-           {{"move-learner", "--from", "8A", "--to", "8A", "--learner", "10001"}, 1,
-            "'FROM' and 'TO' GROUPS MUST DIFFER ..."},
-           {{"move-learner", "--from", "8A", "--to", "10A", "--learner", "99999"}, 1,
-            "Learner 99999 is not in group 8A."},
-           {{"move-learner", "--from", "8A", "--to", "10A", "--learner", "10001"}, 0,
-            "10001: from group 8A to group 10A"}},
-          0);
+    const QStringList row22{"setup", "set", "--series", "1", "--row", "22"};
+    EXPECT_TRUE(matches_golden(
+        session(setup,
+                {{"setup", "show", "--series", "1"}, row22 + QStringList{"--name", "eksamen 3", "--total", "x"},
+                 {"setup", "set", "--series", "1", "--row", "41", "--name", "A"}, row22 + QStringList{"--total", "50"},
+                 row22 + QStringList{"--name", "eksamen 3", "--total", "50"}, {"setup", "show", "--series", "1"},
+                 {"setup", "insert", "--series", "1", "--line", "0"},
+                 {"setup", "insert", "--series", "1", "--line", "3"},
+                 {"setup", "remove", "--series", "1", "--row", "3"}, {"setup", "example", "--series", "2"},
+                 {"copy-setup", "--from", "1", "--to", "3,6"}, {"copy-setup", "--from", "1", "--to", "99"},
+                 {"move-learner", "--from", "8A", "--to", "8A", "--learner", "10001"},
+                 {"move-learner", "--from", "8A", "--to", "10A", "--learner", "99999"},
+                 {"move-learner", "--from", "8A", "--to", "10A", "--learner", "10001"}},
+                0),
+        "app/setup_words.txt"));
     EXPECT_EQ(read_bytes(data() + "/setup_9ENHL9A.txt"), read_bytes(setup));  // copies land under the shortest key
 }
 

@@ -15,6 +15,7 @@
 #include "markbook/setup_model.h"
 #include "store/dbf_table.h"
 #include "tests/support/program_run.h"
+#include "tests/support/temp_drive.h"
 #include "util/text_helpers.h"
 
 namespace veldo {
@@ -33,9 +34,7 @@ State state_of(const QString& root) {
         const QString path = it.next();
         QList<QStringList>& rows = state[QDir(root).relativeFilePath(path)];
         if (path.endsWith(".txt")) {
-            QFile f(path);
-            f.open(QIODevice::ReadOnly);
-            for (const SetupRow& r : MarkBookSetup::from_file_bytes(f.readAll()).rows)
+            for (const SetupRow& r : MarkBookSetup::from_file_bytes(testing::read_bytes(path)).rows)
                 rows << QStringList{r.name, r.total, r.target, r.out_of, r.cycle};
             continue;
         }

@@ -7,11 +7,9 @@
 #include <QDir>
 #include <QHeaderView>
 #include <QInputDialog>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTableView>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -38,6 +36,11 @@ struct DesktopWidgets : ::testing::Test {
     QString program = drive.filePath("Apps/VELDO-TALLY");
     QString school = drive.filePath("school");
     QString start_folder = QDir::currentPath();  // the start moves into the program folder
+    // Every box that opens is answered as a teacher would: 50 for an input
+    // total, No to a print, Yes or OK to the rest; `said` keeps what each box
+    // said.
+    QStringList said;
+    QTimer answerer;
 
     // A desktop started and past the splash: language 1 Afrikaans, 2 English.
     static bool started(Desktop& desktop, int language = 2) {
@@ -57,9 +60,26 @@ struct DesktopWidgets : ::testing::Test {
         menu(desktop, "punte_mnu")->entry_button(entry)->click();
         return menu(desktop, entry == 2 ? "punte_menu2" : "punte_menu1");
     }
+    void answer(QWidget* w) {
+        if (auto* box = qobject_cast<QInputDialog*>(w); box && box->isVisible()) {
+            said << box->labelText();
+            box->setTextValue("50");
+            box->accept();
+        }
+        if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
+            said << box->text();
+            QAbstractButton* b = box->button(box->text().contains("PRINT") ? QMessageBox::No : QMessageBox::Yes);
+            if (!b) b = box->button(QMessageBox::Ok);
+            if (b) b->click();
+        }
+    }
     void SetUp() override {
         qputenv("KESTRALIN_DRIVE", drive.path().toUtf8());
         QDir().mkpath(program);
+        QObject::connect(&answerer, &QTimer::timeout, [this] {
+            for (QWidget* w : QApplication::topLevelWidgets()) answer(w);
+        });
+        answerer.start(20);
     }
     void TearDown() override {
         qunsetenv("KESTRALIN_DRIVE");
@@ -94,12 +114,8 @@ TEST_F(DesktopWidgets, ALanguageClickLeadsFromTheSplashToTheMenus) {
 
 TEST_F(DesktopWidgets, ASecondCopyEndsBeforeAnyMenu) {
     Desktop desktop(program, [] { return true; });
-    // The refusal shows a message box; answer it at once.
-    QTimer::singleShot(0, [] {
-        for (QWidget* w : QApplication::topLevelWidgets())
-            if (w->inherits("QMessageBox")) w->close();
-    });
     EXPECT_FALSE(desktop.start());
+    EXPECT_EQ(said.size(), 1) << "the refusal's message";
     EXPECT_TRUE(desktop.ended());
     EXPECT_FALSE(desktop.is_loaded("punte_mnu"));
 }
@@ -122,20 +138,14 @@ TEST_F(DesktopWidgets, TheMenusWorkFromTheKeyboard) {
     ASSERT_TRUE(started(desktop));
     // Keys go to the entry that would have the keyboard: an offscreen window
     // is not always the active one, so focus can't be relied on here.
-    const auto key = [](QWidget* target, int code, const QString& text = QString()) {
-        QKeyEvent press(QEvent::KeyPress, code, Qt::NoModifier, text);
-        QKeyEvent release(QEvent::KeyRelease, code, Qt::NoModifier, text);
-        QApplication::sendEvent(target, &press);
-        QApplication::sendEvent(target, &release);
-    };
-    for (const auto& [code, text] : {std::pair{Qt::Key_Return, ""}, {Qt::Key_Space, " "}}) {
+    for (const Qt::Key code : {Qt::Key_Return, Qt::Key_Space}) {
         SCOPED_TRACE(code);
         MenuWidget* top = menu(desktop, "punte_mnu");
         ASSERT_TRUE(top);
-        key(top->entry_button(2), code, text);
+        QTest::keyClick(top->entry_button(2), code);
         MenuWidget* book = menu(desktop, "punte_menu2");
         ASSERT_TRUE(book) << "the key presses the focused entry";
-        key(book->entry_button(1), Qt::Key_Escape);
+        QTest::keyClick(book->entry_button(1), Qt::Key_Escape);
         EXPECT_FALSE(desktop.is_loaded("punte_menu2")) << "Escape goes back to the top menu";
     }
 }
@@ -146,18 +156,7 @@ bool holds(QWidget* outer, QWidget* inner) { return inner && (inner == outer || 
 // screen closes.
 TEST_F(DesktopWidgets, TheKeyboardComesBackToTheMenuBehindAClosedScreen) {
     Desktop desktop(program, [] { return false; });
-    ASSERT_TRUE(started(desktop));
-    const QString data = drive.filePath("data");
-    QDir().mkpath(data);
-    QFile(data + "/exp_mrk_control.txt").open(QIODevice::WriteOnly);
-    desktop.context().run.data_folder = data;
-    desktop.QMainWindow::show();
-    desktop.activateWindow();
-    QApplication::setActiveWindow(&desktop);
-    QApplication::processEvents();
-
-    menu(desktop, "punte_mnu")->entry_button(2)->click();
-    MenuWidget* book = menu(desktop, "punte_menu2");
+    MenuWidget* book = mark_book_menu(desktop);
     ASSERT_TRUE(book);
     EXPECT_TRUE(holds(book, desktop.focusWidget()));
     book->entry_button(1)->click();
@@ -171,8 +170,7 @@ TEST_F(DesktopWidgets, TheKeyboardComesBackToTheMenuBehindAClosedScreen) {
     EXPECT_FALSE(desktop.is_loaded("pboek_opstel"));
     EXPECT_TRUE(holds(book, QApplication::focusWidget()));
     // The menu's own keys work again: Escape goes back to the top menu.
-    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-    QApplication::sendEvent(QApplication::focusWidget(), &escape);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     EXPECT_FALSE(desktop.is_loaded("punte_menu2"));
     EXPECT_TRUE(holds(desktop.screen_widget("punte_mnu"), QApplication::focusWidget()));
 }
@@ -210,7 +208,9 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     MarksGridView* grid = input->grid();
     ASSERT_FALSE(grid->isHidden());
     ASSERT_EQ(grid->model()->rowCount(), 32);
-    EXPECT_EQ(grid->currentIndex(), grid->model()->index(0, 2));
+    const auto at = [&](int row, int column) { return grid->model()->index(row, column); };
+    const auto shown = [&](int row, int column = 2) { return grid->model()->data(at(row, column)).toString(); };
+    EXPECT_EQ(grid->currentIndex(), at(0, 2));
     EXPECT_TRUE(grid->isColumnHidden(30));
     // The learner columns stay on the left; a heading is never cut.
     EXPECT_FALSE(grid->frozen_view()->isColumnHidden(1));
@@ -219,68 +219,56 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
         if (!grid->isColumnHidden(c))
             EXPECT_GE(grid->columnWidth(c), grid->horizontalHeader()->sectionSizeHint(c)) << c;
 
-    int boxes = 0;
-    QString said;
-    QTimer closer;
-    QObject::connect(&closer, &QTimer::timeout, [&] {
-        for (QWidget* w : QApplication::topLevelWidgets())
-            if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
-                ++boxes;
-                said = box->text();
-                box->close();
-            }
-    });
-    closer.start(20);
     auto type = [&](const QString& keys, Qt::Key end) {
         for (const QChar key : keys) QTest::keyClicks(QApplication::focusWidget(), QString(key));
         QTest::keyClick(QApplication::focusWidget(), end);
         QTest::qWait(80);
     };
-    auto shown = [&](int row) { return grid->model()->data(grid->model()->index(row, 2)).toString(); };
-    const QString kept = shown(2);
+    struct Key {
+        const char* keys;
+        Qt::Key end;
+        int row;            // typed into, in column 2
+        const char* shows;  // there afterwards; nullptr: what it showed before
+        int cursor;         // the cursor's row afterwards, in column 2
+    };
+    const Key keys[] = {{"7", Qt::Key_Return, 0, "7.0", 1}, {"11", Qt::Key_Return, 1, nullptr, 1},  // refused
+                        {"9.5", Qt::Key_Return, 1, "9.5", 2}, {"4", Qt::Key_Escape, 2, nullptr, 2}};
     desktop.context().run.last_activity = 0;
-    type("7", Qt::Key_Return);
-    EXPECT_GT(desktop.context().run.last_activity, 0);
-    EXPECT_EQ(shown(0), "7.0");
-    EXPECT_EQ(grid->currentIndex(), grid->model()->index(1, 2));
-
-    type("11", Qt::Key_Return);
-    EXPECT_EQ(boxes, 1);
-    EXPECT_TRUE(said.contains("10")) << said.toStdString();
-    EXPECT_EQ(grid->currentIndex(), grid->model()->index(1, 2));
-    // The keyboard is back in the grid once the frame is active again (the
-    // window manager's part when the box closes).
-    EXPECT_EQ(desktop.focusWidget(), grid);
-    QApplication::setActiveWindow(&desktop);
-    EXPECT_EQ(QApplication::focusWidget(), grid);
-    const QString refused_over = shown(1);
-
-    type("9.5", Qt::Key_Return);
-    type("4", Qt::Key_Escape);
-    EXPECT_EQ(grid->currentIndex(), grid->model()->index(2, 2));
-    EXPECT_EQ(shown(2), kept);
-    EXPECT_EQ(boxes, 1);
-    EXPECT_NE(refused_over, "11.0");
+    for (const Key& k : keys) {
+        SCOPED_TRACE(k.keys);
+        const QString before = shown(k.row);
+        type(k.keys, k.end);
+        EXPECT_GT(desktop.context().run.last_activity, 0);
+        EXPECT_EQ(shown(k.row), k.shows ? QString(k.shows) : before);
+        EXPECT_EQ(grid->currentIndex(), at(k.cursor, 2));
+        // The keyboard is back in the grid once the frame is active again (the
+        // window manager's part when a box closes).
+        EXPECT_EQ(desktop.focusWidget(), grid);
+        QApplication::setActiveWindow(&desktop);
+        EXPECT_EQ(QApplication::focusWidget(), grid);
+    }
+    ASSERT_EQ(said.size(), 1);
+    EXPECT_TRUE(said[0].contains("10")) << said[0].toStdString();
 
     // Moves land past the learner and total columns, the selection with the
     // cursor; so does a click on a total.
     auto takes_marks = [&](int c) {
-        return !grid->isColumnHidden(c) && !grid->model()->data(grid->model()->index(0, c), Qt::BackgroundRole).isValid();
+        return !grid->isColumnHidden(c) && !grid->model()->data(at(0, c), Qt::BackgroundRole).isValid();
     };
     int last = grid->model()->columnCount() - 1;
     while (!takes_marks(last)) --last;
     QTest::keyClick(grid, Qt::Key_End);
-    EXPECT_EQ(grid->currentIndex(), grid->model()->index(2, last));
+    EXPECT_EQ(grid->currentIndex(), at(2, last));
     EXPECT_EQ(grid->selectionModel()->selectedIndexes(), QModelIndexList{grid->currentIndex()});
     QTest::keyClick(grid, Qt::Key_Home);
-    EXPECT_EQ(grid->currentIndex(), grid->model()->index(2, 2));
+    EXPECT_EQ(grid->currentIndex(), at(2, 2));
     int total = 3;
     while (takes_marks(total)) ++total;
     int after = total + 1;
     while (!takes_marks(after)) ++after;
-    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(grid->model()->index(4, total)).center());
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(at(4, total)).center());
     QTest::qWait(20);
-    EXPECT_EQ(grid->currentIndex(), grid->model()->index(4, after));
+    EXPECT_EQ(grid->currentIndex(), at(4, after));
     EXPECT_EQ(grid->selectionModel()->selectedIndexes(), QModelIndexList{grid->currentIndex()});
     // Keys reach the grid from one mark to the next, and Tab's editor keeps
     // them, even while the window is not the active one (a desktop without a
@@ -288,14 +276,13 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     QApplication::setActiveWindow(nullptr);
     type("1", Qt::Key_Return);
     type("2", Qt::Key_Return);
-    EXPECT_EQ(grid->model()->data(grid->model()->index(5, after)).toString(), "2.0");
+    EXPECT_EQ(shown(5, after), "2.0");
     // Tab over a typed mark stores it and types on in the next column that
     // takes marks.
-    grid->setCurrentIndex(grid->model()->index(6, 2));
+    grid->setCurrentIndex(at(6, 2));
     type("6", Qt::Key_Tab);
     type("7", Qt::Key_Tab);
-    EXPECT_EQ(shown(6), "6.0");
-    EXPECT_EQ(grid->model()->data(grid->model()->index(6, 3)).toString(), "7.0");
+    EXPECT_EQ((QStringList{shown(6), shown(6, 3)}), (QStringList{"6.0", "7.0"}));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     QApplication::setActiveWindow(&desktop);
     EXPECT_EQ(shown(1), "9.5");
@@ -314,27 +301,7 @@ TEST_F(DesktopWidgets, CycleMarksAreKeyedWithTheirEffortKeys) {
     auto* input = qobject_cast<MarksInputWidget*>(desktop.screen_widget("punte_inlees"));
     ASSERT_TRUE(input);
 
-    // Every box is answered as a teacher would: 50 for the input total, Yes
-    // to effort keys, No to the print, OK to the rest.
-    QStringList said;
-    QTimer answerer;
-    QObject::connect(&answerer, &QTimer::timeout, [&] {
-        for (QWidget* w : QApplication::topLevelWidgets()) {
-            if (auto* box = qobject_cast<QInputDialog*>(w); box && box->isVisible()) {
-                said << box->labelText();
-                box->setTextValue("50");
-                box->accept();
-            }
-            if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
-                said << box->text();
-                const bool print = box->text().contains("PRINT");
-                QAbstractButton* b = box->button(print ? QMessageBox::No : QMessageBox::Yes);
-                if (!b) b = box->button(QMessageBox::Ok);
-                if (b) b->click();
-            }
-        }
-    });
-    answerer.start(20);
+    // 50 for the input total, Yes to effort keys.
     input->series_list()->setCurrentCell(0, 0);
     QTest::keyClick(input->series_list(), Qt::Key_Return);
     EXPECT_EQ(said, (QStringList{"INPUT TOTAL\r\n\r\n[ SUBJECT TOTAL =  100 ]\r\n", "Busy converting marks from 100 to 50!",
@@ -391,15 +358,6 @@ TEST_F(DesktopWidgets, TheMarkBookMenuOpensThePrintScreen) {
         chosen = dialog->findChild<QLabel*>("vak_ops")->text();
         dialog->findChild<QPushButton*>("pboek_druk_exit")->click();
     });
-    QStringList said;  // none expected; a box left open would hang the test
-    QTimer closer;
-    QObject::connect(&closer, &QTimer::timeout, [&] {
-        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-            said << box->text();
-            box->close();
-        }
-    });
-    closer.start(100);
     menu->entry_button(3)->click();
     EXPECT_EQ(said, QStringList());
     EXPECT_EQ(rows, 9);
