@@ -1,7 +1,9 @@
 #include "exchange/symbol_distribution.h"
 
 #include <QDir>
+#include <algorithm>
 #include <array>
+#include <vector>
 
 #include "markbook/marks_table.h"
 #include "markbook/setup_file.h"
@@ -9,6 +11,7 @@
 #include "store/record_store.h"
 #include "store/series.h"
 #include "store/table_layouts.h"
+#include "util/cp1252.h"
 #include "util/file_lookup.h"
 #include "util/legacy_number.h"
 #include "util/text_helpers.h"
@@ -78,30 +81,56 @@ bool build_symbol_distribution(RecordStore& store, const QStringList& row, int s
     }
 
     // The walk goes by position: column t is the t-th field after the name,
-    // whatever rows the setup left blank.
+    // whatever rows the setup left blank. Each symbol's count is kept as a
+    // number and written once at the end, as so many additions of one to
+    // what its cell held.
     std::array<double, 41> symbol_sum{};
     std::array<int, 41> symbol_count{};
+    std::array<double, 41> task_total{};
+    const int last_field = std::min(used_tasks + 1, marks->field_count() - 1);
+    for (int i = 2; i <= last_field; ++i) task_total[std::size_t(i - 1)] = Val(setup.rows[i - 2].total);
+    std::vector<std::array<int, 41>> counts(std::size_t(ranges.size()), std::array<int, 41>{});
     const int first_symbol_row = 2;
     for (marks->MoveFirst(); !marks->Eof(); marks->MoveNext()) {
-        for (int i = 2; i <= used_tasks + 1 && i < marks->field_count(); ++i) {
+        const QByteArrayView record = marks->record_bytes();
+        for (int i = 2; i <= last_field; ++i) {
             const int t = i - 1;
-            const QVariant value = marks->value(i);
-            if (!value.isValid()) continue;
-            const QString text = toets_null_text(value).trimmed();
-            if (text.isEmpty() || text.toUpper() == "A") continue;
-            const double total = Val(setup.rows[t - 1].total);
-            const double percent = total <= 0 ? Val(text) : Val(text) / total * 100;
+            double mark = 0;
+            const DbfField& field = marks->field(i);
+            if (field.type == DbfType::Character && !record.isEmpty()) {
+                // The stored bytes as the value's text would read: up to a
+                // NUL, nothing when every byte is blank.
+                const char* p = record.data() + marks->field_offset(i);
+                if (std::all_of(p, p + field.width, [](char c) { return c == ' ' || c == '\0'; })) continue;
+                const QLatin1StringView text =
+                    cp1252::trimmed(QLatin1StringView(p, std::find(p, p + field.width, '\0') - p));
+                if (text.isEmpty() || text == QLatin1StringView("A") || text == QLatin1StringView("a")) continue;
+                mark = Val(text);
+            } else {
+                const QVariant value = marks->value(i);
+                if (!value.isValid()) continue;
+                const QString text = toets_null_text(value).trimmed();
+                if (text.isEmpty() || text.toUpper() == "A") continue;
+                mark = Val(text);
+            }
+            const double total = task_total[std::size_t(t)];
+            const double percent = total <= 0 ? mark : mark / total * 100;
             symbol_sum[t] += percent;
             symbol_count[t] += 1;
             for (int s = 0; s < ranges.size(); ++s) {
                 if (ranges[s].lower <= percent && percent <= ranges[s].upper) {
-                    const int r = first_symbol_row + s;
-                    grid.set_text(r, t, QString::number(int(Val(grid.text(r, t))) + 1));
+                    ++counts[std::size_t(s)][std::size_t(t)];
                     break;
                 }
             }
         }
     }
+    for (int s = 0; s < ranges.size(); ++s)
+        for (int t = 1; t <= 40; ++t)
+            if (const int n = counts[std::size_t(s)][std::size_t(t)]; n > 0) {
+                const int r = first_symbol_row + s;
+                grid.set_text(r, t, QString::number(int(Val(grid.text(r, t))) + n));
+            }
 
     grid.add_item(run.tr("GEMIDDELD", "AVERAGE"));
     const int last = grid.rows() - 1;

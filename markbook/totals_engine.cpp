@@ -15,19 +15,6 @@
 namespace veldo {
 namespace {
 
-// The blanks QString::trimmed takes off, as they fall in Windows-1252.
-bool is_blank_byte(char c) {
-    const auto u = static_cast<unsigned char>(c);
-    return u == ' ' || (u >= 0x09 && u <= 0x0D) || u == 0xA0;
-}
-
-QLatin1StringView trimmed(QLatin1StringView v) {
-    qsizetype from = 0, to = v.size();
-    while (from < to && is_blank_byte(v[from].toLatin1())) ++from;
-    while (to > from && is_blank_byte(v[to - 1].toLatin1())) --to;
-    return v.sliced(from, to - from);
-}
-
 // A stored field's text as the table layer hands it back, in the table's own
 // single-byte code: a character field up to its first NUL, a memo or other
 // field whole; Null (nullopt) when every byte is blank. Other types are no
@@ -91,7 +78,7 @@ public:
     bool has(int f) const { return f >= 0 && f < int(values_.size()); }
     bool is_null(int f) const { return values_[std::size_t(f)].null; }
     // The value through the null test, trimmed.
-    QLatin1StringView normalised(int f) const { return is_null(f) ? QLatin1StringView() : trimmed(text(f)); }
+    QLatin1StringView normalised(int f) const { return is_null(f) ? QLatin1StringView() : cp1252::trimmed(text(f)); }
     double number(int f) const {
         const Value& v = values_[std::size_t(f)];
         if (v.has_number) return tenths_value(v);
@@ -112,7 +99,7 @@ public:
     void set(int f, QLatin1StringView text) {
         Value& v = values_[std::size_t(f)];
         const QLatin1StringView stored = text.left(widths_[std::size_t(f)]);
-        v.null = trimmed(stored).isEmpty();
+        v.null = cp1252::trimmed(stored).isEmpty();
         v.own.assign(stored.data(), std::size_t(stored.size()));
         v.text = QLatin1StringView(v.own.data(), qsizetype(v.own.size()));
         v.changed = true;

@@ -46,4 +46,18 @@ QByteArray encode(const QString& text) {
     return out;
 }
 
+namespace {
+bool is_blank(char c) {
+    const auto u = static_cast<unsigned char>(c);
+    return u == ' ' || (u >= 0x09 && u <= 0x0D) || u == 0xA0;
+}
+}  // namespace
+
+QLatin1StringView trimmed(QLatin1StringView bytes) {
+    qsizetype from = 0, to = bytes.size();
+    while (from < to && is_blank(bytes[from].toLatin1())) ++from;
+    while (to > from && is_blank(bytes[to - 1].toLatin1())) --to;
+    return bytes.sliced(from, to - from);
+}
+
 }  // namespace veldo::cp1252

@@ -16,5 +16,8 @@ QByteArray encode(const QString& text);
 // The code of one character, or -1 when the page lacks it.
 int code_of(QChar c);
 QChar char_of(unsigned char code);
+// Bytes less the blanks at both ends that QString::trimmed takes off the
+// decoded text: tab to carriage return, space and the no-break space.
+QLatin1StringView trimmed(QLatin1StringView bytes);
 
 }  // namespace veldo::cp1252
