@@ -56,6 +56,24 @@ struct DemoSchool : ShellFixture {
                 }
     }
     QString shown(const QString& file) const { return QDir::toNativeSeparators(file); }
+    // A session written down a step at a time, for a golden file: the step,
+    // the messages, prompts and beeps it brought, then the lines the test
+    // adds; the dialogs start afresh for the next step.
+    QString session;
+    void step(const QString& name, const QStringList& state = {}) {
+        static const char* icons[] = {"None", "Critical", "Question", "Exclamation", "Information"};
+        static const char* buttons[] = {"Ok", "OkCancel", "YesNo", "YesNoCancel", "AbortRetryIgnore"};
+        QStringList lines{"== " + name};
+        for (const ShownMessage& m : dialogs.messages)
+            lines << QString("message %1 %2: %3").arg(icons[int(m.icon)], buttons[int(m.buttons)], m.text);
+        for (const QString& p : dialogs.prompts) lines << "prompt: " + p;
+        if (dialogs.beeps) lines << QString("beeps: %1").arg(dialogs.beeps);
+        lines += state;
+        for (QString& line : lines) session += line.replace("\r", "\\r").replace("\n", "\\n") + '\n';
+        dialogs.messages.clear();
+        dialogs.prompts.clear();
+        dialogs.beeps = 0;
+    }
     // The grid row of learner `number` on an input screen; -1 when not there.
     template <class Input>
     static int row_of(Input& input, int number) {
