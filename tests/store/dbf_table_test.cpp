@@ -446,9 +446,8 @@ TEST_F(DbfRead, NumbersDatesAndLogicalsAreTyped) {
 
 TEST_F(DbfRead, FieldsAreFoundByNameIgnoringCaseAndAnUnknownNameIsNull) {
     auto t = DbfTable::open(marks_table({"Anna"}));
-    EXPECT_EQ(t->field_index("punt"), 1);
-    EXPECT_EQ(t->field_index("Datum"), 2);
-    EXPECT_EQ(t->field_index("SIMBOOL"), -1);
+    EXPECT_EQ((QList<int>{t->field_index("punt"), t->field_index("Datum"), t->field_index("SIMBOOL")}),
+              (QList<int>{1, 2, -1}));
     EXPECT_DOUBLE_EQ(t->value("punt").toDouble(), 10.0);
     EXPECT_EQ(t->last_error().code, DbfError::None);
     EXPECT_TRUE(refused(t->value("SIMBOOL").isValid(), *t, DbfError::NoSuchField));
@@ -521,28 +520,24 @@ protected:
     }
 };
 
-TEST_F(DbfWalk, AnEmptyTableIsAtBofAndEof) {
-    auto t = DbfTable::open(marks_table({}));
-    EXPECT_EQ(t->RecordCount(), 0);
-    walk(*t, {{"", "-1 BOF EOF"}, {"next", "-1 BOF EOF"}, {"last", "-1 BOF EOF"}, {"-3", "-1 BOF EOF"},
-              {"refused delete", "-1 BOF EOF"}});
-    EXPECT_TRUE(refused(t->value(0).isValid(), *t, DbfError::NoCurrentRecord));
-    EXPECT_FALSE(t->Edit());
-}
+// Moves stop at BOF and EOF, an empty table stands at both, and deleted
+// records are never seen.
+TEST_F(DbfWalk, MovesStopAtBofAndEofAndPassDeletedRecords) {
+    auto empty = DbfTable::open(marks_table({}));
+    walk(*empty, {{"", "-1 BOF EOF"}, {"next", "-1 BOF EOF"}, {"last", "-1 BOF EOF"}, {"-3", "-1 BOF EOF"},
+                  {"refused delete", "-1 BOF EOF"}});
+    EXPECT_TRUE(refused(empty->value(0).isValid(), *empty, DbfError::NoCurrentRecord));
+    EXPECT_FALSE(empty->Edit());
 
-TEST_F(DbfWalk, MovesStopAtBofAndEof) {
-    auto t = DbfTable::open(marks_table({"A", "B", "C", "D", "E"}));
-    EXPECT_EQ(t->RecordCount(), 5);
-    walk(*t, {{"", "0 A"}, {"2", "2 C"}, {"-1", "1 B"}, {"-10", "-1 BOF"}, {"next", "0 A"}, {"100", "-1 EOF"},
-              {"next", "-1 EOF"}, {"previous", "4 E"}, {"first", "0 A"}, {"last", "4 E"}});
-}
+    auto five = DbfTable::open(marks_table({"A", "B", "C", "D", "E"}, "five.dbf"));
+    walk(*five, {{"", "0 A"}, {"2", "2 C"}, {"-1", "1 B"}, {"-10", "-1 BOF"}, {"next", "0 A"}, {"100", "-1 EOF"},
+                 {"next", "-1 EOF"}, {"previous", "4 E"}, {"first", "0 A"}, {"last", "4 E"}});
 
-TEST_F(DbfWalk, DeletedRecordsAreNeverSeen) {
     write_bytes(path("t.dbf"), raw_table({{"NAAM", 'C', 1}}, {" A", "*B", " C", "*D", " E"}, {.end_marker = true}));
-    auto t = DbfTable::open(path("t.dbf"));
-    EXPECT_EQ(t->RecordCount(), 3);
-    EXPECT_EQ(walk_names(*t), (QStringList{"A", "C", "E"}));
-    walk(*t, {{"last", "2 E"}, {"-1", "1 C"}});
+    auto deleted = DbfTable::open(path("t.dbf"));
+    EXPECT_EQ(walk_names(*deleted), (QStringList{"A", "C", "E"}));
+    walk(*deleted, {{"last", "2 E"}, {"-1", "1 C"}});
+    EXPECT_EQ((QList<int>{empty->RecordCount(), five->RecordCount(), deleted->RecordCount()}), (QList<int>{0, 5, 3}));
 }
 
 // After a Delete there is no current record until the next move; MoveNext
@@ -641,13 +636,11 @@ TEST_F(DbfWalk, AnotherWorkstationsChangesAreKept) {
 TEST_F(DbfWalk, ClosedTableAnswersWithoutCrashing) {
     auto t = DbfTable::open(marks_table({"A"}));
     t->Close();
-    EXPECT_FALSE(t->is_open());
     EXPECT_TRUE(t->Eof());
     EXPECT_EQ(t->field_count(), 0);
-    EXPECT_FALSE(t->value(0).isValid());
-    EXPECT_FALSE(t->AddNew());
-    EXPECT_FALSE(t->Update());
-    EXPECT_FALSE(t->flush());
+    // Open, a value, AddNew, Update, flush: all no.
+    EXPECT_EQ((QList<bool>{t->is_open(), t->value(0).isValid(), t->AddNew(), t->Update(), t->flush()}),
+              QList<bool>(5, false));
     ASSERT_TRUE(t->Refresh());
     EXPECT_EQ(t->RecordCount(), 1);
 }
