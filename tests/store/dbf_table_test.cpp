@@ -779,9 +779,8 @@ TEST_F(DbfBatch, HoldsTheTableUntilItIsCommitted) {
     theirs->set_value(0, QStringLiteral("Theirs"));
     DbfError error;
     EXPECT_FALSE(theirs->Update(&error));
-    EXPECT_EQ(error.code, DbfError::InUse);
-    EXPECT_EQ(dbf_error_message(error, false), "DATASET " + p + "  ALREADY IN  USE ... TRY AGAIN LATER !");
-    EXPECT_EQ(dbf_error_message(error, true), "DATASTEL " + p + "  REEDS IN GEBRUIK ... PROBEER WEER LATER !");
+    EXPECT_EQ(error.code, DbfError::InUse);  // the system's in-use message, as DbfMessage pins it
+    EXPECT_EQ(error.path, p);
     EXPECT_TRUE(refused(theirs->Edit(), *theirs, DbfError::InUse));
     EXPECT_FALSE(theirs->begin_batch());
 
@@ -812,7 +811,6 @@ TEST_F(DbfBatch, AReplacedTableIsNoticed) {
     const QString fresh = marks_table({"B", "A", "C"}, "fresh.dbf");
     ASSERT_EQ(std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(p).constData()), 0);
     EXPECT_TRUE(refused(held->Edit(), *held, DbfError::Replaced));
-    EXPECT_TRUE(dbf_error_message(held->last_error(), false).contains("rebuilt by another workstation"));
     ASSERT_TRUE(held->AddNew());
     EXPECT_TRUE(refused(held->Update(), *held, DbfError::Replaced));
     ASSERT_TRUE(held->begin_batch());
