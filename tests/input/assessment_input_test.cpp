@@ -10,6 +10,8 @@
 #include "input/mark_lists.h"
 #include "store/table_layouts.h"
 #include "tests/markbook/demo_school_fixture.h"
+#include "tests/support/golden.h"
+#include "tests/support/shell_transcript.h"
 #include "tests/support/unprivileged.h"
 #include "util/text_grid.h"
 
@@ -51,61 +53,43 @@ TEST_F(Assessment, ATeacherKeysMarksKeysAndFormativeCodesAndSaves) {
     EXPECT_EQ(input.caption(), "OBE INPUT");
     dialogs.inputs.enqueue("50");
     ASSERT_TRUE(input.open_subject(0));
-    EXPECT_EQ(dialogs.prompts, QStringList{"INPUT TOTAL\r\n\r\n[ SUBJECT TOTAL =  100 ]\r\n"});
+    step("open out of 50", input.mode_captions());
     // The mode comes before anything is copied or converted.
     EXPECT_TRUE(input.choosing_mode());
     EXPECT_FALSE(input.series_open());
     EXPECT_FALSE(QFile::exists(run.data_folder + "/OBE_P1.BAK"));
-    EXPECT_EQ(input.mode_captions(),
-              (QStringList{"SUMMATIVE EVALUATION", "EFFORT KEYS", "FORMATIVE EVALUATION", "MULTI ASSESSMENT"}));
     const QByteArray before = read_bytes(obe());
     ASSERT_TRUE(input.io_ok(AssessmentInput::MultiAssessment));
     EXPECT_EQ(read_bytes(run.data_folder + "/OBE_P1.BAK"), before);
-    ASSERT_EQ(dialogs.messages.size(), 1);
-    EXPECT_EQ(dialogs.messages[0].text, "Busy converting marks from 100 to 50!");
-    EXPECT_EQ(dialogs.messages[0].buttons, MsgButtons::AbortRetryIgnore);
-
     // The lists of the subject: keys with their texts and NONE under a blank
-    // key; formative codes padded to the longest ("10").
-    QStringList keys, codes;
+    // key; formative codes padded to the longest ("10"). The headings, then
+    // 10001's and 10002's marks out of 50 and the two labels.
+    QStringList keys, codes, headings;
     for (const LookupItem& i : input.effort_keys()) keys << i.display();
     for (const LookupItem& i : input.formative_list()) codes << i.display();
-    EXPECT_EQ(keys, (QStringList{"1 Uitstekend", "2 Goed", "3 Bevredigend", "4 Swak", "5 Geen poging", "    NONE"}));
-    EXPECT_EQ(codes, (QStringList{"01 Nie bereik nie", "02 Gedeeltelik bereik", "03 Bereik", "04 Oortref",
-                                  "10 Afwesig met rede"}));
-
-    QStringList headings;
     for (int c = 0; c < input.column_count(); ++c) headings << input.heading(c);
-    EXPECT_EQ(headings, (QStringList{"A-NO", "LEARNER", "MARK( 50)", "E-K ", "F-E1", "F-E2", "F-E3", "F-E4"}));
+    step("multi assessment", {keys.join('|'), codes.join('|'), headings.join('|'),
+                              QStringList{input.cell(row_of(input, 10001), 2).trimmed(),
+                                          input.cell(row_of(input, 10002), 2).trimmed(), input.total_text(),
+                                          input.average_text()}.join('|')});
     EXPECT_EQ(input.cell(0, 1).trimmed(), "Adams, Anri");
-    const int r6 = row_of(input, 10006);
-    EXPECT_EQ((QStringList{input.cell(row_of(input, 10001), 2).trimmed(), input.cell(row_of(input, 10002), 2).trimmed(),
-                           input.total_text(), input.average_text()}),
-              (QStringList{"40.0", ".4", "114.6", "45.8"}));
 
     // Keying: no running count here, so the average divides by the count
     // found at the opening (5).
-    struct Key {
-        int column;
-        const char* typed;
-        bool accepted;
-        const char* cell, *total, *average;
+    const int r6 = row_of(input, 10006);
+    const std::pair<int, const char*> typed[] = {
+        {2, "50.1"},  // above the input total
+        {2, "50"},    // the input total itself
+        {3, "xyz"},   // no test, cut to the field
+        {4, "3"},
+        {7, "10"},
     };
-    const Key typed[] = {
-        {2, "50.1", false, "", "114.6", "45.8"},   // above the input total
-        {2, "50", true, "50.0", "164.6", "65.8"},  // the input total itself
-        {3, "xyz", true, "xy", "164.6", "65.8"},    // no test, cut to the field
-        {4, "3", true, "3", "164.6", "65.8"},
-        {7, "10", true, "10", "164.6", "65.8"},
-    };
-    for (const Key& k : typed) {
-        SCOPED_TRACE(k.typed);
-        dialogs.messages.clear();
-        EXPECT_EQ(input.cell_changed(r6, k.column, k.typed), k.accepted);
-        EXPECT_EQ((QStringList{input.cell(r6, k.column).trimmed(), input.total_text(), input.average_text()}),
-                  (QStringList{k.cell, k.total, k.average}));
-        EXPECT_EQ(dialogs.texts(),
-                  k.accepted ? QStringList() : QStringList{"Marks can only be ' ', 'A', 'a' or 0- 50"});
+    for (const auto& [column, text] : typed) {
+        const bool accepted = input.cell_changed(r6, column, text);
+        step(QString("type %1 into column %2").arg(text).arg(column),
+             {QString("accepted %1 cell %2 total %3 average %4")
+                  .arg(accepted)
+                  .arg(input.cell(r6, column).trimmed(), input.total_text(), input.average_text())});
     }
     // A key from the list, found again by the cell's value.
     ASSERT_TRUE(input.choose_lookup(AssessmentInput::EffortKeyList, 1, r6, 3));
@@ -115,11 +99,13 @@ TEST_F(Assessment, ATeacherKeysMarksKeysAndFormativeCodesAndSaves) {
 
     ASSERT_TRUE(input.marks_save());
     EXPECT_FALSE(input.series_open());
-    EXPECT_EQ(learner("obe_p1.dbf", 10006).mid(2), (QStringList{"100.0", "2", "3", "", "", "10"}));
-    EXPECT_EQ(fields("obe_p1.dbf", {10001, 10002, 10003}), (QStringList{"80.0", "0.8", "A"}));
+    // 10006's record, then the marks of both tables; the keys stay in the
+    // assessment table.
     const QList<int> copied = {10001, 10002, 10003, 10006, 10007, 10099};
-    EXPECT_EQ(fields("punte1.dbf", copied), (QStringList{"80.0", "0.8", "A", "100.0", "", "20.0"}));
-    EXPECT_EQ(fields("punte1.dbf", copied, 3), QStringList(6, ""));  // the keys stay in the assessment table
+    step("save", {learner("obe_p1.dbf", 10006).join('|'), "obe_p1 " + fields("obe_p1.dbf", copied).join('|'),
+                  "punte1 " + fields("punte1.dbf", copied).join('|'),
+                  "punte1 keys " + fields("punte1.dbf", copied, 3).join('|')});
+    EXPECT_TRUE(testing::matches_golden(session, "input/assessment_session.txt"));
 }
 
 // Each mode shows its columns; the cursor lands on the first of them, runs
@@ -199,10 +185,7 @@ TEST_F(Assessment, PasteGoesIntoTheChosenColumnAndUndoPutsItBack) {
     const int n = input.learner_count();
     dialogs.clipboard = "4\r\n5x\r\n";
     input.paste_into_flex();
-    ASSERT_EQ(dialogs.messages.size(), 1);
-    const QStringList warning = dialogs.messages[0].text.split("\r\n");
-    EXPECT_EQ(warning.value(0), "Hierdie funksie sal blindelings enige inligting wat in die Windows 'clipboard' is");
-    EXPECT_EQ(warning.value(3), "in PRESIES dieselfde volgorde as die leerders op die skerm is nie.");
+    step("paste");
     EXPECT_TRUE(input.pasting());
     EXPECT_EQ(input.paste_heading(), "'PASTE'");
     struct Paste {
@@ -220,10 +203,11 @@ TEST_F(Assessment, PasteGoesIntoTheChosenColumnAndUndoPutsItBack) {
         // Beyond the clipboard's lines a mark becomes 0.0, a text blank.
         EXPECT_EQ(input.cell(n - 1, p.column).trimmed(), p.column == 2 ? "0.0" : "");
     }
+    step("three more pastes, each after the warning");
     run.language_afrikaans = false;
-    dialogs.messages.clear();
     input.marks_undo();
-    EXPECT_EQ(dialogs.texts(), QStringList{"'UNDO' will reset marks to previous values!"});
+    step("undo");
+    EXPECT_TRUE(testing::matches_golden(session, "input/assessment_paste.txt"));
     EXPECT_EQ(input.cell(0, 3).trimmed(), "");
 }
 
@@ -235,35 +219,23 @@ TEST_F(Assessment, BadTablesOpenNothingAndLoseNothing) {
     const QByteArray narrow_bytes = read_bytes(run.data_folder + "/narrow.dbf");
     ASSERT_TRUE(DbfTable::create(run.data_folder + "/empty.dbf", assessment_fields()));
     const QByteArray empty_bytes = read_bytes(run.data_folder + "/empty.dbf");
-    struct Case {
-        const char* name;
-        QByteArray bytes;  // empty: no table
-        int beeps;
-        QStringList messages;
-    };
-    const QString obe_shown = shown(run.data_folder + "/obe_p1.dbf");
-    const Case cases[] = {
-        {"missing", {}, 1, {}},
-        {"class list layout", narrow_bytes, 0, {"The table " + obe_shown + " has no field EO_FE_1."}},
-        {"no records", empty_bytes, 0, {}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+    const std::pair<const char*, QByteArray> cases[] = {
+        {"missing", {}}, {"class list layout", narrow_bytes}, {"no records", empty_bytes}};
+    for (const auto& [name, bytes] : cases) {
         QFile::remove(run.data_folder + "/obe_p1.dbf");
-        if (!c.bytes.isEmpty()) write_bytes(run.data_folder + "/obe_p1.dbf", c.bytes);
+        if (!bytes.isEmpty()) write_bytes(run.data_folder + "/obe_p1.dbf", bytes);
         AssessmentInput input(ctx, printer);
         ASSERT_TRUE(input.load());
-        dialogs.messages.clear();
-        const int beeps = dialogs.beeps;
         const bool chosen = input.open_subject(0);
-        EXPECT_EQ(chosen, !c.bytes.isEmpty());
+        EXPECT_EQ(chosen, !bytes.isEmpty()) << name;
         if (chosen) EXPECT_FALSE(input.io_ok(AssessmentInput::Summative));
         EXPECT_FALSE(input.series_open());
-        EXPECT_EQ(dialogs.beeps - beeps, c.beeps);
-        EXPECT_EQ(dialogs.texts(), c.messages);
-        if (c.messages.isEmpty() && !c.bytes.isEmpty()) continue;  // an empty table's copy is taken first
-        EXPECT_EQ(read_bytes(run.data_folder + "/OBE_P1.BAK"), "the last good copy");
+        step(name);
+        if (bytes == empty_bytes) continue;  // an empty table's copy is taken first
+        EXPECT_EQ(read_bytes(run.data_folder + "/OBE_P1.BAK"), "the last good copy") << name;
     }
+    EXPECT_TRUE(
+        testing::matches_golden(session.replace(run.data_folder, "<data>"), "input/assessment_bad_tables.txt"));
     QFile::remove(run.data_folder + "/LAFR_P_S.dbf");
     QFile::remove(run.data_folder + "/LAFR_f_e.8");
     QFile::remove(run.data_folder + "/obe_p1.dbf");
@@ -327,33 +299,20 @@ TEST_F(Assessment, MarkListsJoinBothTablesInEitherOrder) {
     ASSERT_TRUE(lists.select_series(0));
     EXPECT_EQ(lists.print_total(), "100");
 
-    struct Order {
-        bool rank;
-        QStringList first_rows;  // number, learner, mark, running total, key, formative
-    };
-    const Order orders[] = {
-        {false,
-         {"1|10001|Botha, Anri|80.0|80.0||", "2|10002|Venter, Jaco|77.0|157.0|4|Nie bereik nie, Afwesig met rede, 99",
-          "3|10003|Steyn, Lindiwe|A|157.0||"}},
-        {true,
-         {"1|10001|Botha, Anri|80.0|80.0||", "2|10004|Jansen, Ruan|77.0|157.0||",
-          "3|10002|Venter, Jaco|77.0|234.0|4|Nie bereik nie, Afwesig met rede, 99"}},
-    };
-    for (const Order& o : orders) {
-        SCOPED_TRACE(o.rank);
-        lists.set_rank_order(o.rank);
+    // Alphabetical, then by rank with the tie of 77.0 by name: number,
+    // learner, mark, running total, key, formative.
+    QString grids;
+    for (const bool rank : {false, true}) {
+        lists.set_rank_order(rank);
         TextGrid grid;
         double sum = 0;
         int count = 0;
         ASSERT_TRUE(lists.build_list(grid, &sum, &count));
         EXPECT_EQ(count, 3);  // "A" and "a" are no marks
         EXPECT_DOUBLE_EQ(sum, 234);
-        for (int r = 0; r < o.first_rows.size(); ++r) {
-            QStringList cells;
-            for (int c = 0; c < grid.cols(); ++c) cells << grid.text(r + 1, c).trimmed();
-            EXPECT_EQ(cells.join('|'), o.first_rows[r]);
-        }
+        grids += testing::grid_text(grid);
     }
+    EXPECT_TRUE(testing::matches_golden(grids, "input/mark_lists.txt"));
     struct Printed {
         const char* total;
         QStringList lines;

@@ -6,6 +6,7 @@
 
 #include "input/marks_input.h"
 #include "tests/markbook/demo_school_fixture.h"
+#include "tests/support/golden.h"
 
 namespace veldo {
 namespace {
@@ -34,61 +35,54 @@ struct CycleMarks : ::testing::Test, testing::DemoSchool {
 };
 
 // Open out of 50, type (one refused, "A" over a mark, an effort key), scale,
-// undo, save, exit with a print: the figures a teacher sees and the bytes of
-// both tables at each step.
+// undo, save, exit with a print: the messages a teacher reads, the figures
+// the screen shows and the marks both tables hold after each step.
 TEST_F(CycleMarks, ATeacherKeysScalesUndoesAndSavesOutOfAnotherTotal) {
     const QByteArray before = read_bytes(punte());
     MarksInput input(ctx, printer);
     ASSERT_TRUE(input.load());
     EXPECT_EQ(input.caption(), "MARKS INPUT");
     EXPECT_EQ(input.series().size(), 9);
+    // The seeded learners' marks as shown (in name order, ".4" without its
+    // whole digit) and as both tables hold them, 10006's effort key, the two
+    // labels and the count.
+    const auto state = [&] {
+        QStringList shown;
+        for (int n : kSeeded) shown << input.cell(row_of(input, n), 2).trimmed();
+        return QStringList{
+            QString("screen %1 key %2 total %3 average %4 count %5")
+                .arg(shown.join('|'), input.cell(row_of(input, 10006), 3).trimmed(), input.total_text(),
+                     input.average_text())
+                .arg(input.mark_count()),
+            "punte1 " + fields("punte1.dbf", kSeeded).join('|') + " key " + learner("punte1.dbf", 10006).value(3),
+            "obe_p1 " + fields("obe_p1.dbf", kSeeded).join('|')};
+    };
     dialogs.inputs.enqueue("50");
     ASSERT_TRUE(input.open_subject(0));
-    EXPECT_EQ(dialogs.prompts, QStringList{"INPUT TOTAL\r\n\r\n[ SUBJECT TOTAL =  100 ]\r\n"});
-    EXPECT_EQ(dialogs.texts(),
-              (QStringList{"Busy converting marks from 100 to 50!", "ARE YOU GOING TO INPUT EFFORT KEYS ALSO ?"}));
+    step("open out of 50", state());
     EXPECT_EQ(read_bytes(bak()), before);
     EXPECT_EQ((QStringList{input.vak_ops(), input.ops_totale(), input.heading(2)}),
               (QStringList{"8 AFR", " 100 --  50", "MARK( 50)"}));
     EXPECT_TRUE(input.effort_keys_wanted());
-    // In name order, out of 50, ".4" without its whole digit.
     EXPECT_EQ(input.cell(0, 1).trimmed(), "Adams, Anri");
-    QStringList shown;
-    for (int n : kSeeded) shown << input.cell(row_of(input, n), 2).trimmed();
-    EXPECT_EQ(shown, (QStringList{"40.0", ".4", "A", "16.7", "47.5", ""}));
-    EXPECT_EQ(input.total_text() + " " + input.average_text(), "104.6 52.3");
 
-    // Keying, each row: the text typed, accepted or not, the cell after, the
-    // two labels and the count.
     const int r6 = row_of(input, 10006);
     struct Key {
         int column;
         const char* typed;
         bool accepted;
-        const char *cell, *total, *average;
-        float count;
     };
     const Key keys[] = {
-        {2, "51", false, "", "104.6", "52.3", 4},        // above the input total
-        {2, "-0.1", false, "", "104.6", "52.3", 4},      // below 0
-        {2, "50", true, "50.0", "154.6", "61.8", 5},     // the input total itself
-        {3, "3", true, "3", "154.6", "61.8", 5},         // the effort key takes any text
-        {2, "A", true, "A", "104.6", "41.8", 5},         // the 50 leaves the sum, the count stays
-        {2, "12abc", true, "12.0", "116.6", "38.9", 6},  // Val reads the leading number
+        {2, "51", false},    // above the input total
+        {2, "-0.1", false},  // below 0
+        {2, "50", true},     // the input total itself
+        {3, "3", true},      // the effort key takes any text
+        {2, "A", true},      // the 50 leaves the sum, the count stays
+        {2, "12abc", true},  // Val reads the leading number
     };
     for (const Key& k : keys) {
-        SCOPED_TRACE(k.typed);
-        dialogs.messages.clear();
-        const int beeps = dialogs.beeps;
-        EXPECT_EQ(input.cell_changed(r6, k.column, k.typed), k.accepted);
-        // The cell shown and stored, the total and the average.
-        EXPECT_EQ((QStringList{input.cell(r6, k.column).trimmed(), learner("punte1.dbf", 10006).value(k.column),
-                               input.total_text(), input.average_text()}),
-                  (QStringList{k.cell, k.cell, k.total, k.average}));
-        EXPECT_EQ(input.mark_count(), k.count);
-        EXPECT_EQ(dialogs.beeps - beeps, k.accepted ? 0 : 1);
-        EXPECT_EQ(dialogs.texts(),
-                  k.accepted ? QStringList() : QStringList{"Marks can only be ' ', 'A', 'a' or 0- 50"});
+        EXPECT_EQ(input.cell_changed(r6, k.column, k.typed), k.accepted) << k.typed;
+        step(QString("type %1 into column %2").arg(k.typed).arg(k.column), state());
     }
     // With effort keys the cursor zigzags between mark and key.
     EXPECT_EQ(input.next_cell(r6, 2), std::make_pair(r6, 3));
@@ -98,31 +92,25 @@ TEST_F(CycleMarks, ATeacherKeysScalesUndoesAndSavesOutOfAnotherTotal) {
     // Scaling from 38.9 percent to 50: a shift of the points, clipped at 100.
     dialogs.inputs.enqueue("50");
     input.scale_marks();
-    EXPECT_EQ(dialogs.prompts.last(), "Current average  38.8666\r\n\r\nNew average ...");
-    EXPECT_EQ(fields("punte1.dbf", kSeeded), (QStringList{"45.6", "6.0", "A", "22.3", "50.0", "17.6"}));
-    EXPECT_EQ(input.average_text(), "56.5");
-
+    step("scale to 50", state());
     // Undo: Cancel keeps everything; OK puts the backup back, out of 50
     // again, and the labels stay.
     const QByteArray scaled = read_bytes(punte());
-    dialogs.messages.clear();
     dialogs.answers.enqueue(MsgAnswer::Cancel);
     input.marks_undo();
     EXPECT_EQ(read_bytes(punte()), scaled);
+    step("undo, Cancel", state());
     input.marks_undo();
-    EXPECT_EQ(dialogs.texts(), (QStringList(2, "'UNDO' reset marks to previous values!")));
-    EXPECT_EQ(fields("punte1.dbf", kSeeded), (QStringList{"40.0", ".4", "A", "16.7", "47.5", ""}));
-    EXPECT_EQ(input.average_text(), "56.5");
-
-    // Exit: the save back to 100 and into obe_p1.dbf, then the print.
-    dialogs.messages.clear();
+    step("undo, OK", state());
+    // Exit: the save back to 100 and into obe_p1.dbf, then the print; exit
+    // again: the screen closes and the menu comes.
     input.marks_exit();
-    EXPECT_EQ(dialogs.texts(), (QStringList{"Busy converting marks from 50 to 100!",
-                                            "DO YOU WANT TO PRINT A MARK LIST ?", "PRINTING COMPLETE (1 pages)"}));
     EXPECT_FALSE(input.series_open());
-    const QStringList saved{"80.0", "0.8", "A", "33.4", "95.0", ""};
-    EXPECT_EQ(fields("punte1.dbf", kSeeded), saved);
-    EXPECT_EQ(fields("obe_p1.dbf", kSeeded), saved);
+    step("exit", state());
+    input.marks_exit();
+    step("exit again");
+    EXPECT_TRUE(testing::matches_golden(session, "input/cycle_marks_session.txt"));
+
     ASSERT_EQ(printer.files.size(), 1);
     EXPECT_EQ(printer.stems, QStringList{"MARKS 8 AFR__ 8A "});
     const QString text = testing::pdf_text(printer.files[0]);
@@ -131,11 +119,6 @@ TEST_F(CycleMarks, ATeacherKeysScalesUndoesAndSavesOutOfAnotherTotal) {
     for (const char* part :
          {"A.NO", "LEARNER", "MARK", "EK/SR", "TOTAL", "Botha, Anri", "80.0", "AVERAGE :=", "52.3", "104.6%"})
         EXPECT_TRUE(text.contains(part)) << part << "\n" << text.toStdString();
-
-    // Exit again: the screen closes and the menu comes.
-    input.marks_exit();
-    EXPECT_EQ(screens.unloaded, QStringList{"punte_inlees"});
-    EXPECT_EQ(screens.shown, QStringList{"punte_menu1"});
 }
 
 // The input total: an empty reply or Cancel keeps the subject total; a
@@ -209,31 +192,26 @@ TEST_F(CycleMarks, PasteWritesTheClipboardLineByLine) {
     EXPECT_EQ(pasted, (QStringList{"12.0", "0.0", "-5.0", "150.3", "0.0", "0.0"}));
 }
 
-// What a teacher reads in Afrikaans.
+// What a teacher reads in Afrikaans: the caption and headings, the prompts
+// and messages of a session out of 20 with a refused mark, a scaling, an
+// undo answered Cancel and an exit with a print.
 TEST_F(CycleMarks, TheScreenSpeaksAfrikaans) {
     run.language_afrikaans = true;
     MarksInput input(ctx, printer);
     ASSERT_TRUE(input.load());
-    EXPECT_EQ(input.caption(), "PUNTE INLEES");
     dialogs.inputs.enqueue("20");
     ASSERT_TRUE(input.open_subject(0));
-    EXPECT_EQ(dialogs.prompts, QStringList{"INLEESTOTAAL\r\n\r\n[ VAKTOTAAL =  100 ]\r\n"});
-    EXPECT_EQ(dialogs.texts(),
-              (QStringList{"Besig om punte van 100 na 20 te verwerk!", "GAAN U PRESTASIESLEUTELS OOK INLEES ?"}));
-    EXPECT_EQ((QStringList{input.heading(0), input.heading(1), input.heading(2), input.heading(3)}),
-              (QStringList{"T-NR", "LEERDER", "PUNT( 20)", "PS/VO"}));
-    dialogs.messages.clear();
+    step("open out of 20", {input.caption(), QStringList{input.heading(0), input.heading(1), input.heading(2),
+                                                             input.heading(3)}.join('|')});
     EXPECT_FALSE(input.cell_changed(0, 2, "20.1"));
     EXPECT_TRUE(input.cell_changed(0, 2, "20"));
+    step("type 20.1, then 20");
     input.scale_marks();
-    EXPECT_EQ(dialogs.prompts.last().left(19), "Huidige gemiddeld  ");
     dialogs.answers.enqueue(MsgAnswer::Cancel);
     input.marks_undo();
     input.marks_exit();
-    EXPECT_EQ(dialogs.texts(),
-              (QStringList{"Punte kan slegs ' ', 'A', 'a' of 0- 20 wees", "'UNDO' sal punte na vorige waardes herstel!",
-                           "Besig om punte van 20 na 100 te verwerk!", "WIL U 'N PUNTELYS DRUK ?",
-                           "DRUKWERK VOLTOOI (1 bladsye)"}));
+    step("scale, undo answered Cancel, exit");
+    EXPECT_TRUE(testing::matches_golden(session, "input/cycle_marks_afrikaans.txt"));
     EXPECT_TRUE(testing::pdf_text(printer.files.value(0)).contains("GEMIDDELD :="));
 }
 
@@ -244,35 +222,25 @@ TEST_F(CycleMarks, ABadTableIsRefusedAndLosesNothing) {
     const QByteArray good = read_bytes(punte());
     DbfTable::create(path("foreign.dbf"),
                      {{"EF_T_NR", DbfType::Character, 10, 0}, {"EF_NAME", DbfType::Character, 40, 0}});
-    const QString shown_punte = shown(punte());
-    struct Case {
-        const char* name;
-        QByteArray bytes;
-        QString message;
+    const std::pair<const char*, QByteArray> cases[] = {
+        {"missing", QByteArray()},
+        {"truncated", good.left(good.size() - 100)},
+        {"foreign", read_bytes(path("foreign.dbf"))},
+        {"not a table", "hello"},
     };
-    const Case cases[] = {
-        {"missing", QByteArray(), QString()},
-        {"truncated", good.left(good.size() - 100), "The table " + shown_punte + " is damaged or incomplete."},
-        {"foreign", read_bytes(path("foreign.dbf")), "The table " + shown_punte + " has no field EF_PUNT."},
-        {"not a table", "hello", "The file " + shown_punte + " is not a dBASE table."},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        if (c.bytes.isEmpty()) QFile::remove(punte().isEmpty() ? data("x") : punte());
-        else write_bytes(run.data_folder + "/punte1.dbf", c.bytes);
+    for (const auto& [name, bytes] : cases) {
+        if (bytes.isEmpty()) QFile::remove(punte().isEmpty() ? data("x") : punte());
+        else write_bytes(run.data_folder + "/punte1.dbf", bytes);
         MarksInput input(ctx, printer);
         ASSERT_TRUE(input.load());
-        dialogs.messages.clear();
-        dialogs.prompts.clear();
-        const int beeps = dialogs.beeps;
-        EXPECT_FALSE(input.open_subject(0));
+        EXPECT_FALSE(input.open_subject(0)) << name;
         EXPECT_FALSE(input.series_open());
-        EXPECT_EQ(dialogs.beeps - beeps, c.bytes.isEmpty() ? 1 : 0);
-        EXPECT_EQ(dialogs.texts(), c.message.isEmpty() ? QStringList() : QStringList{c.message});
-        EXPECT_EQ(dialogs.prompts.size(), c.bytes.isEmpty() ? 0 : 1);
-        EXPECT_EQ(read_bytes(run.data_folder + "/PUNTE1.BAK"), "the last good copy");
-        if (!c.bytes.isEmpty()) EXPECT_EQ(read_bytes(punte()), c.bytes);
+        step(name);
+        EXPECT_EQ(read_bytes(run.data_folder + "/PUNTE1.BAK"), "the last good copy") << name;
+        if (!bytes.isEmpty()) EXPECT_EQ(read_bytes(punte()), bytes) << name;
     }
+    EXPECT_TRUE(
+        testing::matches_golden(session.replace(run.data_folder, "<data>"), "input/cycle_marks_bad_tables.txt"));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "markbook/column_actions.h"
 #include "markbook/totals_engine.h"
 #include "store/run_state.h"
+#include "tests/support/golden.h"
 #include "tests/support/mark_book_fixture.h"
 #include "tests/support/temp_drive.h"
 #include "util/legacy_number.h"
@@ -150,20 +151,19 @@ TEST_F(ColumnActions, TheMeritListIsHighestFirstWithTiesInTableOrder) {
     EXPECT_EQ(grid.text(0, 1), "Leerder 2");
 }
 
-TEST_F(ColumnActions, TheMessagesInBothLanguages) {
+// The scaling prompt, the copy question, the paste warning and the two
+// refusals, in Afrikaans, then in English.
+TEST(ColumnActionMessages, InBothLanguages) {
     RunState run;
-    run.language_afrikaans = true;
-    EXPECT_EQ(scaling_prompt(run, 61.8966), "Huidige gemiddeld 61.8966\r\n\r\nNuwe gemiddeld ...");
-    EXPECT_EQ(copy_column_question(run, "TAAK 1", "TAAK 2"), "WIL U DEFNITIEF PUNTE VANAF \r\nTAAK 1 KOPIEER NA TAAK 2 ?");
-    EXPECT_TRUE(paste_warning(run).endsWith("(oorweeg LEERDERVOLGORDE en VAKTOTAAL)\r\n\r\nWIL U DEFNITIEF VOORTGAAN ?"));
-    EXPECT_EQ(paste_warning(run).count("\r\n"), 7);
-    run.language_afrikaans = false;
-    EXPECT_EQ(scaling_prompt(run, 0), "Current average 0\r\n\r\nNew average ...");
-    EXPECT_EQ(copy_column_question(run, "A", "B"), "DO YOU WISH TO COPY MARK BOOK SETUP FOR A TO B ?");
-    EXPECT_TRUE(paste_warning(run).startsWith("This function will indiscriminately paste any information from\r\n"));
-    EXPECT_TRUE(paste_warning(run).endsWith("\r\n\r\nDO YOU REALY WANT TO CONTINUE ?"));
-    EXPECT_EQ(scaling_total_column_message(run), "Scaling not possible on total columns ...");
-    EXPECT_EQ(paste_no_column_message(run), "First select marks column into which marks must be pasted !");
+    QString texts;
+    for (const bool afrikaans : {true, false}) {
+        run.language_afrikaans = afrikaans;
+        for (QString text : {scaling_prompt(run, 61.8966), scaling_prompt(run, 0), paste_warning(run),
+                             copy_column_question(run, "TAAK 1", "TAAK 2"), scaling_total_column_message(run),
+                             paste_no_column_message(run)})
+            texts += text.replace("\r", "\\r").replace("\n", "\\n") + '\n';
+    }
+    EXPECT_TRUE(testing::matches_golden(texts, "markbook/column_action_messages.txt"));
 }
 
 }  // namespace

@@ -56,6 +56,29 @@ struct DemoSchool : ShellFixture {
                 }
     }
     QString shown(const QString& file) const { return QDir::toNativeSeparators(file); }
+    // A session written down a step at a time, for a golden file: the step,
+    // the messages, prompts, beeps and screens it brought, then the lines the
+    // test adds; dialogs and screens start afresh for the next step.
+    QString session;
+    void step(const QString& name, const QStringList& state = {}) {
+        static const char* icons[] = {"None", "Critical", "Question", "Exclamation", "Information"};
+        static const char* buttons[] = {"Ok", "OkCancel", "YesNo", "YesNoCancel", "AbortRetryIgnore"};
+        QStringList lines{"== " + name};
+        for (const ShownMessage& m : dialogs.messages)
+            lines << QString("message %1 %2: %3").arg(icons[int(m.icon)], buttons[int(m.buttons)], m.text);
+        for (const QString& p : dialogs.prompts) lines << "prompt: " + p;
+        if (dialogs.beeps) lines << QString("beeps: %1").arg(dialogs.beeps);
+        const std::pair<const char*, QStringList*> shown_screens[] = {
+            {"shown", &screens.shown}, {"modal", &screens.modal}, {"unloaded", &screens.unloaded}};
+        for (const auto& [what, list] : shown_screens)
+            if (!list->isEmpty()) lines << QString(what) + ": " + list->join('|');
+        lines += state;
+        for (QString& line : lines) session += line.replace("\r", "\\r").replace("\n", "\\n") + '\n';
+        dialogs.messages.clear();
+        dialogs.prompts.clear();
+        dialogs.beeps = 0;
+        for (const auto& [what, list] : shown_screens) list->clear();
+    }
     // The grid row of learner `number` on an input screen; -1 when not there.
     template <class Input>
     static int row_of(Input& input, int number) {

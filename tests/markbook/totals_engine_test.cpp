@@ -295,10 +295,7 @@ TEST(TotalsProperty, EveryTotalLiesInItsRangeAndARecalculationIsStable) {
     EXPECT_GT(totals_checked, 2000);
 }
 
-TEST(ClassAverages, ArePercentagesOfTheColumnTotalToFourDecimals) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("marks1.dbf");
-    MarkBookSetup setup;
+TEST_F(Totals, ClassAveragesArePercentagesOfTheColumnTotalToFourDecimals) {
     setup.rows[0] = {"T1", "10", "", "", ""};
     setup.rows[1] = {"T2", "30", "", "", ""};
     setup.rows[2] = {"T3", "0", "", "", ""};

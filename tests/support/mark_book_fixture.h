@@ -11,18 +11,17 @@
 #include "markbook/setup_model.h"
 #include "store/dbf_table.h"
 #include "store/table_layouts.h"
+#include "tests/store/store_tables.h"
 
 namespace veldo::testing {
 
 inline void fill_marks_table(const QString& path, const QList<QStringList>& rows) {
-    DbfTable::create(path, mark_book_fields());
-    auto t = DbfTable::open(path);
+    QList<QVariantList> values;
     for (const QStringList& row : rows) {
-        t->AddNew();
-        for (int f = 0; f < row.size(); ++f)
-            t->set_value(f, row[f].isEmpty() ? QVariant() : QVariant(row[f]));
-        t->Update();
+        QVariantList& v = values.emplace_back();
+        for (const QString& text : row) v << (text.isEmpty() ? QVariant() : QVariant(text));
     }
+    make_table(path, mark_book_fields(), values);
 }
 
 // A marks row: number, name, then mark per setup row from row 1.
