@@ -58,7 +58,9 @@ TEST_F(CalculatorDialogTest, EveryButtonPressesItsOwnButton) {
         auto* button = dialog.findChild<QAbstractButton*>(QString::fromLatin1(c.button));
         ASSERT_NE(button, nullptr);
         button->click();
-        if (c.shown) EXPECT_EQ(shown(), c.shown);
+        if (c.shown) {
+            EXPECT_EQ(shown(), c.shown);
+        }
     }
 }
 

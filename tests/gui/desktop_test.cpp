@@ -215,9 +215,11 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
     // The learner columns stay on the left; a heading is never cut.
     EXPECT_FALSE(grid->frozen_view()->isColumnHidden(1));
     EXPECT_TRUE(grid->frozen_view()->isColumnHidden(2));
-    for (int c = 2; c < grid->model()->columnCount(); ++c)
-        if (!grid->isColumnHidden(c))
+    for (int c = 2; c < grid->model()->columnCount(); ++c) {
+        if (!grid->isColumnHidden(c)) {
             EXPECT_GE(grid->columnWidth(c), grid->horizontalHeader()->sectionSizeHint(c)) << c;
+        }
+    }
 
     auto type = [&](const QString& keys, Qt::Key end) {
         for (const QChar key : keys) QTest::keyClicks(QApplication::focusWidget(), QString(key));

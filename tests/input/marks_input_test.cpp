@@ -237,7 +237,9 @@ TEST_F(CycleMarks, ABadTableIsRefusedAndLosesNothing) {
         EXPECT_FALSE(input.series_open());
         step(name);
         EXPECT_EQ(read_bytes(run.data_folder + "/PUNTE1.BAK"), "the last good copy") << name;
-        if (!bytes.isEmpty()) EXPECT_EQ(read_bytes(punte()), bytes) << name;
+        if (!bytes.isEmpty()) {
+            EXPECT_EQ(read_bytes(punte()), bytes) << name;
+        }
     }
     EXPECT_TRUE(
         testing::matches_golden(session.replace(run.data_folder, "<data>"), "input/cycle_marks_bad_tables.txt"));
