@@ -308,21 +308,7 @@ QString format_mask(double value, const QString& mask) {
     return out;
 }
 
-bool one_decimal_tenths(double value, long long* count) {
-    if (!std::isfinite(value)) return false;
-    // A mark is far from a half in tenths almost always; then taking it to 15
-    // digits first can't change the rounding, and the tenths are counted
-    // directly.
-    const double tenths = std::fabs(value) * 10.0;
-    if (tenths >= 1e9) return false;
-    // Below 1e9 and not negative, the whole part is the truncation: no call
-    // into the maths library for it.
-    const double floor_part = double((long long)tenths);
-    const double fraction = tenths - floor_part;
-    if (std::fabs(fraction - 0.5) > 1e-6) {
-        *count = (long long)floor_part + (fraction > 0.5 ? 1 : 0);
-        return true;
-    }
+bool one_decimal_tenths_near_half(double value, long long* count) {
     // Near a half, the double nearest a whole number of hundredths (11.25,
     // 0.15) is those hundredths to 15 digits (it lies within a part in 10^16
     // of them, and they have fewer than 15 digits here), and the half goes

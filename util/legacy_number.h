@@ -40,7 +40,7 @@ int format_one_decimal_to(double value, char* out);
 // The whole number of tenths that format_one_decimal writes for `value`
 // (without its sign), where it can be had without the digit work: false for
 // the rare value near a half that needs it, and for a very large one.
-bool one_decimal_tenths(double value, long long* tenths);
+inline bool one_decimal_tenths(double value, long long* tenths);
 // Val(format_one_decimal(value)): the number a one-decimal mark reads back as.
 double one_decimal_value(double value);
 
@@ -74,5 +74,26 @@ struct Currency {
     // Always four decimals: "12.3400".
     QString fixed4() const;
 };
+
+// The rare value near a half in tenths, where the digits decide.
+bool one_decimal_tenths_near_half(double value, long long* tenths);
+
+// Inline: the totals call this once or twice for every mark they add up.
+inline bool one_decimal_tenths(double value, long long* tenths) {
+    // A mark is far from a half in tenths almost always; then taking it to 15
+    // digits first can't change the rounding, and the tenths are counted
+    // directly. Not below 1e9 (too large, or not a number at all): no.
+    const double whole_tenths = (value < 0 ? -value : value) * 10.0;
+    if (!(whole_tenths < 1e9)) return false;
+    // Below 1e9 and not negative, the whole part is the truncation.
+    const double floor_part = double((long long)whole_tenths);
+    const double fraction = whole_tenths - floor_part;
+    const double off_half = fraction - 0.5;
+    if (off_half > 1e-6 || off_half < -1e-6) {
+        *tenths = (long long)floor_part + (fraction > 0.5 ? 1 : 0);
+        return true;
+    }
+    return one_decimal_tenths_near_half(value, tenths);
+}
 
 }  // namespace veldo
