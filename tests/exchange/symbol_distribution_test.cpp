@@ -61,6 +61,34 @@ TEST_F(Symbols, OverlappingRangesGoToTheFirstAndAnEmptyTaskHasNoAverage) {
     EXPECT_TRUE(testing::matches_golden(testing::grid_text(grid), "exchange/symbols_overlapping.txt"));
 }
 
+// A mark is counted alike whether its field holds it as text, as text with
+// blanks and a NUL after it, or as a number (a table another program wrote).
+TEST_F(Symbols, AMarkCountsAlikeWhateverItsFieldHolds) {
+    symbols({{"7", 100.0, 80.0}, {"4", 79.9, 50.0}, {"1", 49.9, 0.0}});
+    setup({{"TOETS", "50", "", "", ""}, {"PROJEK", "20", "", "", ""}});
+    const QString path = t.data("marks1.dbf");
+    auto grid_of = [&] {
+        TextGrid g;
+        EXPECT_TRUE(build_symbol_distribution(*t.store, row, 1, g));
+        return testing::grid_text(g);
+    };
+    fill_marks_table(path, {marks_row(1, "A", {"40", "9.5"}), marks_row(2, "B", {"24.5", "A"})});
+    const QString as_text = grid_of();
+    fill_marks_table(path, {marks_row(1, "A", {QString::fromUtf8("\u00A040\t"), "9.5"}),
+                            marks_row(2, "B", {"24.5", " aX"})});
+    QByteArray bytes = testing::read_bytes(path);
+    const int header = quint8(bytes[8]) | quint8(bytes[9]) << 8, length = quint8(bytes[10]) | quint8(bytes[11]) << 8;
+    bytes[header + length + 1 + 10 + 40 + 6 + 2] = '\0';  // " a\0   ": an absence, what follows the NUL unread
+    testing::write_bytes(path, bytes);
+    EXPECT_EQ(grid_of(), as_text);
+    QList<DbfField> numbers = mark_book_fields();
+    for (int f = 2; f < numbers.size(); ++f) numbers[f] = {numbers[f].name, DbfType::Numeric, 6, 1};
+    QFile::remove(path);
+    testing::make_table(path, numbers, {{1, "A", 40.0, 9.5}, {2, "B", 24.5, QVariant()}});
+    EXPECT_EQ(grid_of(), as_text);
+    EXPECT_NE(as_text, QString());
+}
+
 TEST_F(Symbols, MissingBookOldExportOrSetupEndTheScreen) {
     EXPECT_FALSE(build_symbol_distribution(*t.store, row, 1, grid));
     EXPECT_EQ(t.dialogs.texts().last(), "3 See 'MARK BOOK SETUP' to create mark book");
