@@ -299,7 +299,6 @@ bool rebuild_marks_table(RunState& run, const QString& path, QString* error) {
     return rebuild_open_table(run, path, open_table_to_write(run, path), error) != nullptr;
 }
 
-
 std::unique_ptr<OpenMarkBook> open_mark_book(RecordStore& store, const QStringList& row, int series) {
     RunState& run = store.run();
     const QString folder = run.data_folder;
