@@ -811,24 +811,27 @@ bool DbfTable::load_image(DbfError* error) {
         report(error, code, path_);
         return false;
     }
-
-    std::vector<int> live;
-    live.reserve(std::size_t(layout.records));
-    const char* first = image.constData() + layout.header_length;
-    for (qint64 r = 0; r < layout.records; ++r)
-        if (first[r * layout.record_length] != '*') live.push_back(int(r));
-
     fields_ = layout.fields;
     offsets_ = std::move(layout.offsets);
     header_length_ = layout.header_length;
     record_length_ = layout.record_length;
-    records_ = int(layout.records);
     image_ = std::move(image);
+    take_records(int(layout.records));
+    return true;
+}
+
+// The image's first `records` records as the table's, the walk at the
+// first live one.
+void DbfTable::take_records(int records) {
+    live_.clear();
+    live_.reserve(std::size_t(records));
+    const char* first = image_.constData() + header_length_;
+    for (qint64 r = 0; r < records; ++r)
+        if (first[r * record_length_] != '*') live_.push_back(int(r));
+    records_ = records;
     stamped_ = false;
-    live_ = std::move(live);
     pos_ = 0;
     on_deleted_ = false;
-    return true;
 }
 
 // The whole file again, as load_image, but into the image it replaces
@@ -852,26 +855,14 @@ bool DbfTable::reload_image(DbfError* error) {
     if (!file_.read_all(&image_) || image_.size() < qint64(header) + records * record_length_) {
         // Half read: nothing of it can be trusted, so the table shows nothing.
         image_.clear();
-        records_ = 0;
-        live_.clear();
-        pos_ = 0;
-        on_deleted_ = false;
+        take_records(0);
         report(error, DbfError::Unreadable, path_);
         return false;
     }
     // The count read first: records appended while the rest was read are
     // taken in with the next count, as load_image does.
     std::memcpy(image_.data(), head.constData(), kFileHeader);
-    std::vector<int> live;
-    live.reserve(std::size_t(records));
-    const char* first = image_.constData() + header;
-    for (qint64 r = 0; r < records; ++r)
-        if (first[r * record_length_] != '*') live.push_back(int(r));
-    records_ = int(records);
-    stamped_ = false;
-    live_ = std::move(live);
-    pos_ = 0;
-    on_deleted_ = false;
+    take_records(int(records));
     return true;
 }
 

@@ -207,6 +207,7 @@ private:
     bool attach(DbfAccess access, DbfError* error);
     bool load_image(DbfError* error);
     bool reload_image(DbfError* error);
+    void take_records(int records);
     void detach();
     bool lock_or_fail(qint64 offset, qint64 length);
     void fail(DbfError::Code code, const QString& detail = QString()) const;

@@ -9,7 +9,7 @@
 namespace veldo {
 namespace {
 
-using testing::SeriesSpec;
+using testing::SeriesEntry;
 using testing::TempDrive;
 using testing::series_record;
 using testing::write_bytes;
@@ -17,9 +17,9 @@ using testing::write_bytes;
 // A drive whose series file holds the given records.
 struct SeriesFile : ::testing::Test {
     TempDrive t;
-    void write(const QList<SeriesSpec>& specs) {
+    void write(const QList<SeriesEntry>& entries) {
         QByteArray bytes;
-        for (const SeriesSpec& spec : specs) bytes += series_record(spec);
+        for (const SeriesEntry& entry : entries) bytes += series_record(entry);
         write_bytes(t.data("exp_mrk_control.txt"), bytes);
     }
 };

@@ -10,7 +10,7 @@
 
 namespace veldo::testing {
 
-struct SeriesSpec {
+struct SeriesEntry {
     QString grade, subject;
     float total = 100;
     QString klass, klass2, group;
@@ -19,7 +19,7 @@ struct SeriesSpec {
     QDate date;
 };
 
-inline QByteArray series_record(const SeriesSpec& s) {
+inline QByteArray series_record(const SeriesEntry& s) {
     RecordBuffer rec(&series_record_layout());
     rec.set_text("ec_grade", s.grade);
     rec.set_text("ec_subject", s.subject);
