@@ -135,7 +135,6 @@ public:
         return true;
     }
     void set(int f, const std::string& text) { set(f, QLatin1StringView(text.data(), qsizetype(text.size()))); }
-    void set(int f, const QString& text) { set(f, QLatin1StringView(cp1252::encode(text))); }
     // Writes what changed; one Edit and Update for the record.
     void save(DbfTable& table) {
         bool any = false;
