@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,18 +14,19 @@
 namespace veldo {
 namespace {
 
-// A stored field's text as the table layer hands it back, in the table's own
-// single-byte code: a character field up to its first NUL, a memo or other
-// field whole; Null (nullopt) when every byte is blank. Other types are no
-// text: the caller reads them through their value.
 bool is_text_field(DbfType type) { return type == DbfType::Character || type == DbfType::Memo || type == DbfType::Other; }
 
-std::optional<QLatin1StringView> stored_text(const DbfField& field, const char* p) {
-    bool blank = true;
-    for (int i = 0; i < field.width && blank; ++i) blank = p[i] == ' ' || p[i] == '\0';
-    if (blank) return std::nullopt;
-    const int length = field.type == DbfType::Character ? int(std::find(p, p + field.width, '\0') - p) : field.width;
-    return QLatin1StringView(p, length);
+// A stored field's text as the table layer hands it back, in the table's own
+// single-byte code: a character field up to its first NUL, a memo or other
+// field whole. Its length comes back, or -1 for Null when every byte is
+// blank; an int comes back in a register where an optional view would go
+// through memory on every field. Other types are no text: the caller reads
+// them through their value.
+int stored_length(const char* p, int width, bool character) {
+    int i = 0;
+    while (i < width && (p[i] == ' ' || p[i] == '\0')) ++i;
+    if (i == width) return -1;
+    return character ? int(std::find(p, p + width, '\0') - p) : width;
 }
 
 // One record's fields as text, held while it is worked on. A value is stored
@@ -41,6 +41,7 @@ public:
             widths_.push_back(width);
             offsets_.push_back(table.field_offset(i));
             text_field_.push_back(is_text_field(table.field(i).type));
+            character_.push_back(table.field(i).type == DbfType::Character);
             // "ddd.d" takes two places besides its whole digits, and a third
             // with a sign: below 10^(width - 1) tenths it fits, below
             // 10^(width - 2) with a sign; past 18 digits nothing here comes.
@@ -64,9 +65,10 @@ public:
             v.has_number = false;
             v.pending = false;
             if (text_field_[std::size_t(i)] && !record.isEmpty()) {
-                const auto text = stored_text(table_.field(i), record.data() + offsets_[std::size_t(i)]);
-                v.null = !text;
-                v.text = text ? *text : QLatin1StringView();  // the record's own bytes, not copied
+                const char* p = record.data() + offsets_[std::size_t(i)];
+                const int length = stored_length(p, widths_[std::size_t(i)], character_[std::size_t(i)]);
+                v.null = length < 0;
+                v.text = QLatin1StringView(p, std::max(length, 0));  // the record's own bytes, not copied
             } else {
                 const QVariant value = table_.value(i);
                 v.null = !value.isValid();
@@ -236,6 +238,7 @@ private:
     std::vector<int> widths_;  // each field's width, offset and kind, looked up once
     std::vector<int> offsets_;
     std::vector<bool> text_field_;
+    std::vector<bool> character_;
     QByteArray record_;
     // The tenths from which a one-decimal number no longer fits its field,
     // without and with a sign.
@@ -373,16 +376,23 @@ std::array<Currency, 43> class_averages(DbfTable& marks, const ColumnLists& list
     std::array<int, 43> counted{};
     const int fields = std::min(marks.field_count(), 42);
     // Only text counts: a Null (all blank) field or a number is passed over.
-    std::vector<int> counted_fields;
+    struct Counted {
+        int f, offset, width;
+        bool character;
+    };
+    std::vector<Counted> counted_fields;
     for (int f = 2; f < fields; ++f)
-        if (is_text_field(marks.field(f).type)) counted_fields.push_back(f);
+        if (is_text_field(marks.field(f).type))
+            counted_fields.push_back({f, marks.field_offset(f), marks.field(f).width, marks.field(f).type == DbfType::Character});
     for (marks.MoveFirst(); !marks.Eof(); marks.MoveNext()) {
         const QByteArrayView record = marks.record_bytes();
-        for (int f : counted_fields) {
-            const auto stored = stored_text(marks.field(f), record.data() + marks.field_offset(f));
-            if (!stored) continue;
-            QLatin1StringView text = *stored;
-            while (text.endsWith(QLatin1Char(' '))) text.chop(1);
+        for (const Counted& c : counted_fields) {
+            const int f = c.f;
+            const char* p = record.data() + c.offset;
+            int length = stored_length(p, c.width, c.character);
+            if (length < 0) continue;
+            while (length > 0 && p[length - 1] == ' ') --length;
+            const QLatin1StringView text(p, length);
             if (text.isEmpty() || text == QLatin1StringView("A") || text == QLatin1StringView("a")) continue;
             sum[f] += Val(text);
             ++counted[f];
