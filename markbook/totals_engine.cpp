@@ -136,7 +136,38 @@ public:
         set_tenths(f, tenths < 0 ? -tenths : tenths, tenths < 0);
         return true;
     }
-    void set(int f, const std::string& text) { set(f, QLatin1StringView(text.data(), qsizetype(text.size()))); }
+    // A number in its plain text, as set(f, plain_number_chars(value)) stores
+    // it; with no more than one decimal, and short enough for the field, it is
+    // written straight from its tenths and kept as them.
+    void set_plain_number(int f, double value) {
+        long long tenths = 0;
+        if (plain_number_tenths(value, &tenths)) {
+            const bool negative = tenths < 0;
+            const long long count = negative ? -tenths : tenths;
+            char buf[16];
+            int n = 0;
+            if (negative) buf[n++] = '-';
+            n += write_digits(count / 10, buf + n);
+            if (count % 10 != 0) {
+                buf[n++] = '.';
+                buf[n++] = char('0' + count % 10);
+            }
+            if (n <= widths_[std::size_t(f)]) {
+                Value& v = values_[std::size_t(f)];
+                v.own.assign(buf, std::size_t(n));
+                v.text = QLatin1StringView(v.own.data(), qsizetype(v.own.size()));
+                v.null = false;
+                v.changed = true;
+                v.pending = false;
+                v.has_number = true;
+                v.negative = negative;
+                v.tenths = count;
+                return;
+            }
+        }
+        const std::string text = plain_number_chars(value);
+        set(f, QLatin1StringView(text.data(), qsizetype(text.size())));
+    }
     // Writes what changed; one Edit and Update for the record.
     void save(DbfTable& table) {
         bool any = false;
@@ -194,8 +225,9 @@ private:
         std::string own;  // short enough to stay in the string itself
         bool null = true;
         bool changed = false;
-        // A total as the arithmetic left it: its number, and its one-decimal
-        // text still to be written out (the tenths, without the sign).
+        // A total as the arithmetic left it: its number in whole tenths
+        // (without the sign), and whether its one-decimal text is still to be
+        // written out; a plain text is written at once.
         bool has_number = false;
         bool pending = false;
         bool negative = false;
@@ -207,22 +239,24 @@ private:
         if (v.pending) write_out(v);
         return v.text;
     }
-    static void write_out(Value& v) {
-        char buf[24];
-        int n = 0;
-        long long count = v.tenths;
-        if (v.negative) buf[n++] = '-';
+    // The decimal digits of a whole number, "0" for nought; gives their count.
+    static int write_digits(long long count, char* out) {
         char digits[20];
         int d = 0;
-        const char decimal = char('0' + count % 10);
-        count /= 10;
         do {
             digits[d++] = char('0' + count % 10);
             count /= 10;
         } while (count > 0);
-        while (d > 0) buf[n++] = digits[--d];
+        for (int k = 0; k < d; ++k) out[k] = digits[d - 1 - k];
+        return d;
+    }
+    static void write_out(Value& v) {
+        char buf[24];
+        int n = 0;
+        if (v.negative) buf[n++] = '-';
+        n += write_digits(v.tenths / 10, buf + n);
         buf[n++] = '.';
-        buf[n++] = decimal;
+        buf[n++] = char('0' + v.tenths % 10);
         v.own.assign(buf, std::size_t(n));
         v.text = QLatin1StringView(v.own.data(), qsizetype(v.own.size()));
         v.pending = false;
@@ -354,8 +388,8 @@ bool recalculate_totals(DbfTable& marks, const ColumnLists& lists,
             rec.set_one_decimal(c, converted);
             if (c != t && t != kNoTarget && d != 0 && x != 0 && is_mark_field(rec, t)) {
                 const double passed = one_decimal_value(number_text_value(d / x) * w);
-                rec.set(t, plain_number_chars(rec.number(t) + passed));
-                rec.set(t, plain_number_chars(std::min(rec.number(t), x)));
+                rec.set_plain_number(t, rec.number(t) + passed);
+                rec.set_plain_number(t, std::min(rec.number(t), x));
             }
         }
 

@@ -449,6 +449,33 @@ double number_text_value(double value) {
     return value < 0 ? -read : read;
 }
 
+bool plain_number_tenths(double value, long long* tenths) {
+    if (!(std::fabs(value) < 1e8)) return false;
+    const long long k = std::llround(value * 10.0);
+    if (k == 0) {
+        *tenths = 0;
+        return value == 0.0;  // any other value near nought has digits of its own
+    }
+    // The unit of the 15th significant digit of k/10: with n digits in k it
+    // is 10^(n - 16). Within a quarter of it (a fortieth when k/10 is a power
+    // of ten, where a value just below has a unit ten times smaller), k/10
+    // is what the 15 digits round to: k/10 is one rounding from its double,
+    // a ninth of the unit at most, and the difference is exact.
+    static constexpr double kUnits[] = {0, 1e-15, 1e-14, 1e-13, 1e-12, 1e-11, 1e-10, 1e-9, 1e-8, 1e-7};
+    const unsigned long long whole = (unsigned long long)(k < 0 ? -k : k);
+    if (whole >= 1000000000ULL) return false;
+    int digits = 1;
+    unsigned long long power = 10;
+    while (whole >= power) {
+        ++digits;
+        power *= 10;
+    }
+    const double margin = kUnits[digits] * (whole == power / 10 ? 0.025 : 0.25);
+    if (!(std::fabs(value - double(k) / 10.0) < margin)) return false;
+    *tenths = k;
+    return true;
+}
+
 QString number_text(double value, int significant) {
     const QString text = plain_number_text(value, significant);
     return text.startsWith(QLatin1Char('-')) ? text : QLatin1Char(' ') + text;

@@ -62,6 +62,10 @@ std::string plain_number_chars(double value, int significant = 15);
 // Val(number_text(value)): the value taken to 15 significant digits, without
 // the text in between.
 double number_text_value(double value);
+// The whole tenths (with their sign) whose text plain_number_chars(value)
+// writes, where the value lies so near them that its 15 digits can be no
+// other; false for any other value, and from a thousand million tenths on.
+bool plain_number_tenths(double value, long long* tenths);
 
 // A 4-decimal fixed-point value, as the averages are kept: the double
 // rounded to 4 decimals as Round does.

@@ -68,3 +68,43 @@ TEST(NumberShortcuts, SumOfWholeTenthsKeepsItsTenthsInTheOneDecimalMask) {
         EXPECT_EQ(text, QString("%1%2.%3").arg(sum < 0 ? "-" : "").arg(std::llabs(sum) / 10).arg(std::llabs(sum) % 10));
     }
 }
+
+// Where plain_number_tenths gives tenths, plain_number_chars writes exactly
+// their text; and it gives them for the sums the totals pass up, whatever
+// their sign, apart from a rare sum too far from its tenths to be sure.
+TEST(NumberShortcuts, PlainTenthsAreThePlainTextOfTheNumber) {
+    std::mt19937_64 rng(17);
+    const auto tenths_text = [](long long k) {
+        const long long a = std::llabs(k);
+        QString text = QString("%1%2").arg(k < 0 ? "-" : "").arg(a / 10);
+        if (a % 10 != 0) text += QString(".%1").arg(a % 10);
+        return text;
+    };
+    std::vector<double> values = {0.0, -0.0, 0.1, -0.1, 1.0, 10.0, 1e7, 99999999.9, 99999999.96, 1e8,
+                                  std::nextafter(100.0, 0.0), std::nextafter(0.1, 1.0), 5e-324, 1e-16,
+                                  std::nan(""), std::numeric_limits<double>::infinity()};
+    // Just below and above each power of ten, where the 15th digit's unit changes.
+    for (double p = 0.1; p < 1e9; p *= 10)
+        for (double off : {1e-16, 4e-16, 1e-15, 3e-15, 1e-14, 1e-12})
+            for (double sign : {1.0, -1.0}) values.insert(values.end(), {sign * p * (1 - off), sign * p * (1 + off)});
+    std::vector<double> sums;  // as the totals pass them up, with cancellation as it comes
+    for (int i = 0; i < 100000; ++i) {
+        const long long a = (long long)(rng() % 2000000001) - 1000000000;
+        sums.push_back(double(a) / 10.0 + double((long long)(rng() % 20001) - 10000) / 10.0);
+        sums.push_back(double((long long)(rng() % 20001) - 10000) / 10.0 + double((long long)(rng() % 2001) - 1000) / 10.0);
+        values.push_back(double(a % 1000000) / 10.0 * (1 + 1e-15 * double(int(rng() % 41) - 20)));
+    }
+    int taken = 0;
+    for (const auto* list : {&values, &sums})
+        for (double x : *list) {
+            long long k = 0;
+            if (!plain_number_tenths(x, &k)) continue;
+            taken += list == &sums;
+            SCOPED_TRACE(x);
+            EXPECT_EQ(tenths_text(k), QString::fromStdString(plain_number_chars(x)));
+        }
+    EXPECT_GT(taken, int(sums.size()) * 99 / 100);
+    long long k = 0;
+    for (double far : {99999999.96, 1e8, 0.05, 1e-16, 47.40000001})
+        EXPECT_FALSE(plain_number_tenths(far, &k)) << far;
+}
