@@ -1134,9 +1134,18 @@ bool DbfTable::write_records(int first, int last) {
 qint64 DbfTable::end_of_span(int last) {
     const qint64 end = record_offset(last + 1);
     if (last != records_ - 1) return end;
-    if (image_.size() < end + 1) image_.resize(end + 1);
+    grow_image(end + 1);
     image_[qsizetype(end)] = char(0x1A);
     return end + 1;
+}
+
+// The image made at least `size` bytes long. Its room grows by half again
+// at a time, so that a batch of appends moves it a handful of times rather
+// than once for every record.
+void DbfTable::grow_image(qint64 size) {
+    if (size <= image_.size()) return;
+    if (size > image_.capacity()) image_.reserve(std::max(qsizetype(size), image_.capacity() + image_.capacity() / 2));
+    image_.resize(qsizetype(size));
 }
 
 // Today's date and `count` into the header in memory (bytes 1 to 7); true
@@ -1231,7 +1240,7 @@ bool DbfTable::Update(DbfError* error) {
             }
         }
         record = count;
-        if (image_.size() < record_offset(record + 1)) image_.resize(record_offset(record + 1));
+        grow_image(record_offset(record + 1));
     }
     const int records_before = records_;
     std::memcpy(image_record(record), edit_buf_.constData(), std::size_t(record_length_));

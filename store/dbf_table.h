@@ -220,6 +220,7 @@ private:
     bool write_header(bool count_changed);
     bool write_through(int last, int count);
     qint64 end_of_span(int last);
+    void grow_image(qint64 size);
     bool stamp_header(int count);
     bool can_change();
     int disk_record_count(bool* ok);
