@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <numeric>
+#include <string>
+#include <string_view>
 
 namespace veldo {
 
@@ -255,6 +257,18 @@ int three_way(const QString& a, const QString& b) {
     return c < 0 ? -1 : (c > 0 ? 1 : 0);
 }
 
+// The key of a plain ASCII text: its folded bytes, which compare as its
+// folded UTF-16 code units would.
+struct ByteSortKey {
+    std::string_view text;
+    double number = 0.0;
+    bool numeric = false;
+};
+int three_way(std::string_view a, std::string_view b) {
+    const int c = a.compare(b);
+    return c < 0 ? -1 : (c > 0 ? 1 : 0);
+}
+
 }  // namespace
 
 namespace {
@@ -282,10 +296,11 @@ struct SortModes {
         return key;
     }
     // Rows a and b compared on their key_cols keys, left to right.
-    int compare(const std::vector<SortKey>& keys, int key_cols, int a, int b) const {
+    template <typename Key>
+    int compare(const std::vector<Key>& keys, int key_cols, int a, int b) const {
         for (int k = 0; k < key_cols; ++k) {
-            const SortKey& x = keys[std::size_t(a) * std::size_t(key_cols) + std::size_t(k)];
-            const SortKey& y = keys[std::size_t(b) * std::size_t(key_cols) + std::size_t(k)];
+            const Key& x = keys[std::size_t(a) * std::size_t(key_cols) + std::size_t(k)];
+            const Key& y = keys[std::size_t(b) * std::size_t(key_cols) + std::size_t(k)];
             int c;
             if (numeric || (generic && x.numeric && y.numeric))
                 c = three_way(x.number, y.number);
@@ -297,7 +312,8 @@ struct SortModes {
     }
     // A merge sort of our own: the generic order is not transitive across
     // numbers and texts, which the standard sorts are not required to bear.
-    std::vector<int> order(const std::vector<SortKey>& keys, int key_cols, int n) const {
+    template <typename Key>
+    std::vector<int> order(const std::vector<Key>& keys, int key_cols, int n) const {
         std::vector<int> order(static_cast<std::size_t>(n)), buffer(static_cast<std::size_t>(n));
         std::iota(order.begin(), order.end(), 0);
         for (int width = 1; width < n; width *= 2) {
@@ -356,6 +372,51 @@ std::vector<int> sorted_order(const std::vector<QString>& cells, GridSort mode) 
     std::vector<SortKey> keys;
     keys.reserve(std::size_t(n));
     for (const QString& cell : cells) keys.push_back(modes.key(cell));
+    return modes.order(keys, 1, n);
+}
+
+std::vector<int> sorted_order(const std::vector<QLatin1StringView>& cells, GridSort mode) {
+    const int n = int(cells.size());
+    bool ascii = true;
+    qsizetype bytes = 0;
+    for (QLatin1StringView cell : cells) {
+        bytes += cell.size();
+        for (char c : cell) ascii = ascii && static_cast<unsigned char>(c) < 0x80;
+    }
+    if (!ascii) {
+        std::vector<QString> texts;
+        texts.reserve(cells.size());
+        for (QLatin1StringView cell : cells) texts.emplace_back(cell);
+        return sorted_order(texts, mode);
+    }
+    std::vector<int> order(static_cast<std::size_t>(n));
+    std::iota(order.begin(), order.end(), 0);
+    if (mode == GridSort::None || n < 2) return order;
+    const SortModes modes(mode);
+    // Every folded text in one buffer, made before any key looks into it.
+    std::string folded_texts(std::size_t(bytes), '\0');
+    char* to = folded_texts.data();
+    const bool fold = modes.generic || modes.no_case;
+    for (QLatin1StringView cell : cells)
+        for (char c : cell) *to++ = fold && c >= 'A' && c <= 'Z' ? char(c + ('a' - 'A')) : c;
+    std::vector<ByteSortKey> keys(static_cast<std::size_t>(n));
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        const QLatin1StringView cell = cells[i];
+        ByteSortKey& key = keys[i];
+        key.text = std::string_view(folded_texts).substr(at, std::size_t(cell.size()));
+        at += std::size_t(cell.size());
+        if (modes.numeric) {
+            key.number = Val(cell);
+        } else if (modes.generic) {
+            // A number starts, past its blanks, with a digit, a sign or a point.
+            qsizetype k = 0;
+            while (k < cell.size() && (cell[k] == QLatin1Char(' ') || cell[k] == QLatin1Char('\t'))) ++k;
+            const char first = k < cell.size() ? cell[k].toLatin1() : ' ';
+            if ((first >= '0' && first <= '9') || first == '+' || first == '-' || first == '.')
+                key.numeric = parse_numeric(QString(cell), &key.number);
+        }
+    }
     return modes.order(keys, 1, n);
 }
 

@@ -154,5 +154,8 @@ private:
 // The order TextGrid::sort puts these cells in, as the one column of a
 // grid with no fixed rows: their places, first to last.
 std::vector<int> sorted_order(const std::vector<QString>& cells, GridSort mode);
+// The same for single-byte Latin-1 texts; plain ASCII texts, as names and
+// numbers almost always are, are sorted in their bytes with no QString each.
+std::vector<int> sorted_order(const std::vector<QLatin1StringView>& cells, GridSort mode);
 
 }  // namespace veldo

@@ -229,3 +229,31 @@ TEST(TextGridSort, GenericOrderIsTheCaseFoldedOrderOverGeneratedNames) {
                      [](const QString& a, const QString& b) { return a.toCaseFolded() < b.toCaseFolded(); });
     EXPECT_EQ(column(g, 0), expected);
 }
+
+// Texts sorted in their single bytes come in the order their QStrings come
+// in, in every mode: generated ASCII names and numbers (blanks, signs,
+// points, exponents, mixed case, duplicates), and Latin-1 names, which take
+// the way through QString.
+TEST(TextGridSort, SingleByteTextsSortAsTheirQStrings) {
+    std::mt19937 gen(23);
+    const char* const alphabets[] = {"aAbBzZ -'09", "0123456789 .+-eE\t", "\xE9\xC9\xDF" "aB1"};
+    for (const char* alphabet : alphabets) {
+        const std::string letters(alphabet);
+        std::vector<std::string> held;
+        for (int i = 0; i < 600; ++i) {
+            std::string text;
+            for (int k = int(gen() % 7); k > 0; --k) text += letters[gen() % letters.size()];
+            held.push_back(text);
+        }
+        std::vector<QLatin1StringView> views;
+        std::vector<QString> texts;
+        for (const std::string& text : held) {
+            views.emplace_back(text.data(), qsizetype(text.size()));
+            texts.push_back(QString::fromLatin1(text.data(), qsizetype(text.size())));
+        }
+        for (int mode = 0; mode <= 8; ++mode) {
+            SCOPED_TRACE(std::string(alphabet) + " mode " + std::to_string(mode));
+            EXPECT_EQ(sorted_order(views, GridSort(mode)), sorted_order(texts, GridSort(mode)));
+        }
+    }
+}
