@@ -99,7 +99,8 @@ TEST_F(MarksTable, OpeningRebuildsInNameOrderWithoutEmptyRows) {
     save_setup("10 WISK_10A");
     fill_marks_table(t.data("marks1.dbf"), {marks_row(3, "nel, Jan", {"7"}), marks_row(0, "Ghost", {"1"}),
                                             marks_row(1, "Botha, Anri", {"8", "A"}), marks_row(-2, "Neg", {}),
-                                            marks_row(2, "du Plessis, Ruan", {"", "5"})});
+                                            marks_row(2, "du Plessis, Ruan", {"", "5"}),
+                                            marks_row(5, "\u20ACuro", {}), marks_row(4, "\u00E9lan", {})});
     // A template installed read-only still gives a table the teacher can write.
     QFile::setPermissions(program + "/mrk_book.org", QFileDevice::ReadOwner | QFileDevice::ReadOther);
     auto book = open_mark_book(*t.store, row, 1);
@@ -107,7 +108,10 @@ TEST_F(MarksTable, OpeningRebuildsInNameOrderWithoutEmptyRows) {
     EXPECT_EQ(book->key, "10 WISK_10A");
     EXPECT_EQ(rows_of("marks1.dbf"), (QList<QStringList>{{"1", "Botha, Anri", "8", "A"},
                                                          {"2", "du Plessis, Ruan", "", "5"},
-                                                         {"3", "nel, Jan", "7", ""}}));
+                                                         {"3", "nel, Jan", "7", ""},
+                                                         // Code-page names go by their characters, not their bytes.
+                                                         {"4", "\u00E9lan", "", ""},
+                                                         {"5", "\u20ACuro", "", ""}}));
     EXPECT_EQ(book->lists.kopieer_reeks.size(), 21);
     EXPECT_FALSE(QFileInfo::exists(t.data(".marks1.dbf.rebuild")));
     EXPECT_TRUE(QFileInfo(t.data("marks1.dbf")).permissions() & QFileDevice::WriteOwner);
