@@ -15,13 +15,8 @@ namespace {
 
 using testing::make_table;
 using testing::read_bytes;
+using testing::walk_names;
 using testing::write_bytes;
-
-QStringList walk(DbfTable& t, int field = 0) {
-    QStringList out;
-    for (t.MoveFirst(); !t.Eof(); t.MoveNext()) out << plain_text(t.value(field)).trimmed();
-    return out;
-}
 
 TEST(DbfReload, ABatchTakesTheTableAsItStandsNow) {
     const QList<DbfField> names{{"NAME", DbfType::Character, 10, 0}};
@@ -74,13 +69,13 @@ TEST(DbfReload, ABatchTakesTheTableAsItStandsNow) {
         make_table(p, names, {{QStringLiteral("Anna")}, {QStringLiteral("Ben")}});
         auto held = DbfTable::open(p);
         ASSERT_TRUE(held);
-        ASSERT_EQ(walk(*held), (QStringList{"Anna", "Ben"}));
+        ASSERT_EQ(walk_names(*held), (QStringList{"Anna", "Ben"}));
         c.change(p);
         EXPECT_EQ(held->begin_batch(), c.begins);
         if (!c.begins) {
             EXPECT_EQ(held->last_error().code, c.error);
         }
-        EXPECT_EQ(walk(*held), c.seen);
+        EXPECT_EQ(walk_names(*held), c.seen);
         EXPECT_TRUE(held->commit_batch() || !c.begins);
     }
 }

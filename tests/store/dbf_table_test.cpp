@@ -7,8 +7,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtEndian>
 
@@ -16,18 +14,19 @@
 
 #include "tests/store/store_tables.h"
 #include "tests/support/golden.h"
+#include "tests/support/store_util_helpers.h"
 #include "tests/support/temp_drive.h"
 #include "tests/support/unprivileged.h"
 
-#include <clocale>
 #include <cstdio>
 #include <csignal>
-#include <cstring>
 #include <sys/resource.h>
 
 using namespace veldo;
+using veldo::testing::CommaLocale;
 using veldo::testing::make_table;
 using veldo::testing::read_bytes;
+using veldo::testing::walk_names;
 using veldo::testing::write_bytes;
 
 namespace {
@@ -145,10 +144,12 @@ protected:
         return path(name);
     }
 
-    static QStringList walk_names(DbfTable& t) {
-        QStringList seen;
-        for (t.MoveFirst(); !t.Eof(); t.MoveNext()) seen << t.value(0).toString().trimmed();
-        return seen;
+    QString p;          // the table open_marks made
+    QByteArray before;  // its bytes then
+    std::unique_ptr<DbfTable> open_marks(const QStringList& names) {
+        p = marks_table(names);
+        before = read_bytes(p);
+        return DbfTable::open(p);
     }
 
     // AddNew, the first field, Update.
@@ -167,15 +168,12 @@ protected:
 
 class DbfCreate : public DbfFixture {};
 
-// Version 3, today's date, no records, the lengths, each field's name, type,
-// width and decimals, Windows ANSI, the header's end and the end mark.
+// Version 3, today's date, no records, the lengths, each field's name in
+// capitals, type, width and decimals, Windows ANSI, the header's end and the
+// end mark. Text takes no decimals; a date is 8 wide, a logical 1.
 TEST_F(DbfCreate, WritesADbaseThreeHeaderWithTodaysDate) {
     ASSERT_TRUE(DbfTable::create(path("new.dbf"), marks_fields()));
     EXPECT_EQ(read_bytes(path("new.dbf")), raw_table(kRawMarks, {}, kOurs));
-}
-
-// Text takes no decimals; a date is 8 wide, a logical 1.
-TEST_F(DbfCreate, StoresFieldNamesInUpperCaseAndFixesTheFixedWidths) {
     ASSERT_TRUE(DbfTable::create(path("t.dbf"), {{"naam", DbfType::Character, 3, 2}, {"dag", DbfType::Date, 3, 0},
                                                  {"ja", DbfType::Logical, 7, 0}}));
     EXPECT_EQ(read_bytes(path("t.dbf")), raw_table({{"NAAM", 'C', 3}, {"DAG", 'D', 8}, {"JA", 'L', 1}}, {}, kOurs));
@@ -226,25 +224,34 @@ TEST_F(DbfCreate, RefusesWhatDbaseThreeCannotHold) {
     }
 }
 
-// A table set read-only opens read-only, without an error, and is not
-// created anew over.
-TEST_F(DbfCreate, LeavesATableSetReadOnlyAloneAndOpensItReadOnly) {
+// A table set read-only, or opened for reading only, walks but refuses every
+// change and keeps its bytes; one set read-only opens without an error and is
+// not created anew over.
+TEST_F(DbfCreate, AReadOnlyTableWalksButRefusesChanges) {
     if (veldo::testing::rerun_unprivileged()) return;
-    const QString p = marks_table({"Anna"});
-    const QByteArray before = read_bytes(p);
-    QFile::setPermissions(p, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
-    ASSERT_FALSE(QFileInfo(p).isWritable());
-    DbfError error;
-    EXPECT_FALSE(DbfTable::create(p, marks_fields(), &error));
-    EXPECT_EQ(error.code, DbfError::ReadOnly);
-    EXPECT_EQ(read_bytes(p), before);
-    error = DbfError{};
-    auto t = DbfTable::open(p, &error);
-    ASSERT_TRUE(t);
-    EXPECT_EQ(error.code, DbfError::None);
-    EXPECT_TRUE(t->is_read_only());
-    EXPECT_EQ(t->value(0).toString().trimmed(), "Anna");
-    EXPECT_FALSE(t->Edit());
+    auto t = open_marks({"A", "B"});
+    for (const bool set_read_only : {false, true}) {
+        SCOPED_TRACE(set_read_only ? "set read-only" : "opened for reading");
+        DbfError error;
+        if (set_read_only) {
+            QFile::setPermissions(p, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+            ASSERT_FALSE(QFileInfo(p).isWritable());
+            EXPECT_FALSE(DbfTable::create(p, marks_fields(), &error));
+            EXPECT_EQ(error.code, DbfError::ReadOnly);
+            error = DbfError{};
+        }
+        t = DbfTable::open(p, &error, set_read_only ? DbfAccess::ReadWrite : DbfAccess::ReadOnly);
+        ASSERT_TRUE(t);
+        EXPECT_EQ(error.code, DbfError::None);
+        EXPECT_TRUE(t->is_read_only());
+        EXPECT_EQ(walk_names(*t), (QStringList{"A", "B"}));
+        t->MoveFirst();
+        EXPECT_TRUE(refused(t->Edit(), *t, DbfError::ReadOnly));
+        EXPECT_FALSE(t->AddNew());
+        EXPECT_TRUE(refused(t->Delete(), *t, DbfError::ReadOnly));
+        t.reset();
+        EXPECT_EQ(read_bytes(p), before);
+    }
 }
 
 TEST_F(DbfCreate, ReplacesAnOldTableAndLeavesNoScratchFiles) {
@@ -286,9 +293,7 @@ TEST_F(DbfWrite, NumbersTakeTheFieldsDecimalsRoundedHalfAwayFromZero) {
 // A number too wide for its field, or a value its type cannot hold, is
 // refused, and Update refuses until CancelUpdate.
 TEST_F(DbfWrite, ANumberTooWideIsRefusedAndNothingIsWritten) {
-    const QString p = marks_table({"Anna"});
-    const QByteArray before = read_bytes(p);
-    auto t = DbfTable::open(p);
+    auto t = open_marks({"Anna"});
     ASSERT_TRUE(t->Edit());
     EXPECT_TRUE(refused(t->set_value("PUNT", 12345.6), *t, DbfError::TooWide));
     EXPECT_EQ(t->last_error().detail, "PUNT");
@@ -312,10 +317,8 @@ TEST_F(DbfWrite, ANumberTooWideIsRefusedAndNothingIsWritten) {
 // An Edit rewrites its own record and nothing else; Delete sets the flag
 // and keeps the header's count.
 TEST_F(DbfWrite, EditAndDeleteRewriteOnlyTheirOwnRecord) {
-    const QString p = marks_table({"Anna", "Ben", "Carl"});
-    const QByteArray before = read_bytes(p);
+    auto t = open_marks({"Anna", "Ben", "Carl"});
     const int ben = kMarksHeader + kMarksRecord;
-    auto t = DbfTable::open(p);
     t->MoveNext();
     ASSERT_TRUE(t->Edit());
     EXPECT_TRUE(t->set_value("PUNT", 55.5));
@@ -345,33 +348,6 @@ TEST_F(DbfWrite, ReadingLeavesTheFileAloneAndAChangeStampsToday) {
     }
     EXPECT_EQ(read_bytes(p).mid(1, 3), today_bytes());
 }
-
-// A Qt program calls setlocale(LC_ALL, ""); under a comma locale the C
-// conversions write "12,5". Builds a comma locale with localedef when the
-// machine has none.
-struct CommaLocale {
-    CommaLocale() {
-        for (const char* name : {"af_ZA.UTF-8", "de_DE.UTF-8", "nl_NL.UTF-8", "fr_FR.UTF-8"})
-            if (try_locale(name)) return;
-        const QString localedef = QStandardPaths::findExecutable(QStringLiteral("localedef"));
-        if (localedef.isEmpty() || !scratch.isValid()) return;
-        QProcess::execute(localedef, {"-i", "de_DE", "-f", "UTF-8", scratch.filePath(QStringLiteral("de_DE.UTF-8"))});
-        qputenv("LOCPATH", QFile::encodeName(scratch.path()));
-        try_locale("de_DE.UTF-8");
-    }
-    ~CommaLocale() {
-        std::setlocale(LC_ALL, "C");
-        qunsetenv("LOCPATH");
-    }
-    bool try_locale(const char* name) {
-        char text[16] = "";
-        if (std::setlocale(LC_ALL, name)) std::snprintf(text, sizeof text, "%.1f", 12.5);
-        active = std::strcmp(text, "12,5") == 0;
-        return active;
-    }
-    QTemporaryDir scratch;
-    bool active = false;
-};
 
 TEST_F(DbfWrite, ACommaLocaleChangesNoStoredByte) {
     QList<QVariantList> rows;  // NAAM and PUNT take the same number
@@ -497,7 +473,7 @@ TEST_F(DbfRead, ATableFromAnotherWriterOpensAndTakesAppends) {
 class DbfWalk : public DbfFixture {
 protected:
     // Takes each step ("first", "next", "previous", "last", "delete",
-    // "refused delete", a signed move or "" for none) and checks where the
+    // "refused delete", "add" and a name, a signed move or "" for none) and checks where the
     // walk then stands.
     static void walk(DbfTable& t, std::initializer_list<std::pair<const char*, const char*>> steps) {
         for (const auto& [step, expected] : steps) {
@@ -512,6 +488,8 @@ protected:
                 t.MoveLast();
             } else if (s.endsWith("delete")) {
                 EXPECT_EQ(t.Delete(), s == "delete") << step;
+            } else if (s.startsWith("add ")) {
+                EXPECT_TRUE(add(t, s.mid(4))) << step;
             } else if (!s.isEmpty()) {
                 t.Move(s.toInt());
             }
@@ -541,49 +519,38 @@ TEST_F(DbfWalk, MovesStopAtBofAndEofAndPassDeletedRecords) {
 }
 
 // After a Delete there is no current record until the next move; MoveNext
-// goes to the record that followed, MovePrevious to the one before.
+// goes to the record that followed, MovePrevious to the one before. So a loop
+// deleting each record it walks to empties the table.
 TEST_F(DbfWalk, AfterDeleteTheNextMoveGoesOnFromTheDeletedRecord) {
     auto t = DbfTable::open(marks_table({"A", "B", "C"}));
     walk(*t, {{"next", "1 B"}, {"delete", "-1"}});
     EXPECT_TRUE(refused(t->value(0).isValid(), *t, DbfError::NoCurrentRecord));
     EXPECT_EQ(t->RecordCount(), 2);
-    walk(*t, {{"refused delete", "-1"}, {"next", "1 C"}, {"delete", "-1"}, {"next", "-1 EOF"}, {"first", "0 A"}});
-    ASSERT_TRUE(add(*t, "Z"));
-    walk(*t, {{"", "1 Z"}, {"delete", "-1"}, {"previous", "0 A"}});
-}
-
-TEST_F(DbfWalk, DeletingEveryRecordInALoopLeavesAnEmptyTable) {
-    auto t = DbfTable::open(marks_table({"A", "B", "C"}));
+    walk(*t, {{"refused delete", "-1"}, {"next", "1 C"}, {"delete", "-1"}, {"next", "-1 EOF"}, {"first", "0 A"},
+              {"add Z", "1 Z"}, {"delete", "-1"}, {"previous", "0 A"}, {"add Y", "1 Y"}});
     for (t->MoveFirst(); !t->Eof(); t->MoveNext()) ASSERT_TRUE(t->Delete());
-    EXPECT_EQ(t->RecordCount(), 0);
-    EXPECT_TRUE(t->Bof());
+    EXPECT_EQ(where(*t), "-1 BOF EOF");
     ASSERT_TRUE(t->Refresh());
     EXPECT_EQ(t->RecordCount(), 0);
 }
 
 TEST_F(DbfWalk, AddNewBecomesCurrentOnlyAfterUpdate) {
-    const QString p = marks_table({"A", "B"});
-    auto t = DbfTable::open(p);
-    const QByteArray before = read_bytes(p);
+    auto t = open_marks({"A", "B"});
     ASSERT_TRUE(t->AddNew());
     t->set_value(0, QStringLiteral("C"));
     EXPECT_EQ(t->value(0).toString(), "C         ");  // the edit buffer
     EXPECT_EQ(t->RecordCount(), 2);
     t->CancelUpdate();
     EXPECT_EQ(read_bytes(p), before);
-    EXPECT_EQ(where(*t), "0 A");
-    ASSERT_TRUE(add(*t, "C"));
+    walk(*t, {{"", "0 A"}, {"add C", "2 C"}});
     EXPECT_EQ(t->RecordCount(), 3);
-    EXPECT_EQ(where(*t), "2 C");
     EXPECT_EQ(walk_names(*t), (QStringList{"A", "B", "C"}));
 }
 
 // A change without Edit or AddNew, an Edit abandoned by a move, an edit
 // spoilt by an unknown field and a Delete during AddNew write nothing.
 TEST_F(DbfWalk, ARefusedChangeWritesNothing) {
-    const QString p = marks_table({"A", "B"});
-    const QByteArray before = read_bytes(p);
-    auto t = DbfTable::open(p);
+    auto t = open_marks({"A", "B"});
     DbfError error;
     EXPECT_TRUE(refused(t->set_value(0, QStringLiteral("X")), *t, DbfError::NotEditing));
     EXPECT_FALSE(t->Update(&error));
@@ -614,15 +581,14 @@ TEST_F(DbfWalk, ARefusedChangeWritesNothing) {
 // before Refresh, a record they deleted is not brought back by an edit here,
 // and an append here goes after theirs.
 TEST_F(DbfWalk, AnotherWorkstationsChangesAreKept) {
-    const QString p = marks_table({"A", "B"});
-    auto mine = DbfTable::open(p);
+    auto mine = open_marks({"A", "B"});
     auto theirs = DbfTable::open(p);
     ASSERT_TRUE(theirs->Delete());
     ASSERT_TRUE(add(*theirs, "Theirs"));
-    const QByteArray before = read_bytes(p);
+    const QByteArray theirs_done = read_bytes(p);
     EXPECT_EQ(mine->RecordCount(), 2);
     EXPECT_TRUE(refused(mine->Edit(), *mine, DbfError::NoCurrentRecord));
-    EXPECT_EQ(read_bytes(p), before);
+    EXPECT_EQ(read_bytes(p), theirs_done);
 
     ASSERT_TRUE(add(*mine, "Mine"));
     EXPECT_EQ(mine->value(0).toString().trimmed(), "Mine");
@@ -645,19 +611,16 @@ TEST_F(DbfWalk, ClosedTableAnswersWithoutCrashing) {
     EXPECT_EQ(t->RecordCount(), 1);
 }
 
-class DbfOpen : public DbfFixture {
-protected:
-    DbfError::Code open_code(const QString& p) {
+using DbfOpen = DbfFixture;
+
+// Refused, the path named, and the file left as it is.
+TEST_F(DbfOpen, WhatIsNotASoundTableIsRefused) {
+    const auto open_code = [](const QString& p) {
         DbfError error;
-        auto t = DbfTable::open(p, &error);
-        EXPECT_FALSE(t);
+        EXPECT_FALSE(DbfTable::open(p, &error));
         EXPECT_EQ(error.path, p);
         return error.code;
-    }
-};
-
-// Refused, and the file is left as it is.
-TEST_F(DbfOpen, WhatIsNotASoundTableIsRefused) {
+    };
     EXPECT_EQ(open_code(path("none.dbf")), DbfError::Missing);
     QDir(dir.path()).mkdir("folder.dbf");
     EXPECT_EQ(open_code(path("folder.dbf")), DbfError::NotATable);
@@ -693,30 +656,14 @@ TEST_F(DbfOpen, WhatIsNotASoundTableIsRefused) {
     }
 }
 
-TEST_F(DbfOpen, ReadOnlyAccessWalksButRefusesChanges) {
-    const QString p = marks_table({"A", "B"});
-    const QByteArray before = read_bytes(p);
-    auto t = DbfTable::open(p, nullptr, DbfAccess::ReadOnly);
-    ASSERT_TRUE(t);
-    EXPECT_TRUE(t->is_read_only());
-    EXPECT_EQ(walk_names(*t), (QStringList{"A", "B"}));
-    t->MoveFirst();
-    EXPECT_TRUE(refused(t->Edit(), *t, DbfError::ReadOnly));
-    EXPECT_FALSE(t->AddNew());
-    EXPECT_TRUE(refused(t->Delete(), *t, DbfError::ReadOnly));
-    t.reset();
-    EXPECT_EQ(read_bytes(p), before);
-}
-
 // The header must not count a record that never reached the disk.
 TEST_F(DbfOpen, AFailedAppendLeavesTheStoredRecordsReadable) {
-    const QString p = marks_table({"A", "B"});
-    auto t = DbfTable::open(p);
+    auto t = open_marks({"A", "B"});
     ASSERT_TRUE(t->AddNew());
     t->set_value(0, QStringLiteral("C"));
     DbfError error;
     {
-        FileSizeLimit full(QFileInfo(p).size());
+        FileSizeLimit full(before.size());
         ASSERT_TRUE(full.set);
         EXPECT_FALSE(t->Update(&error));
     }
@@ -769,8 +716,7 @@ TEST_F(DbfBatch, WritesTheSameBytesAsChangesOneByOne) {
 // record is being edited, nobody else edits it; other records stay free.
 TEST_F(DbfBatch, HoldsTheTableUntilItIsCommitted) {
     DbfTable::set_lock_wait_ms(50);
-    const QString p = marks_table({"A", "B"});
-    auto mine = DbfTable::open(p);
+    auto mine = open_marks({"A", "B"});
     ASSERT_TRUE(mine->begin_batch());
     ASSERT_TRUE(add(*mine, "Mine"));
 
@@ -806,8 +752,7 @@ TEST_F(DbfBatch, HoldsTheTableUntilItIsCommitted) {
 // A rebuild puts a new file in the table's place: an edit on the old one is
 // refused rather than lost; a batch takes the new one.
 TEST_F(DbfBatch, AReplacedTableIsNoticed) {
-    const QString p = marks_table({"A", "B"});
-    auto held = DbfTable::open(p);
+    auto held = open_marks({"A", "B"});
     const QString fresh = marks_table({"B", "A", "C"}, "fresh.dbf");
     ASSERT_EQ(std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(p).constData()), 0);
     EXPECT_TRUE(refused(held->Edit(), *held, DbfError::Replaced));
@@ -819,9 +764,7 @@ TEST_F(DbfBatch, AReplacedTableIsNoticed) {
 }
 
 TEST_F(DbfBatch, AFailedCommitCountsNothingItDidNotWrite) {
-    const QString p = marks_table({"A", "B"});
-    const QByteArray before = read_bytes(p);
-    auto t = DbfTable::open(p);
+    auto t = open_marks({"A", "B"});
     t->begin_batch();
     for (int i = 0; i < 50; ++i) ASSERT_TRUE(add(*t, QString("N%1").arg(i)));
     DbfError error;
@@ -883,21 +826,18 @@ TEST_F(DbfTemplate, MissingTablesAndMemosComeFromTheTemplates) {
     EXPECT_EQ(read_bytes(data + "/xyz_P_S.dbt"), "memo template");
 }
 
-TEST_F(DbfTemplate, IfMissingKeepsAndOverReplacesTheExistingSpelling) {
+// Over another spelling of the table the template takes that spelling's
+// place; no template, no copy.
+TEST_F(DbfTemplate, OverReplacesTheExistingSpelling) {
     const QString tmpl = program + "/mrk_book.org";
     write_bytes(tmpl, "template");
     write_bytes(data + "/Marks1.DBF", "old");
-    EXPECT_TRUE(copy_template_if_missing(tmpl, data + "/marks1.dbf"));
-    EXPECT_EQ(read_bytes(data + "/Marks1.DBF"), "old");
     EXPECT_TRUE(copy_template_over(tmpl, data + "/marks1.dbf"));
     EXPECT_EQ(read_bytes(data + "/Marks1.DBF"), "template");
     EXPECT_EQ(QDir(data).entryList(QDir::Files), QStringList{"Marks1.DBF"});
-
-    EXPECT_TRUE(copy_template_if_missing(tmpl, data + "/marks2.dbf"));
-    EXPECT_EQ(read_bytes(data + "/marks2.dbf"), "template");
-    EXPECT_FALSE(copy_template_if_missing(program + "/none.org", data + "/marks3.dbf"));
-    EXPECT_FALSE(copy_template_over(program + "/none.org", data + "/marks2.dbf"));
-    EXPECT_EQ(read_bytes(data + "/marks2.dbf"), "template");
+    write_bytes(data + "/Marks1.DBF", "old");
+    EXPECT_FALSE(copy_template_over(program + "/none.org", data + "/marks1.dbf"));
+    EXPECT_EQ(read_bytes(data + "/Marks1.DBF"), "old");
 }
 
 TEST(DbfSafeFile, ReplacesWholeFilesAndFailsWithoutHarm) {

@@ -49,12 +49,6 @@ TEST(UserLocks, AMissingFolderReturnsFalseAndAMissingFileIsMadeEmpty) {
     EXPECT_EQ(QFileInfo(t.path("user_lock_record.txt")).size(), 0);
 }
 
-TEST(UserLocks, LieAtTheDriveRootWhileTheSharedFolderIsEmpty) {
-    TempDrive t;
-    EXPECT_EQ(t.run.in_folder(t.run.shared_settings_folder, "user_lock_record.txt"),
-              t.path("user_lock_record.txt"));
-}
-
 TEST(NetworkSwitch, IsCreatedFalseOnceAndReadAfterwards) {
     TempDrive t;
     EXPECT_FALSE(read_network_switch(t.run));

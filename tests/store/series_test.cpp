@@ -4,7 +4,6 @@
 #include "store/series.h"
 #include "tests/support/series_file.h"
 #include "tests/support/temp_drive.h"
-#include "util/text_grid.h"
 
 namespace veldo {
 namespace {
@@ -25,40 +24,23 @@ struct SeriesFile : ::testing::Test {
 };
 using SeriesRows = SeriesFile;
 using MarkList = SeriesFile;
-using ClassLists = SeriesFile;
 
+// Each field at its offset: texts as they are, the total a single, the number
+// 16 bits, the date a double of days (46036), least significant byte first.
 TEST(SeriesLayout, IsFortyFourBytesWithFieldsAtTheirOffsets) {
-    const RecordLayout& l = series_record_layout();
-    EXPECT_EQ(l.length(), 44);
-    const int offsets[] = {0, 3, 8, 12, 15, 18, 21, 23, 28, 36};
-    for (int i = 0; i < 10; ++i) EXPECT_EQ(l.fields()[i].offset, offsets[i]) << i;
-    const QByteArray raw = series_record({"12 ", "EN HL", 75.5f, "12A", "   ", "   ", 258, "K1", QDate(2026, 1, 14)});
-    ASSERT_EQ(raw.size(), 44);
-    EXPECT_EQ(raw.left(8), QByteArray("12 EN HL"));
-    EXPECT_EQ(raw.mid(8, 4), QByteArray::fromHex("0000 9742"));  // 75.5f little-endian
-    EXPECT_EQ(raw.mid(21, 2), QByteArray::fromHex("0201"));      // 258
-    EXPECT_EQ(raw.mid(28, 8), QByteArray::fromHex("00000000807ae640"));  // 46036 days
+    EXPECT_EQ(series_record({"12 ", "EN HL", 75.5f, "12A", "B  ", "G1 ", 258, "K1", QDate(2026, 1, 14)}),
+              "12 EN HL" + QByteArray::fromHex("00009742") + "12AB  G1 " + QByteArray::fromHex("0201") + "K1   " +
+                  QByteArray::fromHex("00000000807ae640") + QByteArray(8, ' '));
 }
 
 TEST_F(SeriesRows, HoldTheNineColumnsUntrimmedWithTotal100AboveGrade9) {
     write({{"12 ", "GES  ", 400, "12A", "   ", "   ", 7, "K7", QDate(2026, 1, 14)},
            {"9  ", "NW   ", 80, "   ", "   ", "N1 ", 4, "K4", QDate(2026, 1, 14)},
            {"R  ", "AFR  ", 62.5f, "RA ", "   ", "   ", 0, "", QDate()}});
-    const auto rows = series_rows(*t.store);
-    ASSERT_EQ(rows.size(), 3);
-    EXPECT_EQ(rows[0], (QStringList{"12 ", "GES  ", "100", "12A", "   ", "   ", "7", "K7   ", "2026/01/14"}));
-    EXPECT_EQ(rows[1], (QStringList{"9  ", "NW   ", "80", "   ", "   ", "N1 ", "4", "K4   ", "2026/01/14"}));
-    EXPECT_EQ(rows[2][2], "62.5");
-    EXPECT_EQ(rows[2][8], "00:00:00");
-    EXPECT_EQ(t.store->series_count(), 3);
-}
-
-TEST_F(SeriesRows, FillTheGridWithoutAHeadingRow) {
-    write({{"8  ", "AFR  ", 100, "8A ", "", "", 1, "", {}}});
-    TextGrid grid;
-    fill_series_grid(*t.store, grid);
-    EXPECT_EQ((QList<int>{grid.rows(), grid.cols(), grid.fixed_rows()}), (QList<int>{1, 9, 0}));
-    EXPECT_EQ(grid.text(0, 1), "AFR  ");
+    EXPECT_EQ(series_rows(*t.store), (QList<QStringList>{
+                                         {"12 ", "GES  ", "100", "12A", "   ", "   ", "7", "K7   ", "2026/01/14"},
+                                         {"9  ", "NW   ", "80", "   ", "   ", "N1 ", "4", "K4   ", "2026/01/14"},
+                                         {"R  ", "AFR  ", "62.5", "RA ", "   ", "   ", "0", "     ", "00:00:00"}}));
 }
 
 TEST_F(SeriesRows, AnEmptyOrMissingTableGivesNoRows) {
@@ -92,14 +74,6 @@ TEST_F(MarkList, PutsTheGroupBeforeTheClassAndCutsTheClassPart) {
     for (const auto& item : mark_list_items(*t.store)) texts << item.text;
     EXPECT_EQ(texts, (QStringList{"  10 WISK  10 ", "   9 NW    B1 ", "  12 GES   12A"}));
     EXPECT_EQ(mark_list_items(*t.store).at(2).total, "400");  // the stored figure, not 100
-}
-
-TEST_F(ClassLists, ListsClassesOrGroupsJoinedByCommas) {
-    write({{"8  ", "AFR  ", 100, "8A ", "", "", 1, "", {}}, {"9  ", "NW   ", 80, "   ", "", "N1 ", 2, "", {}},
-           {"9  ", "NW   ", 80, "   ", "", "   ", 3, "", {}}});
-    const ClassList list = class_list(*t.store);
-    EXPECT_EQ(list.items, (QStringList{"8A", "N1"}));
-    EXPECT_EQ(list.joined, "8A, N1");
 }
 
 TEST(MarksFiles, EitherControlFileKeepsTheEntryOpen) {

@@ -1,6 +1,6 @@
 #pragma once
 // Tables and record files for the store's tests: a dBASE table filled with
-// rows, and the records of a file shown field by field.
+// rows and walked, and the records of a file shown field by field.
 
 #include <QStringList>
 #include <QVariantList>
@@ -22,6 +22,13 @@ inline void make_table(const QString& path, const QList<DbfField>& fields, const
         for (int i = 0; i < row.size(); ++i) ASSERT_TRUE(t->set_value(i, row[i])) << i;
         ASSERT_TRUE(t->Update());
     }
+}
+
+// The first field's text of each record a walk sees, blanks cut.
+inline QStringList walk_names(DbfTable& t) {
+    QStringList seen;
+    for (t.MoveFirst(); !t.Eof(); t.MoveNext()) seen << plain_text(t.value(0)).trimmed();
+    return seen;
 }
 
 // Each record of `bytes` as the plain texts of its fields joined by '|'.

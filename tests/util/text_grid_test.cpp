@@ -156,7 +156,6 @@ TEST(TextGridSort, EachOrderSortsTheColumn) {
         int last_col = 0;
     } rows[] = {
         {{"10", "9", "2.5"}, GridSort::GenericAscending, {"2.5", "9", "10"}},
-        {{"smit", "Botha", "de Wet"}, GridSort::GenericAscending, {"Botha", "de Wet", "smit"}},
         {{"5", "40", "12"}, GridSort::GenericDescending, {"40", "12", "5"}},
         {{"7.5", "A", "12", ""}, GridSort::NumericDescending, {"12", "7.5", "A", ""}},
         {{"7.5", "A", "12", ""}, GridSort::NumericAscending, {"A", "", "7.5", "12"}},
