@@ -15,8 +15,8 @@
 #include "markbook/setup_model.h"
 #include "store/dbf_table.h"
 #include "tests/support/program_run.h"
+#include "tests/support/reports_app_helpers.h"
 #include "tests/support/temp_drive.h"
-#include "util/text_helpers.h"
 
 namespace veldo {
 namespace {
@@ -33,22 +33,12 @@ State state_of(const QString& root) {
     while (it.hasNext()) {
         const QString path = it.next();
         QList<QStringList>& rows = state[QDir(root).relativeFilePath(path)];
-        if (path.endsWith(".txt")) {
-            for (const SetupRow& r : MarkBookSetup::from_file_bytes(testing::read_bytes(path)).rows)
-                rows << QStringList{r.name, r.total, r.target, r.out_of, r.cycle};
+        if (!path.endsWith(".txt")) {
+            rows = testing::table_rows(path);
             continue;
         }
-        DbfError error;
-        auto t = DbfTable::open(path, &error);
-        if (!t) {
-            rows << QStringList{"unreadable: " + dbf_error_message(error, false)};
-            continue;
-        }
-        for (t->MoveFirst(); !t->Eof(); t->MoveNext()) {
-            QStringList r;
-            for (int f = 0; f < t->field_count(); ++f) r << toets_null_text(t->value(f)).trimmed();
-            rows << r;
-        }
+        for (const SetupRow& r : MarkBookSetup::from_file_bytes(testing::read_bytes(path)).rows)
+            rows << QStringList{r.name, r.total, r.target, r.out_of, r.cycle};
     }
     return state;
 }
@@ -69,12 +59,9 @@ struct CrashSafety : ::testing::Test {
         QDir(root).removeRecursively();
         QProcess::execute("cp", {"-a", pristine, root});
         QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("KESTRALIN_DRIVE", root);
-        p.setProcessEnvironment(env);
-        QStringList args{"-f", "-qq", "-e", "trace=" + kCalls.join(','), "-o", trace};
-        if (k > 0) args << "-e" << QString("inject=%1:signal=KILL:when=%2").arg(call).arg(k);
-        p.start("strace", args + QStringList{VELDO_PROGRAM} + command.replaceInStrings("%DATA%", root + "/data"));
+        const QString inject = QString("inject=%1:signal=KILL:when=%2").arg(call).arg(k);
+        testing::start_traced(p, root, kCalls.join(','), trace, command.replaceInStrings("%DATA%", root + "/data"),
+                              k > 0 ? QStringList{"-e", inject} : QStringList());
         p.waitForFinished(60000);
         return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
     }
@@ -113,9 +100,8 @@ struct CrashSafety : ::testing::Test {
                 const QString where = QString("%1 killed at %2 #%3").arg(command.first(), call).arg(k);
                 for (const auto& [file, rows] : found) {
                     SCOPED_TRACE((where + ": " + file).toStdString());
-                    const auto b = before.find(file), a = after.find(file), f = first.find(file);
-                    const bool as_before = (b != before.end() && b->second == rows) || (f != first.end() && f->second == rows);
-                    EXPECT_TRUE(as_before || (a != after.end() && a->second == rows)) << rows.size() << " rows";
+                    const auto holds = [&](const State& s) { return s.count(file) && s.at(file) == rows; };
+                    EXPECT_TRUE(holds(first) || holds(before) || holds(after)) << rows.size() << " rows";
                 }
                 for (const auto& [file, rows] : first)
                     EXPECT_TRUE(found.count(file)) << file.toStdString() << " is gone: " << where.toStdString();

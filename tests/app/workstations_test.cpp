@@ -9,9 +9,8 @@
 #include <memory>
 #include <vector>
 
-#include "store/dbf_table.h"
 #include "tests/support/program_run.h"
-#include "util/text_helpers.h"
+#include "tests/support/reports_app_helpers.h"
 
 namespace veldo {
 namespace {
@@ -45,17 +44,7 @@ struct Workstations : ::testing::Test {
     QStringList on(const QString& word, const QStringList& more = {}) const {
         return QStringList{word, "--data", data, "--series", "4"} + more;
     }
-    QList<QStringList> rows(const QString& table) {
-        auto t = DbfTable::open(data + "/" + table);
-        QList<QStringList> out;
-        if (!t) return out;
-        for (t->MoveFirst(); !t->Eof(); t->MoveNext()) {
-            QStringList r;
-            for (int f = 0; f < t->field_count(); ++f) r << toets_null_text(t->value(f)).trimmed();
-            out << r;
-        }
-        return out;
-    }
+    QList<QStringList> rows(const QString& table) const { return testing::table_rows(data + "/" + table); }
 };
 
 // K exports of one task append K times the class to both tables the

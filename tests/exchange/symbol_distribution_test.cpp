@@ -22,14 +22,8 @@ struct Symbols : ::testing::Test {
     const QStringList row{"9  ", "NW   ", "80", "9A ", "B  ", "   ", "4", "", ""};
     TextGrid grid;
 
-    void symbols(const QList<QList<QVariant>>& rows) {
-        DbfTable::create(t.data("pi2_dta.dbf"), symbol_table_fields());
-        auto s = DbfTable::open(t.data("pi2_dta.dbf"));
-        for (const auto& r : rows) {
-            s->AddNew();
-            for (int i = 0; i < r.size(); ++i) s->set_value(i, r[i]);
-            s->Update();
-        }
+    void symbols(const QList<QVariantList>& rows) {
+        testing::make_table(t.data("pi2_dta.dbf"), symbol_table_fields(), rows);
     }
     void setup(const QList<SetupRow>& rows) {
         MarkBookSetup s;

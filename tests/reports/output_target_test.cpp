@@ -78,6 +78,7 @@ TEST_F(OutputTargetTest, LoadClearsTheFileTargetsAndReadsTheColourSwitch) {
     };
     const Case cases[] = {
         {"kleur_drukker.txt", "-1\r\n", -1, "colour as the family writes True"},
+        {"kleur_drukker.txt", "#TRUE#\r\n", -1, "or as a True of its own"},
         {"Kleur_Drukker.TXT", "1\r\n", 1, "the switch is found in any case"},
         {"kleur_drukker.txt", "\"kleur\"\r\n", 0, "an unreadable switch is black"},
         {"kleur_drukker.txt", "", 0, "an empty switch is black"},
@@ -195,6 +196,11 @@ TEST_F(OutputTargetTest, ExcelOkSetsTheFileAndRemembersTheFolder) {
     EXPECT_EQ(read_bytes(excel_gids()), remembered(drive.path("uitvoer")));
     // Only the remembered folder was written: the workbook comes at the end of the job.
     EXPECT_EQ(all_files(), QStringList{"ProgramData/KESTRALIN/excel_uitvoer_gids"});
+    // The job takes the choice to the page engine and its worksheet hooks.
+    PrintJob job;
+    apply_output_choice(choice, job);
+    EXPECT_EQ(std::tuple(job.print_chosen, job.output_to_excel, job.export_folder, job.export_stem),
+              std::tuple(false, true, drive.path("uitvoer") + "/", QString("Punte 8A")));
 }
 
 // The save dialog starts in the remembered folder, or in the program's
