@@ -1544,13 +1544,6 @@ QString existing_spelling(const QString& path) {
 
 }  // namespace
 
-bool copy_template_if_missing(const QString& template_path, const QString& target_path) {
-    const QFileInfo target(target_path);
-    if (file_exists_ignoring_case(target.absolutePath(), target.fileName())) return true;
-    if (!QFileInfo(template_path).isFile()) return false;
-    return copy_file_atomic(template_path, target_path);
-}
-
 bool copy_template_over(const QString& template_path, const QString& target_path) {
     if (!QFileInfo(template_path).isFile()) return false;
     return copy_file_atomic(template_path, existing_spelling(target_path));

@@ -257,10 +257,9 @@ private:
     mutable DbfError error_;
 };
 
-// Template copies, both atomic. The target is looked up ignoring case, and an
-// existing spelling is the one replaced. if_missing: true when the target is
-// there afterwards. over: true when the copy was made.
-bool copy_template_if_missing(const QString& template_path, const QString& target_path);
+// A template copied over a table, atomically; an existing spelling of the
+// target, looked up ignoring case, is the one replaced. True when the copy
+// was made.
 bool copy_template_over(const QString& template_path, const QString& target_path);
 
 // Gives `folder` a table from the templates beside the program: if

@@ -4,6 +4,7 @@
 #include "store/series.h"
 #include "tests/support/series_file.h"
 #include "tests/support/temp_drive.h"
+#include "util/text_grid.h"
 
 namespace veldo {
 namespace {
@@ -24,6 +25,7 @@ struct SeriesFile : ::testing::Test {
 };
 using SeriesRows = SeriesFile;
 using MarkList = SeriesFile;
+using ClassLists = SeriesFile;
 
 // Each field at its offset: texts as they are, the total a single, the number
 // 16 bits, the date a double of days (46036), least significant byte first.
@@ -57,6 +59,22 @@ TEST_F(SeriesRows, AShortLastRecordIsCountedAndReadWithBlanksMissing) {
     ASSERT_EQ(rows.size(), 2);
     EXPECT_EQ(rows[1][0], "10 ");
     EXPECT_EQ(rows[1][2], "100");
+}
+
+TEST_F(SeriesRows, FillTheGridWithoutAHeadingRow) {
+    write({{"8  ", "AFR  ", 100, "8A ", "", "", 1, "", {}}});
+    TextGrid grid;
+    fill_series_grid(*t.store, grid);
+    EXPECT_EQ((QList<int>{grid.rows(), grid.cols(), grid.fixed_rows()}), (QList<int>{1, 9, 0}));
+    EXPECT_EQ(grid.text(0, 1), "AFR  ");
+}
+
+TEST_F(ClassLists, ListsClassesOrGroupsJoinedByCommas) {
+    write({{"8  ", "AFR  ", 100, "8A ", "", "", 1, "", {}}, {"9  ", "NW   ", 80, "   ", "", "N1 ", 2, "", {}},
+           {"9  ", "NW   ", 80, "   ", "", "   ", 3, "", {}}});
+    const ClassList list = class_list(*t.store);
+    EXPECT_EQ(list.items, (QStringList{"8A", "N1"}));
+    EXPECT_EQ(list.joined, "8A, N1");
 }
 
 TEST(SeriesKey, TakesClassElseGroupAndKeepsTheGradePadding) {

@@ -108,6 +108,31 @@ TEST(TextHelpersTitleCase, CapitalisesPiecesBetweenBlanksDashesAndUnderscores) {
     }
 }
 
+// Texts compare as texts ("9" is above "10"), numbers as numbers, a numeric
+// text against a number by value; a text that is no number is the greater and
+// gives zero; Null passes over; empty text first gives zero whatever b.
+TEST(TextHelpersMaxOf, ComparesAsTheValuesStandAndGivesANumber) {
+    const struct {
+        QVariant a, b;
+        double expected;
+    } rows[] = {
+        {text(""), QVariant(5.0), 0.0},      {text(""), QVariant(1e9), 0.0},
+        {QVariant(3.0), i16(7), 7.0},        {QVariant(30.0), i16(7), 30.0},     {QVariant(-1.0), QVariant(false), 0.0},
+        {text("9"), text("10"), 9.0},        {text("10"), text("9"), 9.0},
+        {text("9"), QVariant(10.0), 10.0},   {text("12.5"), QVariant(10.0), 12.5},
+        {text("abc"), QVariant(10.0), 0.0},  {QVariant(10.0), text("abc"), 0.0},
+        {QVariant(4.0), null_value(), 4.0},  {null_value(), QVariant(4.0), 0.0},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(plain_text(r.a).toStdString() + " | " + plain_text(r.b).toStdString());
+        EXPECT_EQ(max_of(r.a, r.b), r.expected);
+    }
+    EXPECT_EQ(min_of_val(text("abc"), QVariant(3.0)), 0.0);
+    EXPECT_EQ(min_of_val(text("12abc"), text(" 4.5")), 4.5);
+    EXPECT_EQ(min_of_val(i16(-2), text("1")), -2.0);
+    EXPECT_EQ(min_of_val(null_value(), QVariant(3.0)), 0.0);
+}
+
 TEST(TextHelpersDateToDotted, GivesYearMonthDayWithDotsOrEmpty) {
     const TextRow rows[] = {
         {text("20170102"), "2017.01.02", "eight digits get dots"},
