@@ -60,6 +60,14 @@ struct DesktopWidgets : ::testing::Test {
         menu(desktop, "punte_mnu")->entry_button(entry)->click();
         return menu(desktop, entry == 2 ? "punte_menu2" : "punte_menu1");
     }
+    // Types `keys` one at a time into the widget with the keyboard (or `to`
+    // when none has it), then `end`, and lets the boxes be answered.
+    static void type(const QString& keys, Qt::Key end, QWidget* to = nullptr) {
+        const auto focus = [to] { return QApplication::focusWidget() ? QApplication::focusWidget() : to; };
+        for (const QChar key : keys) QTest::keyClicks(focus(), QString(key));
+        QTest::keyClick(focus(), end);
+        QTest::qWait(80);
+    }
     void answer(QWidget* w) {
         if (auto* box = qobject_cast<QInputDialog*>(w); box && box->isVisible()) {
             said << box->labelText();
@@ -93,8 +101,8 @@ struct DesktopWidgets : ::testing::Test {
 };
 
 // The captions and what the menus do are pinned by the menus' own tests;
-// here the widgets carry them.
-TEST_F(DesktopWidgets, ALanguageClickLeadsFromTheSplashToTheMenus) {
+// here the widgets carry them. The frame itself never closes.
+TEST_F(DesktopWidgets, ALanguageClickLeadsFromTheSplashToTheMenusWhichStay) {
     Desktop desktop(program, [] { return false; });
     ASSERT_TRUE(started(desktop, 1));
     EXPECT_FALSE(desktop.is_loaded("marks_splash"));
@@ -110,6 +118,13 @@ TEST_F(DesktopWidgets, ALanguageClickLeadsFromTheSplashToTheMenus) {
     book->exit_button()->click();
     EXPECT_FALSE(desktop.is_loaded("punte_menu2"));
     EXPECT_TRUE(desktop.is_loaded("punte_mnu"));
+    // The frame refuses to close and brings the top menu back.
+    desktop.unload("punte_mnu");
+    EXPECT_FALSE(desktop.is_loaded("punte_mnu"));
+    EXPECT_FALSE(desktop.close());
+    EXPECT_TRUE(desktop.isVisible());
+    EXPECT_TRUE(desktop.is_loaded("punte_mnu"));
+    EXPECT_TRUE(menu(desktop, "punte_mnu"));
 }
 
 TEST_F(DesktopWidgets, ASecondCopyEndsBeforeAnyMenu) {
@@ -120,41 +135,12 @@ TEST_F(DesktopWidgets, ASecondCopyEndsBeforeAnyMenu) {
     EXPECT_FALSE(desktop.is_loaded("punte_mnu"));
 }
 
-TEST_F(DesktopWidgets, TheFrameRefusesToCloseAndShowsTheTopMenu) {
-    Desktop desktop(program, [] { return false; });
-    ASSERT_TRUE(started(desktop));
-    desktop.unload("punte_mnu");
-    EXPECT_FALSE(desktop.is_loaded("punte_mnu"));
-    EXPECT_FALSE(desktop.close());
-    EXPECT_TRUE(desktop.isVisible());
-    EXPECT_TRUE(desktop.is_loaded("punte_mnu"));
-    ASSERT_TRUE(menu(desktop, "punte_mnu"));
-}
-
-// The keyboard on the menus: Enter and Space press the focused entry,
-// Escape goes back from a second-level menu.
-TEST_F(DesktopWidgets, TheMenusWorkFromTheKeyboard) {
-    Desktop desktop(program, [] { return false; });
-    ASSERT_TRUE(started(desktop));
-    // Keys go to the entry that would have the keyboard: an offscreen window
-    // is not always the active one, so focus can't be relied on here.
-    for (const Qt::Key code : {Qt::Key_Return, Qt::Key_Space}) {
-        SCOPED_TRACE(code);
-        MenuWidget* top = menu(desktop, "punte_mnu");
-        ASSERT_TRUE(top);
-        QTest::keyClick(top->entry_button(2), code);
-        MenuWidget* book = menu(desktop, "punte_menu2");
-        ASSERT_TRUE(book) << "the key presses the focused entry";
-        QTest::keyClick(book->entry_button(1), Qt::Key_Escape);
-        EXPECT_FALSE(desktop.is_loaded("punte_menu2")) << "Escape goes back to the top menu";
-    }
-}
-
 bool holds(QWidget* outer, QWidget* inner) { return inner && (inner == outer || outer->isAncestorOf(inner)); }
 
 // The keyboard comes back to the menu a screen was opened from when that
-// screen closes.
-TEST_F(DesktopWidgets, TheKeyboardComesBackToTheMenuBehindAClosedScreen) {
+// screen closes; on the menus Enter and Space press the focused entry and
+// Escape goes back from a second-level menu.
+TEST_F(DesktopWidgets, TheMenusWorkFromTheKeyboardWhichComesBackFromAClosedScreen) {
     Desktop desktop(program, [] { return false; });
     MenuWidget* book = mark_book_menu(desktop);
     ASSERT_TRUE(book);
@@ -173,6 +159,18 @@ TEST_F(DesktopWidgets, TheKeyboardComesBackToTheMenuBehindAClosedScreen) {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     EXPECT_FALSE(desktop.is_loaded("punte_menu2"));
     EXPECT_TRUE(holds(desktop.screen_widget("punte_mnu"), QApplication::focusWidget()));
+    // Keys go to the entry that would have the keyboard: an offscreen window
+    // is not always the active one, so focus can't be relied on here.
+    for (const Qt::Key code : {Qt::Key_Return, Qt::Key_Space}) {
+        SCOPED_TRACE(code);
+        MenuWidget* top = menu(desktop, "punte_mnu");
+        ASSERT_TRUE(top);
+        QTest::keyClick(top->entry_button(2), code);
+        book = menu(desktop, "punte_menu2");
+        ASSERT_TRUE(book) << "the key presses the focused entry";
+        QTest::keyClick(book->entry_button(1), Qt::Key_Escape);
+        EXPECT_FALSE(desktop.is_loaded("punte_menu2")) << "Escape goes back to the top menu";
+    }
 }
 
 // The form that stays after a refused folder says what it is and what to do.
@@ -221,11 +219,6 @@ TEST_F(DesktopWidgets, MarksAreTypedIntoTheGridKeyByKey) {
         }
     }
 
-    auto type = [&](const QString& keys, Qt::Key end) {
-        for (const QChar key : keys) QTest::keyClicks(QApplication::focusWidget(), QString(key));
-        QTest::keyClick(QApplication::focusWidget(), end);
-        QTest::qWait(80);
-    };
     struct Key {
         const char* keys;
         Qt::Key end;
@@ -325,10 +318,7 @@ TEST_F(DesktopWidgets, CycleMarksAreKeyedWithTheirEffortKeys) {
         SCOPED_TRACE(k.keys);
         said.clear();
         QApplication::setActiveWindow(&desktop);
-        const auto focus = [&] { return QApplication::focusWidget() ? QApplication::focusWidget() : grid; };
-        for (const QChar key : QString(k.keys)) QTest::keyClicks(focus(), QString(key));
-        QTest::keyClick(focus(), Qt::Key_Return);
-        QTest::qWait(80);
+        type(k.keys, Qt::Key_Return, grid);
         QApplication::setActiveWindow(&desktop);
         EXPECT_EQ(grid->currentIndex(), grid->model()->index(k.row, k.column));
         EXPECT_EQ(input->label("punte_inlees_tot")->text(), k.total);
@@ -342,13 +332,14 @@ TEST_F(DesktopWidgets, CycleMarksAreKeyedWithTheirEffortKeys) {
     EXPECT_FALSE(input->series_list()->isHidden());
 }
 
-// Entry 3 of the mark book menu opens the print screen over the menu: the
-// series list, a book chosen, EXIT back to the menu.
-TEST_F(DesktopWidgets, TheMarkBookMenuOpensThePrintScreen) {
+// Entries 3 to 5 of the mark book menu open the print, distribution and
+// export screens over it, which answer the mouse and the keyboard (Enter on a
+// series shows its grid or its tasks, whose contents are pinned by the
+// screens' own tests); EXIT goes back to the menu.
+TEST_F(DesktopWidgets, ThePrintSymbolAndExportScreensOpenFromTheMarkBookMenu) {
     Desktop desktop(program, [] { return false; });
     MenuWidget* menu = mark_book_menu(desktop);
     ASSERT_TRUE(menu);
-
     int rows = -1;
     QString chosen;
     QTimer::singleShot(50, [&] {
@@ -366,15 +357,7 @@ TEST_F(DesktopWidgets, TheMarkBookMenuOpensThePrintScreen) {
     EXPECT_EQ(chosen, "8 AFR 8A");
     EXPECT_FALSE(desktop.is_loaded("pboek_druk"));
     EXPECT_TRUE(desktop.is_loaded("punte_menu2"));
-}
 
-// The distribution and the export open from the mark book menu and answer
-// the keyboard: Enter on a series shows its grid or its tasks, whose
-// contents are pinned by the screens' own tests.
-TEST_F(DesktopWidgets, TheSymbolAndExportScreensOpenFromTheMenuAndAnswerTheKeyboard) {
-    Desktop desktop(program, [] { return false; });
-    MenuWidget* menu = mark_book_menu(desktop);
-    ASSERT_TRUE(menu);
     menu->entry_button(4)->click();
     auto* symbols = qobject_cast<SymbolPrintWidget*>(desktop.screen_widget("simbole_druk"));
     ASSERT_TRUE(symbols);

@@ -14,8 +14,9 @@ namespace {
 using PromptDrive = testing::ShellFixture;
 using testing::TempDrive;
 
-// OK, or Enter in the box, hands the typed password to the prompt (whose
-// answer is pinned by the password tests) and closes the window.
+// The caption and label in the user's language; OK, or Enter in the box,
+// hands the typed password to the prompt (whose answer is pinned by the
+// password tests) and closes the window.
 TEST(PasswordPromptDialog, OkOrEnterShowsThePlatformErrorAndCloses) {
     for (const bool enter : {false, true}) {
         SCOPED_TRACE(enter);
@@ -23,7 +24,10 @@ TEST(PasswordPromptDialog, OkOrEnterShowsThePlatformErrorAndCloses) {
         t.run.language_afrikaans = enter;
         PasswordPromptDialog dialog(t.ctx);
         dialog.show();
-        EXPECT_EQ(dialog.windowTitle(), enter ? "WAGWOORD" : "PASSWORD");
+        const QString caption = enter ? "WAGWOORD" : "PASSWORD";
+        const auto label = [&](const char* name) { return dialog.findChild<QLabel*>(name)->text(); };
+        EXPECT_EQ((QStringList{dialog.windowTitle(), label("scr_wwd_txt"), label("ww_program_beskrywing")}),
+                  (QStringList{caption, caption, ""}));
         EXPECT_EQ(dialog.scr_wagwoord()->echoMode(), QLineEdit::Password);
         dialog.scr_wagwoord()->setText("geheim");
         QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);

@@ -137,20 +137,18 @@ TEST_F(Assessment, EachModeShowsItsColumnsAndTheCursorWalksThem) {
         // The last learner stays where it is.
         const int last = input.learner_count() - 1;
         EXPECT_EQ(input.next_cell(last, r.shown.last()), (std::pair{last, r.first}));
-        // The lists appear only with their boxes on.
-        EXPECT_EQ(input.lookup_for(3), AssessmentInput::NoList);
-        input.set_ps_info(true);
-        input.set_fe_info(true);
-        using L = AssessmentInput::Lookup;
-        EXPECT_EQ((QList<L>{input.lookup_for(2), input.lookup_for(3), input.lookup_for(4), input.lookup_for(7)}),
-                  (QList<L>{L::NoList, L::EffortKeyList, L::FormativeList, L::FormativeList}));
-        input.set_ps_info(false);
-        input.set_fe_info(false);
         ASSERT_TRUE(input.restore_backup());
     }
-    // No option marked: OK acts as exit.
+    // The lists appear only with their boxes on, whatever the mode.
     AssessmentInput input(ctx, printer);
     ASSERT_TRUE(input.load());
+    EXPECT_EQ(input.lookup_for(3), AssessmentInput::NoList);
+    input.set_ps_info(true);
+    input.set_fe_info(true);
+    using L = AssessmentInput::Lookup;
+    EXPECT_EQ((QList<L>{input.lookup_for(2), input.lookup_for(3), input.lookup_for(4), input.lookup_for(7)}),
+              (QList<L>{L::NoList, L::EffortKeyList, L::FormativeList, L::FormativeList}));
+    // No option marked: OK acts as exit.
     ASSERT_TRUE(input.open_subject(0));
     EXPECT_FALSE(input.io_ok(AssessmentInput::NoMode));
     EXPECT_EQ(screens.unloaded, QStringList{"obe_inlees"});

@@ -60,17 +60,9 @@ TEST_F(ChangeFolderTest, AFolderWithOnlyTheOlderTableIsRefusedButStaysPicked) {
 
 TEST_F(ChangeFolderTest, TheDialogStartsOnTheRememberedFolder) {
     write_bytes(run.program_folder + "/user_info.txt", "\"  /skool/data  \"\r\n");
-    struct Recorder : testing::ScriptedDialogs {
-        QString start;
-        QString choose_folder(const QString&, const QString& s) override {
-            start = s;
-            return {};
-        }
-    } recorder;
-    ShellContext c{run, *store, recorder, screens, ctx.clock};
-    ChangeFolder f(c);
+    ChangeFolder f(ctx);
     f.load();
-    EXPECT_EQ(recorder.start, "/skool/data");
+    EXPECT_EQ(dialogs.folder_start, "/skool/data");
 }
 
 }  // namespace

@@ -40,14 +40,13 @@ TEST(FloatingMenuTable, ButtonsCarryTheFamilysPrograms) {
 // Each load empties the box and shows each environment entry on a line.
 TEST(FloatingMenu, LoadShowsTheEnvironmentAndExitUnloads) {
     Window w;
-    w.menu.load();
-    EXPECT_EQ(w.menu.environment_text(), "HOME=/home/juffrou\nLANG=af_ZA.UTF-8\n");
-    w.screens.environment = QStringList{"PATH=/usr/bin"};
-    w.menu.load();
-    EXPECT_EQ(w.menu.environment_text(), "PATH=/usr/bin\n");
-    w.screens.environment.clear();
-    w.menu.load();
-    EXPECT_EQ(w.menu.environment_text(), "");
+    QStringList shown;
+    for (const QStringList& environment : {w.screens.environment, QStringList{"PATH=/usr/bin"}, QStringList()}) {
+        w.screens.environment = environment;
+        w.menu.load();
+        shown << w.menu.environment_text();
+    }
+    EXPECT_EQ(shown, (QStringList{"HOME=/home/juffrou\nLANG=af_ZA.UTF-8\n", "PATH=/usr/bin\n", ""}));
     w.menu.sk0f_exit();
     EXPECT_EQ(w.screens.unloaded, QStringList{screen::sk0_floating});
 }

@@ -30,8 +30,9 @@ public:
         return inputs.isEmpty() ? default_text : inputs.dequeue();
     }
     void beep() override { ++beeps; }
-    QString choose_folder(const QString& title, const QString&) override {
+    QString choose_folder(const QString& title, const QString& start) override {
         prompts.append(title);
+        folder_start = start;
         return folders.isEmpty() ? QString() : folders.dequeue();
     }
     QString choose_open_file(const QString& title, const QString& start, const QString& filter) override {
@@ -58,6 +59,7 @@ public:
     QQueue<MsgAnswer> answers;
     QQueue<QString> inputs, folders, files;
     QString clipboard;
+    QString folder_start;             // of the last folder picker
     QString file_start, file_filter;  // of the last file picker
 };
 
