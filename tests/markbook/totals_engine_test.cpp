@@ -95,6 +95,8 @@ TEST_F(Totals, EachRuleOfTheArithmeticToTheLastDecimal) {
         // "abc" is no absence: it is a mark of 0 and its scale counts.
         {"text in a mark reads as its leading number", two_tests, {"abc", "8x"}, {{4, "8.0"}}},
         {"text in a mark reads as its leading number: a comma ends it", two_tests, {"  7.5 ", "8,5"}, {{4, "15.5"}}},
+        {"a no-break space around a mark is trimmed as a blank", two_tests, {"\u00A07\u00A0", "8"}, {{4, "15.0"}}},
+        {"a no-break space alone is no mark", two_tests, {"\u00A0", "8"}, {{4, "16.0"}}},
         // 1 of 3 on a scale of 20 is 6.7. FINAL is fed SUB's 1 of 20
         // weighted 3, 0.2; the 5.666... that SUB gained is passed up read
         // back from its fifteen-digit text before the weight:

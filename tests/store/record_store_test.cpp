@@ -183,6 +183,28 @@ TEST_F(OpenTable, TablesWithTheirOwnStepsOpenAfterThem) {
     EXPECT_FALSE(exists("gedrag2_random.txt"));
 }
 
+// Four symbols in the old outcomes years (a year prefix of 4 to 6 before
+// 2013), seven otherwise: each side of each bound.
+TEST_F(OpenTable, TheSymbolsAreFourInTheOldOutcomesYears) {
+    const QStringList four{"1 |34|0", "2 |49|35", "3 |69|50", "4 |100|70"};
+    const struct {
+        const char *prefix, *year;
+        bool four;
+    } rows[] = {{"3", "2012", false}, {"4", "2012", true}, {"6", "2012", true}, {"7", "2012", false}, {"4", "2013", false}};
+    for (const auto& r : rows) {
+        SCOPED_TRACE(std::string(r.prefix) + " " + r.year);
+        QFile::remove(t.data("pi2_random.txt"));
+        t.run.year_prefix = r.prefix;
+        t.run.current_year = r.year;
+        RecordStore(t.run).open_table("PI2", t.run.data_folder);
+        const QStringList symbols = record_texts(read_bytes(t.data("pi2_random.txt")), symbol_record_layout());
+        EXPECT_EQ(symbols.size(), r.four ? 4 : 7);
+        if (r.four) {
+            EXPECT_EQ(symbols, four);
+        }
+    }
+}
+
 TEST_F(OpenTable, AllTablesOpenInCatalogueOrder) {
     s.open_table("*", t.run.data_folder);
     EXPECT_EQ(s.table("SKL").file_number, 101);

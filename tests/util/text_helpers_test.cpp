@@ -203,17 +203,26 @@ TEST(TextHelpersPlainText, EachTypeInItsOwnForm) {
     }
 }
 
+// USER, else LOGNAME, else the account database; the name as long as the
+// system's 255-character buffer held it, and none past that.
 TEST(TextHelpersLoginName, ComesFromTheEnvironmentFirst) {
-    const QByteArray saved = qgetenv("USER");
-    qputenv("USER", "juffrou");
-    EXPECT_EQ(get_login_name(), QStringLiteral("juffrou"));
-    qunsetenv("USER");
-    const QByteArray saved_logname = qgetenv("LOGNAME");
-    qunsetenv("LOGNAME");
-    // Without either variable the account database answers.
-    if (const passwd* pw = getpwuid(geteuid())) {
-        EXPECT_EQ(get_login_name(), QString::fromLocal8Bit(pw->pw_name));
+    const QByteArray saved_user = qgetenv("USER"), saved_logname = qgetenv("LOGNAME");
+    const passwd* pw = getpwuid(geteuid());
+    ASSERT_NE(pw, nullptr);
+    const QString account = QString::fromLocal8Bit(pw->pw_name);
+    const struct {
+        QByteArray user, logname;
+        QString expected;
+    } rows[] = {
+        {"juffrou", "meneer", "juffrou"}, {"", "meneer", "meneer"}, {"", "", account},
+        {QByteArray(254, 'x'), "", QString(254, 'x')}, {QByteArray(255, 'x'), "meneer", ""},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.user.size());
+        r.user.isEmpty() ? qunsetenv("USER") : qputenv("USER", r.user);
+        r.logname.isEmpty() ? qunsetenv("LOGNAME") : qputenv("LOGNAME", r.logname);
+        EXPECT_EQ(get_login_name(), r.expected);
     }
-    if (!saved_logname.isNull()) qputenv("LOGNAME", saved_logname);
-    if (!saved.isNull()) qputenv("USER", saved);
+    saved_user.isNull() ? qunsetenv("USER") : qputenv("USER", saved_user);
+    saved_logname.isNull() ? qunsetenv("LOGNAME") : qputenv("LOGNAME", saved_logname);
 }
