@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "reports/grid_report.h"
 #include "reports/page_engine.h"
 #include "tests/support/pdf_printer.h"
 #include "tests/support/temp_drive.h"
@@ -50,7 +51,6 @@ TEST(QtPrintSurfaceScale, A4InCharactersOfTheMonospacedCell) {
     EXPECT_NEAR(s.CurrentY(), 3.0f, 0.05f);  // the pen stays; the lines grew
 }
 
-// A table on this surface reads back whole in PrintText's tests.
 TEST(QtPrintSurfacePdf, PageWithHeadAndLinesReadsBack) {
     TempDrive drive;
     drive.run.school_name = QStringLiteral("Hoerskool Rivierpark");
@@ -66,6 +66,13 @@ TEST(QtPrintSurfacePdf, PageWithHeadAndLinesReadsBack) {
         EXPECT_EQ(page_head(surface, job, drive.run, title, subtitle), std::optional<float>(6.0f));
         surface.print_text(QStringLiteral("Jan Botha        75.5"));
         surface.print_text(QStringLiteral("Marie du Toit     81.0"));
+        // A grid with an upright heading: the one text this surface turns.
+        TextGrid grid(1, 1);
+        grid.set_font_size(10);
+        grid.set_format_string(QStringLiteral("<Naam|>Punt|^~~R~~Gemiddeld"));
+        for (int c = 0; c < 3; ++c) grid.set_col_width(c, 1800);
+        grid.add_item(QStringLiteral("Piet Pompies\t64.0\t60"));
+        EXPECT_EQ(print_grid_report(surface, job, grid), GridReportResult::Finished);
         surface.set_CurrentY(20);
         end_of_print(surface, job, drive.run);
         EXPECT_EQ(drive.dialogs.texts(), QStringList{QStringLiteral("PRINTING COMPLETE (1 pages)")});
@@ -73,7 +80,7 @@ TEST(QtPrintSurfacePdf, PageWithHeadAndLinesReadsBack) {
     ASSERT_TRUE(QFileInfo::exists(pdf));
     const QString text = pdf_text(pdf);
     for (const char* part : {"2026.11.23", "VELDO-TALLY", "09:15:00", "Hoerskool Rivierpark", "PAGE : 1",
-                             "PUNTELYS GRAAD 10", "Jan Botha", "Marie du Toit",
+                             "PUNTELYS GRAAD 10", "Jan Botha", "Marie du Toit", "Piet Pompies", "Gemiddeld",
                              "KESTRALIN (Debian GNU/Linux 12)"})
         EXPECT_TRUE(text.contains(QLatin1String(part))) << part << "\n" << text.toStdString();
     // The date and the program's title share the first line of the head.
