@@ -415,9 +415,11 @@ std::array<Currency, 43> class_averages(DbfTable& marks, const ColumnLists& list
         bool character;
     };
     std::vector<Counted> counted_fields;
-    for (int f = 2; f < fields; ++f)
-        if (is_text_field(marks.field(f).type))
-            counted_fields.push_back({f, marks.field_offset(f), marks.field(f).width, marks.field(f).type == DbfType::Character});
+    for (int f = 2; f < fields; ++f) {
+        const DbfField& field = marks.field(f);
+        if (is_text_field(field.type))
+            counted_fields.push_back({f, marks.field_offset(f), field.width, field.type == DbfType::Character});
+    }
     for (marks.MoveFirst(); !marks.Eof(); marks.MoveNext()) {
         const QByteArrayView record = marks.record_bytes();
         for (const Counted& c : counted_fields) {
