@@ -98,12 +98,10 @@ bool build_symbol_distribution(RecordStore& store, const QStringList& row, int s
             double mark = 0;
             const DbfField& field = marks->field(i);
             if (field.type == DbfType::Character && !record.isEmpty()) {
-                // The stored bytes as the value's text would read: up to a
-                // NUL, nothing when every byte is blank.
                 const char* p = record.data() + marks->field_offset(i);
-                if (std::all_of(p, p + field.width, [](char c) { return c == ' ' || c == '\0'; })) continue;
-                const QLatin1StringView text =
-                    cp1252::trimmed(QLatin1StringView(p, std::find(p, p + field.width, '\0') - p));
+                const int length = stored_text_length(p, field.width, true);
+                if (length < 0) continue;
+                const QLatin1StringView text = cp1252::trimmed(QLatin1StringView(p, length));
                 if (text.isEmpty() || text == QLatin1StringView("A") || text == QLatin1StringView("a")) continue;
                 mark = Val(text);
             } else {

@@ -15,7 +15,6 @@
 #include "store/record_store.h"
 #include "store/series.h"
 #include "store/table_layouts.h"
-#include "util/cp1252.h"
 #include "util/file_lookup.h"
 #include "util/legacy_number.h"
 #include "util/text_grid.h"
@@ -209,33 +208,24 @@ std::unique_ptr<DbfTable> rebuild_open_table(RunState& run, const QString& path,
     std::vector<int> places;
     places.reserve(std::size_t(old->RecordCount()));
     // A character field's names are taken as their stored bytes, held in the
-    // table while it is rebuilt: the text the field reads as, up to a NUL,
-    // and none when every byte is blank.
+    // table while it is rebuilt.
     const bool name_bytes = old->field_count() > 1 && old->field(1).type == DbfType::Character;
     std::vector<QLatin1StringView> name_views;
     std::vector<QString> names;
-    bool ascii = true;
     int place = 0;
     for (old->MoveFirst(); !old->Eof(); old->MoveNext(), ++place) {
         if (!holds_learner(old->value(0))) continue;
         places.push_back(place);
         if (name_bytes) {
             const char* p = old->record_bytes().data() + old->field_offset(1);
-            const int width = old->field(1).width;
-            const bool blank = std::all_of(p, p + width, [](char c) { return c == ' ' || c == '\0'; });
-            const QLatin1StringView name(p, blank ? 0 : std::find(p, p + width, '\0') - p);
-            for (char c : name) ascii = ascii && static_cast<unsigned char>(c) < 0x80;
-            name_views.push_back(name);
+            name_views.emplace_back(p, std::max(stored_text_length(p, old->field(1).width, true), 0));
         } else {
             const QVariant name = old->value(1);
             names.push_back(name.typeId() == QMetaType::QString ? name.toString() : plain_text(name));
         }
     }
-    // Only plain ASCII reads alike as single bytes; any other name is decoded.
-    if (name_bytes && !ascii)
-        for (QLatin1StringView name : name_views) names.push_back(cp1252::decode(name.data(), name.size()));
-    const std::vector<int> order = name_bytes && ascii ? sorted_order(name_views, GridSort::GenericAscending)
-                                                       : sorted_order(names, GridSort::GenericAscending);
+    const std::vector<int> order = name_bytes ? sorted_order(name_views, GridSort::GenericAscending)
+                                              : sorted_order(names, GridSort::GenericAscending);
 
     // The new table is filled beside the old one and then takes its place.
     const QString fresh = QFileInfo(path).dir().filePath("." + QFileInfo(path).fileName() + ".rebuild");

@@ -14,20 +14,8 @@
 namespace veldo {
 namespace {
 
+// Fields read as text in their stored bytes; other types through their value.
 bool is_text_field(DbfType type) { return type == DbfType::Character || type == DbfType::Memo || type == DbfType::Other; }
-
-// A stored field's text as the table layer hands it back, in the table's own
-// single-byte code: a character field up to its first NUL, a memo or other
-// field whole. Its length comes back, or -1 for Null when every byte is
-// blank; an int comes back in a register where an optional view would go
-// through memory on every field. Other types are no text: the caller reads
-// them through their value.
-int stored_length(const char* p, int width, bool character) {
-    int i = 0;
-    while (i < width && (p[i] == ' ' || p[i] == '\0')) ++i;
-    if (i == width) return -1;
-    return character ? int(std::find(p, p + width, '\0') - p) : width;
-}
 
 // One record's fields as text, held while it is worked on. A value is stored
 // as the table would hand it back: cut at the field's width, and Null when it
@@ -66,7 +54,7 @@ public:
             v.pending = false;
             if (text_field_[std::size_t(i)] && !record.isEmpty()) {
                 const char* p = record.data() + offsets_[std::size_t(i)];
-                const int length = stored_length(p, widths_[std::size_t(i)], character_[std::size_t(i)]);
+                const int length = stored_text_length(p, widths_[std::size_t(i)], character_[std::size_t(i)]);
                 v.null = length < 0;
                 v.text = QLatin1StringView(p, std::max(length, 0));  // the record's own bytes, not copied
             } else {
@@ -425,7 +413,7 @@ std::array<Currency, 43> class_averages(DbfTable& marks, const ColumnLists& list
         for (const Counted& c : counted_fields) {
             const int f = c.f;
             const char* p = record.data() + c.offset;
-            int length = stored_length(p, c.width, c.character);
+            int length = stored_text_length(p, c.width, c.character);
             if (length < 0) continue;
             while (length > 0 && p[length - 1] == ' ') --length;
             const QLatin1StringView text(p, length);

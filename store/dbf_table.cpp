@@ -328,10 +328,8 @@ QVariant read_field(const DbfField& field, const char* p) {
     const int n = field.width;
     if (all_blank(p, n)) return {};
     switch (field.type) {
-    case DbfType::Character: {
-        const int length = int(std::find(p, p + n, '\0') - p);
-        return cp1252::decode(p, length);
-    }
+    case DbfType::Character:
+        return cp1252::decode(p, stored_text_length(p, n, true));
     case DbfType::Numeric: {
         const auto number = parse_number(p, p + n);
         return number ? QVariant(*number) : QVariant();
@@ -350,7 +348,7 @@ QVariant read_field(const DbfField& field, const char* p) {
         return {};
     case DbfType::Memo:
     case DbfType::Other:
-        return cp1252::decode(p, n);
+        return cp1252::decode(p, stored_text_length(p, n, false));
     }
     return {};
 }
@@ -669,6 +667,11 @@ void report(DbfError* error, DbfError::Code code, const QString& path, const QSt
 }
 
 }  // namespace
+
+int stored_text_length(const char* p, int width, bool character) {
+    if (all_blank(p, width)) return -1;
+    return character ? int(std::find(p, p + width, '\0') - p) : width;
+}
 
 // ---------------------------------------------------------------------------
 

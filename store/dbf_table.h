@@ -257,6 +257,12 @@ private:
     mutable DbfError error_;
 };
 
+// A stored field's text as the table reads it, in the table's own
+// single-byte code: a character field up to its first NUL, a memo or other
+// field whole. Gives its length, or -1 for Null, when every byte is blank.
+// The whole-table walks read their mark fields through this, in place.
+int stored_text_length(const char* p, int width, bool character);
+
 // A template copied over a table, atomically; an existing spelling of the
 // target, looked up ignoring case, is the one replaced. True when the copy
 // was made.

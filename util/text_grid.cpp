@@ -1,5 +1,6 @@
 #include "util/text_grid.h"
 
+#include "util/cp1252.h"
 #include "util/legacy_number.h"
 
 #include <algorithm>
@@ -386,7 +387,7 @@ std::vector<int> sorted_order(const std::vector<QLatin1StringView>& cells, GridS
     if (!ascii) {
         std::vector<QString> texts;
         texts.reserve(cells.size());
-        for (QLatin1StringView cell : cells) texts.emplace_back(cell);
+        for (QLatin1StringView cell : cells) texts.push_back(cp1252::decode(cell.data(), cell.size()));
         return sorted_order(texts, mode);
     }
     std::vector<int> order(static_cast<std::size_t>(n));

@@ -154,8 +154,9 @@ private:
 // The order TextGrid::sort puts these cells in, as the one column of a
 // grid with no fixed rows: their places, first to last.
 std::vector<int> sorted_order(const std::vector<QString>& cells, GridSort mode);
-// The same for single-byte Latin-1 texts; plain ASCII texts, as names and
-// numbers almost always are, are sorted in their bytes with no QString each.
+// The same for texts in the tables' single-byte code page: when every text is
+// plain ASCII, as names and numbers almost always are, they are sorted in
+// their bytes with no QString each; otherwise each is decoded first.
 std::vector<int> sorted_order(const std::vector<QLatin1StringView>& cells, GridSort mode);
 
 }  // namespace veldo
