@@ -13,6 +13,7 @@
 
 #include "tests/store/store_tables.h"
 #include "tests/support/golden.h"
+#include "tests/support/store_transcript.h"
 #include "tests/support/store_util_helpers.h"
 #include "tests/support/temp_drive.h"
 #include "tests/support/unprivileged.h"
@@ -163,9 +164,8 @@ protected:
         return s;
     }
 
-    // A scenario's transcript: what each step did, "done" or "refused" with
-    // the error's code and field. TearDown compares it with
-    // tests/data/store/dbf/<suite>.<test>.txt, the folder shown as <dir>.
+    // A scenario's transcript (store_transcript.h): what each step did,
+    // "done" or "refused" with the error's code and field.
     QStringList log;
     void step(const QString& what, bool done, const DbfError& e) {
         const QString detail = e.detail.isEmpty() ? QString() : " " + e.detail;
@@ -173,10 +173,9 @@ protected:
     }
     void step(const QString& what, bool done, const DbfTable& t) { step(what, done, t.last_error()); }
     void TearDown() override {
-        if (log.isEmpty()) return;
-        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-        const QString name = QString("store/dbf/%1.%2.txt").arg(info->test_suite_name(), info->name());
-        EXPECT_TRUE(matches_golden(log.join('\n').replace(dir.path(), "<dir>") + '\n', name));
+        if (!log.isEmpty()) {
+            EXPECT_TRUE(matches_test_golden(log, "store/dbf", dir.path()));
+        }
     }
 };
 
