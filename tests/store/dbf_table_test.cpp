@@ -457,26 +457,21 @@ TEST_F(DbfRead, ATableFromAnotherWriterOpensAndTakesAppends) {
 class DbfWalk : public DbfFixture {
 protected:
     // Takes each step ("first", "next", "previous", "last", "delete",
-    // "refused delete", "add" and a name, a signed move or "" for none) and checks where the
-    // walk then stands.
+    // "refused delete", "add" and a name, a signed move or "" for none) and
+    // checks where the walk then stands.
     static void walk(DbfTable& t, std::initializer_list<std::pair<const char*, const char*>> steps) {
+        const QMap<QString, void (DbfTable::*)()> moves = {{"first", &DbfTable::MoveFirst},
+            {"next", &DbfTable::MoveNext}, {"previous", &DbfTable::MovePrevious}, {"last", &DbfTable::MoveLast}};
         for (const auto& [step, expected] : steps) {
             const QString s = QString::fromLatin1(step);
-            if (s == "first") {
-                t.MoveFirst();
-            } else if (s == "next") {
-                t.MoveNext();
-            } else if (s == "previous") {
-                t.MovePrevious();
-            } else if (s == "last") {
-                t.MoveLast();
-            } else if (s.endsWith("delete")) {
+            if (moves.contains(s))
+                (t.*moves[s])();
+            else if (s.endsWith("delete"))
                 EXPECT_EQ(t.Delete(), s == "delete") << step;
-            } else if (s.startsWith("add ")) {
+            else if (s.startsWith("add "))
                 EXPECT_TRUE(add(t, s.mid(4))) << step;
-            } else if (!s.isEmpty()) {
+            else if (!s.isEmpty())
                 t.Move(s.toInt());
-            }
             EXPECT_EQ(where(t), expected) << step;
         }
     }

@@ -85,8 +85,8 @@ TEST_F(OpenTable, AVanishedDriveOfTheCheckFolderEndsTheProgram) {
     t.run.drive_root = drive;  // the check folder lies on this "drive"
     other.remove();
     EXPECT_THROW(s.open_table("BRP", t.run.data_folder, drive + "/data"), ProgramEnd);
-    EXPECT_EQ(t.dialogs.texts(),
-              QStringList{"NETWORK DRIVE  " + drive + "  NOT AVAILABLE ...\r\n\r\nCONTACT YOUR NETWORK ADMINISTRATOR !"});
+    EXPECT_EQ(t.dialogs.texts(), QStringList{"NETWORK DRIVE  " + drive +
+                                             "  NOT AVAILABLE ...\r\n\r\nCONTACT YOUR NETWORK ADMINISTRATOR !"});
 }
 
 TEST_F(OpenTable, ASecondOpenInTheSameFolderKeepsTheNumberAndRewinds) {

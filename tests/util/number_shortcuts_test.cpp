@@ -15,17 +15,9 @@ TEST(NumberShortcuts, ValueOfTheNumberTextIsValOfTheText) {
     std::mt19937_64 rng(11);
     std::uniform_real_distribution<double> exponent(-330, 310);
     std::uniform_real_distribution<double> unit(-1, 1);
-    std::vector<double> values = {0.0,
-                                  -0.0,
-                                  0.15,
-                                  -2.675,
-                                  1e15,
-                                  999999999999999.5,
-                                  std::numeric_limits<double>::max(),
-                                  std::numeric_limits<double>::denorm_min(),
-                                  std::numeric_limits<double>::min(),
-                                  std::numeric_limits<double>::infinity(),
-                                  -std::numeric_limits<double>::infinity(),
+    using limits = std::numeric_limits<double>;
+    std::vector<double> values = {0.0, -0.0, 0.15, -2.675, 1e15, 999999999999999.5, limits::max(),
+                                  limits::denorm_min(), limits::min(), limits::infinity(), -limits::infinity(),
                                   std::nan("")};
     for (int i = 0; i < 20000; ++i) values.push_back(unit(rng) * std::pow(10.0, exponent(rng)));
     // Marks' shares: a mark over a total times a weight, as the totals work them.

@@ -15,8 +15,14 @@ QStringList column(const TextGrid& g, int col) {
     return out;
 }
 
-// Rows, columns, fixed rows, fixed columns.
-QList<int> shape(const TextGrid& g) { return {g.rows(), g.cols(), g.fixed_rows(), g.fixed_cols()}; }
+// The whole grid on a line: rows x columns, fixed rows/columns, then each
+// row's cells between bars, the rows parted by " / ".
+QString described(const TextGrid& g) {
+    QStringList rows;
+    for (int r = 0; r < g.rows(); ++r) rows << g.row_texts(r).join('|');
+    return QString("%1x%2 fixed %3/%4: ").arg(g.rows()).arg(g.cols()).arg(g.fixed_rows()).arg(g.fixed_cols()) +
+           rows.join(" / ");
+}
 
 TextGrid grid_with(const QStringList& items, int cols = 3) {
     TextGrid g(1, cols);
@@ -30,49 +36,45 @@ TextGrid grid_with(const QStringList& items, int cols = 3) {
 // cuts them; the fixed counts follow; outside the grid reads empty and writes
 // nothing.
 TEST(TextGridShape, StartsLikeTheControlGrowsKeepingTextsAndShrinksCuttingThem) {
-    EXPECT_EQ(shape(TextGrid()), (QList<int>{2, 2, 1, 1}));
-    EXPECT_EQ(TextGrid().text(1, 1), QString());
+    QStringList seen{described(TextGrid())};
     TextGrid g(3, 3);
     g.set_text(2, 2, "x");
     g.set_text(1, 1, "y");
-    g.set_rows(10);
-    g.set_cols(5);
-    EXPECT_EQ(g.text(2, 2), "x");
-    EXPECT_EQ(g.text(9, 4), QString());
+    g.set_rows(5);
+    g.set_cols(4);
+    seen << described(g);
     g.set_rows(2);
     g.set_cols(2);
     g.set_text(5, 5, "lost");
     g.set_text(-1, 0, "lost");
-    EXPECT_EQ(shape(g), (QList<int>{2, 2, 1, 1}));
-    EXPECT_EQ(g.text(1, 1), "y");
-    EXPECT_EQ(g.text(5, 5), QString());
-    EXPECT_FALSE(g.contains(2, 0));
+    const QString outside = QString(", has 2,0: %1, at 5,5: [%2]").arg(g.contains(2, 0) ? "yes" : "no", g.text(5, 5));
+    seen << described(g) + outside;
     g.set_rows(3);
-    EXPECT_EQ(g.text(2, 1), QString());  // a cut row comes back empty
-
-    TextGrid f(5, 5);
+    seen << described(g);  // a cut row comes back empty
+    TextGrid f(3, 3);
     f.set_fixed_rows(0);
     f.set_fixed_cols(0);
     f.set_fixed_rows(9);  // clamped to the rows there are
-    EXPECT_EQ(shape(f), (QList<int>{5, 5, 5, 0}));
+    seen << described(f);
     f.set_rows(2);
-    EXPECT_EQ(shape(f), (QList<int>{2, 5, 2, 0}));
+    seen << described(f);
+    EXPECT_EQ(seen, (QStringList{"2x2 fixed 1/1: | / |", "5x4 fixed 1/1: ||| / |y|| / ||x| / ||| / |||",
+                                 "2x2 fixed 1/1: | / |y, has 2,0: no, at 5,5: []", "3x2 fixed 1/1: | / |y / |",
+                                 "3x3 fixed 3/0: || / || / ||", "2x3 fixed 2/0: || / ||"}));
 }
 
 TEST(TextGridItems, AddAndRemoveItemsByRow) {
     TextGrid g(1, 3);
     g.add_item("1\t1234\tJan\textra");  // split at tabs from column 0
-    ASSERT_EQ(g.rows(), 2);
-    EXPECT_EQ(g.row_texts(1), (QStringList{"1", "1234", "Jan"}));
+    EXPECT_EQ(described(g), "2x3 fixed 1/1: || / 1|1234|Jan");
 
     TextGrid list = grid_with({"a", "c"}, 1);
     list.add_item("b", 2);
     list.add_item("z", 99);
     EXPECT_EQ(column(list, 0), (QStringList{"a", "b", "c", "z"}));
     EXPECT_TRUE(list.remove_item(1));
-    EXPECT_EQ(column(list, 0), (QStringList{"b", "c", "z"}));
     EXPECT_FALSE(list.remove_item(7));
-    EXPECT_EQ(list.rows(), 4);
+    EXPECT_EQ(described(list), "4x1 fixed 1/1:  / b / c / z");
 
     TextGrid fixed(3, 1);
     fixed.set_fixed_rows(2);
@@ -83,9 +85,8 @@ TEST(TextGridItems, AddAndRemoveItemsByRow) {
 // Clear empties texts, colours and boldness but keeps the shape and the widths.
 TEST(TextGridLooks, WidthsColoursAndBoldnessAndWhatClearKeeps) {
     TextGrid g(3, 3);
-    EXPECT_EQ(g.col_width(1), -1);
     g.set_col_width(1, 2500);
-    EXPECT_EQ(g.col_width(9), -1);
+    EXPECT_EQ((QList<int>{g.col_width(0), g.col_width(1), g.col_width(9)}), (QList<int>{-1, 2500, -1}));
     EXPECT_EQ(g.cell_back_colour(2, 2), TextGrid::kWhite);
     EXPECT_FALSE(g.cell_has_own_colours(2, 2));
     g.set_cell_back_colour(2, 2, 0x0000FF);
@@ -93,13 +94,11 @@ TEST(TextGridLooks, WidthsColoursAndBoldnessAndWhatClearKeeps) {
     EXPECT_EQ(g.cell_back_colour(2, 1), TextGrid::kWhite);
     g.set_cell_bold(1, 0, true);
     g.set_cols(5);  // a row with styles grows with the grid
-    EXPECT_EQ(g.cell_back_colour(2, 4), TextGrid::kWhite);
-    EXPECT_EQ(g.cell_back_colour(2, 2), 0x0000FF);
+    EXPECT_EQ((QList<int>{g.cell_back_colour(2, 4), g.cell_back_colour(2, 2)}), (QList<int>{TextGrid::kWhite, 0xFF}));
 
     g.set_text(1, 1, "x");
     g.clear();
-    EXPECT_EQ(shape(g), (QList<int>{3, 5, 1, 1}));
-    EXPECT_EQ(g.text(1, 1), QString());
+    EXPECT_EQ(described(g), "3x5 fixed 1/1: |||| / |||| / ||||");
     EXPECT_EQ(g.col_width(1), 2500);
     EXPECT_EQ(g.cell_back_colour(2, 2), TextGrid::kWhite);
     EXPECT_FALSE(g.cell_bold(1, 0));
@@ -118,31 +117,21 @@ TEST(TextGridClip, PastesAndReadsBlocksOfClipboardText) {
 // Headings of row 0 with their alignments; never fewer columns than before;
 // row headings after a semicolon; without fixed rows only alignments change.
 TEST(TextGridFormatString, HeadingsAndAlignments) {
-    TextGrid g(2, 2);
+    TextGrid g(2, 2), wide(2, 10), rows(2, 2), bare(2, 2);
     g.set_format_string("<NR|^  T.NR|<LEERDER|>  PUNT|PS/VO|>  TOTAAL|");
-    EXPECT_EQ(g.cols(), 7);
-    EXPECT_EQ(g.row_texts(0).mid(0, 6), (QStringList{"NR", "  T.NR", "LEERDER", "  PUNT", "PS/VO", "  TOTAAL"}));
     const QList<GridAlign> aligns{g.column_alignment(0), g.column_alignment(1), g.column_alignment(3),
                                   g.column_alignment(4)};
     EXPECT_EQ(aligns, (QList<GridAlign>{GridAlign::Left, GridAlign::Centre, GridAlign::Right, GridAlign::General}));
-
-    TextGrid wide(2, 10);
     wide.set_format_string("^A|>B");
-    EXPECT_EQ(wide.cols(), 10);
-    EXPECT_EQ(wide.text(0, 1), "B");
-
-    TextGrid rows(2, 2);
     rows.set_format_string("|Kol;|Ry 1|Ry 2|Ry 3");
-    EXPECT_EQ(rows.rows(), 4);
-    EXPECT_EQ(rows.text(0, 1), "Kol");
-    EXPECT_EQ((QStringList{rows.text(2, 0), rows.text(3, 0)}), (QStringList{"Ry 2", "Ry 3"}));
-
-    TextGrid bare(2, 2);
     bare.set_fixed_rows(0);
     bare.set_text(0, 0, "data");
     bare.set_format_string(">X|<Y");
-    EXPECT_EQ(bare.text(0, 0), "data");
     EXPECT_EQ(bare.column_alignment(0), GridAlign::Right);
+    EXPECT_EQ((QStringList{described(g), described(wide), described(rows), described(bare)}),
+              (QStringList{"2x7 fixed 1/1: NR|  T.NR|LEERDER|  PUNT|PS/VO|  TOTAAL| / ||||||",
+                           "2x10 fixed 1/1: A|B|||||||| / |||||||||", "4x2 fixed 1/1: |Kol / Ry 1| / Ry 2| / Ry 3|",
+                           "2x2 fixed 0/1: data| / |"}));
 }
 
 // Generic: numbers by value, texts ignoring case. Numeric: by Val. String:
@@ -188,11 +177,9 @@ TEST(TextGridSort, FixedRowsStayAndStylesMoveWithTheirRows) {
     g.set_cell_back_colour(1, 1, 0x00FF00);
     g.set_row_height(1, 300);
     g.sort(0, GridSort::GenericAscending);
-    EXPECT_EQ(g.text(0, 0), "heading");
-    EXPECT_EQ(g.text(1, 0), "a");
-    EXPECT_EQ(g.cell_back_colour(2, 1), 0x00FF00);
-    EXPECT_EQ(g.row_height(2), 300);
-    EXPECT_EQ(g.cell_back_colour(1, 1), TextGrid::kWhite);
+    EXPECT_EQ(described(g), "3x2 fixed 1/1: heading| / a|1 / b|2");
+    EXPECT_EQ((QList<int>{g.cell_back_colour(1, 1), g.cell_back_colour(2, 1), g.row_height(2)}),
+              (QList<int>{TextGrid::kWhite, 0x00FF00, 300}));
 }
 
 // Generic order is not transitive over "10", "9" and "1a": the sort must

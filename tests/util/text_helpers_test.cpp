@@ -127,10 +127,9 @@ TEST(TextHelpersMaxOf, ComparesAsTheValuesStandAndGivesANumber) {
         SCOPED_TRACE(plain_text(r.a).toStdString() + " | " + plain_text(r.b).toStdString());
         EXPECT_EQ(max_of(r.a, r.b), r.expected);
     }
-    EXPECT_EQ(min_of_val(text("abc"), QVariant(3.0)), 0.0);
-    EXPECT_EQ(min_of_val(text("12abc"), text(" 4.5")), 4.5);
-    EXPECT_EQ(min_of_val(i16(-2), text("1")), -2.0);
-    EXPECT_EQ(min_of_val(null_value(), QVariant(3.0)), 0.0);
+    const QList<double> mins{min_of_val(text("abc"), QVariant(3.0)), min_of_val(text("12abc"), text(" 4.5")),
+                             min_of_val(i16(-2), text("1")), min_of_val(null_value(), QVariant(3.0))};
+    EXPECT_EQ(mins, (QList<double>{0.0, 4.5, -2.0, 0.0}));
 }
 
 TEST(TextHelpersDateToDotted, GivesYearMonthDayWithDotsOrEmpty) {
@@ -174,13 +173,12 @@ TEST(TextHelpersCtod, ReadsYearFirstDatesElseGivesToday) {
 }
 
 TEST(TextHelpersDates, DayCountsFromTheFamilyEpoch) {
-    EXPECT_EQ(ole_date_from(QDate(1899, 12, 30)).days, 0.0);
-    EXPECT_EQ(ole_date_from(QDate(1900, 1, 1)).days, 2.0);
-    EXPECT_EQ(ole_date_from(QDate(2000, 1, 1)).days, 36526.0);
-    EXPECT_EQ(ole_date_from(QDate(2000, 1, 1), QTime(18, 0)).days, 36526.75);
-    EXPECT_EQ(ole_date_from(QDate(1899, 12, 29), QTime(6, 0)).days, -1.25);
-    EXPECT_EQ(date_of(OleDate{36526.75}), QDate(2000, 1, 1));
-    EXPECT_EQ(date_of(OleDate{-1.25}), QDate(1899, 12, 29));
+    const QList<double> days{ole_date_from(QDate(1899, 12, 30)).days, ole_date_from(QDate(1900, 1, 1)).days,
+                             ole_date_from(QDate(2000, 1, 1)).days, ole_date_from(QDate(2000, 1, 1), QTime(18, 0)).days,
+                             ole_date_from(QDate(1899, 12, 29), QTime(6, 0)).days};
+    EXPECT_EQ(days, (QList<double>{0, 2, 36526, 36526.75, -1.25}));
+    EXPECT_EQ((QList<QDate>{date_of(OleDate{36526.75}), date_of(OleDate{-1.25})}),
+              (QList<QDate>{QDate(2000, 1, 1), QDate(1899, 12, 29)}));
 }
 
 // A date as date and time, blank parts left out; numbers without an exponent
