@@ -239,8 +239,7 @@ TEST_F(DbfCreate, AReadOnlyTableWalksButRefusesChanges) {
         if (set_read_only) {
             QFile::setPermissions(p, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
             ASSERT_FALSE(QFileInfo(p).isWritable());
-            EXPECT_FALSE(DbfTable::create(p, marks_fields(), &error));
-            EXPECT_EQ(error.code, DbfError::ReadOnly);
+            EXPECT_EQ(outcome(DbfTable::create(p, marks_fields(), &error), error), "refused ReadOnly");
             error = DbfError{};
         }
         t = DbfTable::open(p, &error, set_read_only ? DbfAccess::ReadWrite : DbfAccess::ReadOnly);

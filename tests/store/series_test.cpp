@@ -56,9 +56,8 @@ TEST_F(SeriesRows, AShortLastRecordIsCountedAndReadWithBlanksMissing) {
     const QByteArray one = series_record({"10 ", "WISK ", 300, "10A", "", "", 5, "", {}});
     write_bytes(t.data("exp_mrk_control.txt"), one + one.left(22));  // 66 bytes: 1.5 records
     const auto rows = series_rows(*t.store);
-    ASSERT_EQ(rows.size(), 2);
-    EXPECT_EQ(rows[1][0], "10 ");
-    EXPECT_EQ(rows[1][2], "100");
+    EXPECT_EQ(rows.size(), 2);
+    EXPECT_EQ(rows.value(1).mid(0, 3), (QStringList{"10 ", "WISK ", "100"}));
 }
 
 TEST_F(SeriesRows, FillTheGridWithoutAHeadingRow) {
