@@ -77,26 +77,21 @@ TEST_F(FamilyDbfOpener, AReadOnlyDataSetEndsTheRunWithItsMessage) {
         QFile::setPermissions(f, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
     const QByteArray before = read_bytes(path);
 
-    struct Case {
-        const char* opener;
-        QString shown;
-        std::function<void()> open;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, QString, std::function<void()>> cases[] = {  // the opener, the file named
         {"family opener", path, [&] { open_dbf_table(*t.store, t.run.data_folder, "LWISK_P_S"); }},
         {"table to write", path, [&] { open_table_to_write(t.run, path); }},
         {"record table", symbols, [&] { t.store->open_table("PI2", t.run.data_folder); }},
         {"record file", record_file, [&] { t.store->open_exp_mrk_control("E_C", t.run.data_folder); }},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.opener);
+    for (const auto& [opener, shown, open] : cases) {
+        SCOPED_TRACE(opener);
         t.dialogs.messages.clear();
         for (const bool afrikaans : {false, true}) {
             t.run.language_afrikaans = afrikaans;
-            EXPECT_THROW(c.open(), ProgramEnd);
+            EXPECT_THROW(open(), ProgramEnd);
         }
-        EXPECT_EQ(t.dialogs.texts(), (QStringList{"DATASET " + c.shown + "  IS 'READ ONLY' ... CONTACT VELDO-HOUSE !",
-                                                  "DATASTEL " + c.shown + "  IS 'READ ONLY' ... SKAKEL VELDO-HOUSE !"}));
+        EXPECT_EQ(t.dialogs.texts(), (QStringList{"DATASET " + shown + "  IS 'READ ONLY' ... CONTACT VELDO-HOUSE !",
+                                                  "DATASTEL " + shown + "  IS 'READ ONLY' ... SKAKEL VELDO-HOUSE !"}));
         for (const auto& m : t.dialogs.messages) EXPECT_EQ(m.icon, MsgIcon::Critical);
     }
     EXPECT_EQ(read_bytes(path), before);

@@ -171,19 +171,17 @@ TEST_F(OpenTable, TablesWithTheirOwnStepsOpenAfterThem) {
 // 2013), seven otherwise: each side of each bound.
 TEST_F(OpenTable, TheSymbolsAreFourInTheOldOutcomesYears) {
     const QStringList four{"1 |34|0", "2 |49|35", "3 |69|50", "4 |100|70"};
-    const struct {
-        const char *prefix, *year;
-        bool four;
-    } rows[] = {{"3", "2012", false}, {"4", "2012", true}, {"6", "2012", true}, {"7", "2012", false}, {"4", "2013", false}};
-    for (const auto& r : rows) {
-        SCOPED_TRACE(std::string(r.prefix) + " " + r.year);
+    const std::tuple<const char*, const char*, bool> rows[] = {  // year prefix, year, four symbols
+        {"3", "2012", false}, {"4", "2012", true}, {"6", "2012", true}, {"7", "2012", false}, {"4", "2013", false}};
+    for (const auto& [prefix, year, is_four] : rows) {
+        SCOPED_TRACE(std::string(prefix) + " " + year);
         QFile::remove(t.data("pi2_random.txt"));
-        t.run.year_prefix = r.prefix;
-        t.run.current_year = r.year;
+        t.run.year_prefix = prefix;
+        t.run.current_year = year;
         RecordStore(t.run).open_table("PI2", t.run.data_folder);
         const QStringList symbols = record_texts(read_bytes(t.data("pi2_random.txt")), symbol_record_layout());
-        EXPECT_EQ(symbols.size(), r.four ? 4 : 7);
-        EXPECT_TRUE(!r.four || symbols == four) << symbols.join(' ').toStdString();
+        EXPECT_EQ(symbols.size(), is_four ? 4 : 7);
+        EXPECT_TRUE(!is_four || symbols == four) << symbols.join(' ').toStdString();
     }
 }
 

@@ -29,19 +29,16 @@ TEST_F(FileLookupIgnoringCase, FindsTheSpellingThatIsThere) {
     ASSERT_TRUE(QDir(dir.path()).mkpath("ProgramData/KESTRALIN"));
     for (const char* name : {"Skl_Dta_random.txt", "marks1.DBF", "marks1.dbf", "ProgramData/KESTRALIN/Setup.txt"})
         touch(name);
-    const struct {
-        const char* asked;
-        const char* found;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {  // asked, found
         {"skl_dta_random.txt", "Skl_Dta_random.txt"}, {"SKL_DTA_RANDOM.TXT", "Skl_Dta_random.txt"},
         {"marks1.dbf", "marks1.dbf"},                 {"marks1.DBF", "marks1.DBF"},
         {"programdata/kestralin/setup.txt", "ProgramData/KESTRALIN/Setup.txt"},
     };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.asked);
-        EXPECT_EQ(find_ignoring_case(dir.path(), r.asked), path(r.found));
-        EXPECT_EQ(path_ignoring_case(dir.path(), r.asked), path(r.found));
-        EXPECT_TRUE(file_exists_ignoring_case(dir.path(), r.asked));
+    for (const auto& [asked, found] : rows) {
+        SCOPED_TRACE(asked);
+        EXPECT_EQ(find_ignoring_case(dir.path(), asked), path(found));
+        EXPECT_EQ(path_ignoring_case(dir.path(), asked), path(found));
+        EXPECT_TRUE(file_exists_ignoring_case(dir.path(), asked));
     }
 }
 

@@ -15,19 +15,13 @@ using namespace veldo;
 // Blanks, tabs and line ends in front are skipped; the number stops at the
 // first misfit: no exponent, no comma decimal; no number gives zero.
 TEST(LegacyNumberVal, ReadsTheLeadingNumberAndStopsAtTheFirstMisfit) {
-    const struct {
-        const char* text;
-        double expected;
-    } rows[] = {
+    const std::pair<const char*, double> rows[] = {
         {"  -3.5abc", -3.5}, {"12.5", 12.5}, {"7 8", 7.0},     {"1.2.3", 1.2},   {"+4", 4.0},  {"5.", 5.0},
         {".5", 0.5},         {"-.25", -0.25}, {"\t\r\n 42", 42.0}, {"1e3", 1.0}, {"12,5", 12.0},
         {"abc", 0.0},        {"", 0.0},       {"A", 0.0},       {".", 0.0},      {"-", 0.0},   {"- 3", 0.0},
         {"0.1000000000000000000000000001", 0.1},
     };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.text);
-        EXPECT_EQ(Val(QString::fromLatin1(r.text)), r.expected);
-    }
+    for (const auto& [text, expected] : rows) EXPECT_EQ(Val(QString::fromLatin1(text)), expected) << text;
     EXPECT_FALSE(std::signbit(Val(QStringLiteral("-0.0"))));  // a plain zero
     // Long digit runs never fail.
     EXPECT_EQ(Val(QStringLiteral("1") + QString(400, QLatin1Char('0'))), std::numeric_limits<double>::infinity());
@@ -140,12 +134,7 @@ TEST(LegacyNumberMask, LocaleDoesNotChangeAByte) {
 // export and the averages work on the double as it stands. Huge and
 // non-finite values are left alone.
 TEST(LegacyNumberRound, TiesToEvenOnTheExactValueOfTheDouble) {
-    struct Row {
-        double value;
-        int decimals;
-        double expected;
-        const char* why;
-    } rows[] = {
+    const std::tuple<double, int, double, const char*> rows[] = {  // value, decimals, rounded, why
         {12.25, 1, 12.2, "exactly halfway: the even 2"}, {0.25, 1, 0.2, "exactly halfway"},
         {2.5, 0, 2.0, "exactly halfway"},                {3.5, 0, 4.0, "exactly halfway: the even 4"},
         {-2.5, 0, -2.0, "exactly halfway, negative"},    {-3.5, 0, -4.0, "exactly halfway, negative: the even -4"},
@@ -156,21 +145,14 @@ TEST(LegacyNumberRound, TiesToEvenOnTheExactValueOfTheDouble) {
         {47.142857, 1, 47.1, "no tie"}, {1.23456, 4, 1.2346, "no tie"}, {-0.04, 1, 0.0, "no negative zero"},
         {1e300, 1, 1e300, "huge"},      {4503599627370497.0, 0, 4503599627370497.0, "past the last fraction bit"},
     };
-    for (const Row& r : rows) {
-        SCOPED_TRACE(r.why);
-        EXPECT_EQ(Round(r.value, r.decimals), r.expected) << r.value;
-    }
+    for (const auto& [value, decimals, rounded, why] : rows) EXPECT_EQ(Round(value, decimals), rounded) << why;
     EXPECT_FALSE(std::signbit(Round(-0.04, 1)));
     EXPECT_TRUE(std::isnan(Round(std::nan(""), 1)));
     EXPECT_EQ(plain_number_text(Round(26.1 / 40.0 * 100.0, 1)), QStringLiteral("65.3"));
 }
 
 TEST(LegacyNumberText, PlainDecimalWithALeadingBlankUnlessNegative) {
-    struct Row {
-        double value;
-        int significant;
-        const char* expected;
-    } rows[] = {
+    const std::tuple<double, int, const char*> rows[] = {  // value, significant digits, text
         {100, 15, " 100"}, {0.5, 15, " 0.5"}, {-2, 15, "-2"}, {0, 15, " 0"}, {0.1 + 0.2, 15, " 0.3"},
         {1.0 / 3.0, 15, " 0.333333333333333"}, {2.0 / 3.0, 15, " 0.666666666666667"},
         {double(1.0f / 3.0f), 7, " 0.3333333"}, {double(0.1f), 7, " 0.1"}, {double(123.45f), 7, " 123.45"},
@@ -180,10 +162,9 @@ TEST(LegacyNumberText, PlainDecimalWithALeadingBlankUnlessNegative) {
         {0.0001, 15, " 0.0001"}, {0.00001, 15, " 0.00001"}, {-1.5e-7, 15, "-0.00000015"},
         {-5.9211894646675e-17, 15, "-0.000000000000000059211894646675"}, {double(12345678.0f), 7, " 12345680"},
     };
-    for (const Row& r : rows) {
-        SCOPED_TRACE(r.expected);
-        EXPECT_EQ(number_text(r.value, r.significant), QString::fromLatin1(r.expected));
-        EXPECT_EQ(plain_number_text(r.value, r.significant), QString::fromLatin1(r.expected).trimmed());
+    for (const auto& [value, significant, text] : rows) {
+        EXPECT_EQ(number_text(value, significant), QString::fromLatin1(text));
+        EXPECT_EQ(plain_number_text(value, significant), QString::fromLatin1(text).trimmed());
     }
 }
 
@@ -211,14 +192,11 @@ TEST(LegacyNumberCurrency, KeepsFourDecimalsTiesToEven) {
     EXPECT_DOUBLE_EQ(Currency::from_double(70.0).to_double(), 70.0);
     EXPECT_LT(Currency::from_double(-1e300).ten_thousandths, 0);
 
-    const struct {
-        double value;
-        const char* text;
-        const char* fixed4;
-    } rows[] = {{12.3456, "12.3456", "12.3456"}, {12.34, "12.34", "12.3400"}, {-0.5, "-0.5", "-0.5000"},
-                {0, "0", "0.0000"},               {70, "70", "70.0000"}};
-    for (const auto& r : rows) {
-        EXPECT_EQ(Currency::from_double(r.value).text(), QString::fromLatin1(r.text));
-        EXPECT_EQ(Currency::from_double(r.value).fixed4(), QString::fromLatin1(r.fixed4));
+    const std::tuple<double, const char*, const char*> rows[] = {  // value, text(), fixed4()
+        {12.3456, "12.3456", "12.3456"}, {12.34, "12.34", "12.3400"}, {-0.5, "-0.5", "-0.5000"},
+        {0, "0", "0.0000"},               {70, "70", "70.0000"}};
+    for (const auto& [value, text, fixed4] : rows) {
+        EXPECT_EQ(Currency::from_double(value).text(), QString::fromLatin1(text));
+        EXPECT_EQ(Currency::from_double(value).fixed4(), QString::fromLatin1(fixed4));
     }
 }

@@ -46,11 +46,7 @@ TEST(QuotedValuesWrite, QuotesTextsJoinsWithCommasEndsWithCrLfInWindows1252) {
 
 // read_quoted_values gives the values of every line one after the other.
 TEST(QuotedValuesRead, ReadsLinesOfValuesAndNeverFails) {
-    const struct {
-        QByteArray file;
-        QStringList lines;
-        const char* why;
-    } rows[] = {
+    const std::tuple<QByteArray, QStringList, const char*> rows[] = {  // the file, its lines, why
         {bytes("\"abc\",12.5,#TRUE#,#FALSE#\r\n"), {"\"abc\",12.5,#TRUE#,#FALSE#"}, "each kind of value"},
         {bytes("\"HO\xEBRSKOOL\",\"\x80\"\r\n"), {QStringLiteral(u"\"HO\u00EBRSKOOL\",\"\u20AC\"")}, "Windows-1252"},
         {bytes("  \" a b \" ,\t 7 \t, x y \r\n"), {"\" a b \",7,x y"},
@@ -70,12 +66,12 @@ TEST(QuotedValuesRead, ReadsLinesOfValuesAndNeverFails) {
         {QByteArray("\"a\0b\",\xFF\x81\r\n", 10), {QStringLiteral(u"\"a\u0000b\",\u00FF\u0081")},
          "NUL and high bytes do not upset the reader"},
     };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.why);
-        EXPECT_EQ(shown(read_quoted_lines(r.file)), r.lines);
-        QStringList values = r.lines;
+    for (const auto& [file, lines, why] : rows) {
+        SCOPED_TRACE(why);
+        EXPECT_EQ(shown(read_quoted_lines(file)), lines);
+        QStringList values = lines;
         values.removeAll(QString());
-        EXPECT_EQ(shown(read_quoted_values(r.file)), values.join(','));
+        EXPECT_EQ(shown(read_quoted_values(file)), values.join(','));
     }
     const auto line = read_quoted_lines(bytes("#TRUE#,#FALSE#")).at(0);
     EXPECT_EQ(line[0].as_text(), QStringLiteral("True"));

@@ -49,13 +49,7 @@ TEST(TextHelpersToetsNull, GivesTheTextOfTheValueTrimmedOnTheRight) {
 // The value is changed in place to the text returned. Only the fill's first
 // character counts; an empty or blank fill is a blank; Null gives blanks.
 TEST(TextHelpersJustify, FillsOrCutsToTheWidthInPlace) {
-    const struct {
-        bool right;
-        QVariant value;
-        int width;
-        QVariant fill;
-        QString expected;
-    } rows[] = {
+    const std::tuple<bool, QVariant, int, QVariant, QString> rows[] = {  // right, value, width, fill, text
         {true, text("12345"), 3, text("0"), "345"}, {false, text("12345"), 3, QVariant(), "123"},
         {true, text("7"), 3, text(""), "  7"},      {true, text("7"), 3, text("0"), "007"},
         {true, text("7"), 3, text("AB"), "AA7"},    {true, text("7"), 3, QVariant(), "  7"},
@@ -65,15 +59,15 @@ TEST(TextHelpersJustify, FillsOrCutsToTheWidthInPlace) {
         {true, null_value(), 4, text("0"), "    "}, {false, null_value(), 2, text("0"), "  "},
         {true, i16(42), 5, text("0"), "00042"},     {false, text("ab"), 0, QVariant(), ""},
     };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.expected.toStdString());
-        QVariant v = r.value;
-        EXPECT_EQ(r.right ? right_justify(v, r.width, r.fill) : left_justify(v, r.width, r.fill), r.expected);
+    for (const auto& [right, value, width, fill, expected] : rows) {
+        SCOPED_TRACE(expected.toStdString());
+        QVariant v = value;
+        EXPECT_EQ(right ? right_justify(v, width, fill) : left_justify(v, width, fill), expected);
         EXPECT_EQ(v.typeId(), QMetaType::QString);
-        EXPECT_EQ(v.toString(), r.expected);
-        if (r.value.typeId() != QMetaType::QString) continue;  // the text-only pair takes texts
-        const QString text = r.value.toString(), fill = r.fill.toString();
-        EXPECT_EQ(r.right ? right_justified(text, r.width, fill) : left_justified(text, r.width, fill), r.expected);
+        EXPECT_EQ(v.toString(), expected);
+        if (value.typeId() != QMetaType::QString) continue;  // the text-only pair takes texts
+        const QString t = value.toString(), f = fill.toString();
+        EXPECT_EQ(right ? right_justified(t, width, f) : left_justified(t, width, f), expected);
     }
 }
 
@@ -102,20 +96,14 @@ TEST(TextHelpersTitleCase, CapitalisesPiecesBetweenBlanksDashesAndUnderscores) {
         {text("HOERSKOOL DIE BERG"), "Hoërskool Die Berg"}, {text("hoërskool"), "Hoërskool"},
         {text("élise"), "Élise", "the first letter may be accented"}, {null_value(), ""},
     };
-    for (const TextRow& r : rows) {
-        SCOPED_TRACE(trace(r));
-        EXPECT_EQ(title_case_name(r.in).toString(), r.expected);
-    }
+    for (const TextRow& r : rows) EXPECT_EQ(title_case_name(r.in).toString(), r.expected) << trace(r);
 }
 
 // Texts compare as texts ("9" is above "10"), numbers as numbers, a numeric
 // text against a number by value; a text that is no number is the greater and
 // gives zero; Null passes over; empty text first gives zero whatever b.
 TEST(TextHelpersMaxOf, ComparesAsTheValuesStandAndGivesANumber) {
-    const struct {
-        QVariant a, b;
-        double expected;
-    } rows[] = {
+    const std::tuple<QVariant, QVariant, double> rows[] = {
         {text(""), QVariant(5.0), 0.0},      {text(""), QVariant(1e9), 0.0},
         {QVariant(3.0), i16(7), 7.0},        {QVariant(30.0), i16(7), 30.0},     {QVariant(-1.0), QVariant(false), 0.0},
         {text("9"), text("10"), 9.0},        {text("10"), text("9"), 9.0},
@@ -123,10 +111,8 @@ TEST(TextHelpersMaxOf, ComparesAsTheValuesStandAndGivesANumber) {
         {text("abc"), QVariant(10.0), 0.0},  {QVariant(10.0), text("abc"), 0.0},
         {QVariant(4.0), null_value(), 4.0},  {null_value(), QVariant(4.0), 0.0},
     };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(plain_text(r.a).toStdString() + " | " + plain_text(r.b).toStdString());
-        EXPECT_EQ(max_of(r.a, r.b), r.expected);
-    }
+    for (const auto& [a, b, expected] : rows)
+        EXPECT_EQ(max_of(a, b), expected) << plain_text(a).toStdString() << " | " << plain_text(b).toStdString();
     const QList<double> mins{min_of_val(text("abc"), QVariant(3.0)), min_of_val(text("12abc"), text(" 4.5")),
                              min_of_val(i16(-2), text("1")), min_of_val(null_value(), QVariant(3.0))};
     EXPECT_EQ(mins, (QList<double>{0.0, 4.5, -2.0, 0.0}));
@@ -145,18 +131,12 @@ TEST(TextHelpersDateToDotted, GivesYearMonthDayWithDotsOrEmpty) {
         {text("2017-01-02"), "2017.-0.02", "dashes without dot or slash are taken as digits"},
         {text("abc/def"), ""}, {text("2017/13/45"), ""}, {text("2017/01/02 10:30 AM"), "", "a time of day"},
     };
-    for (const TextRow& r : rows) {
-        SCOPED_TRACE(trace(r));
-        EXPECT_EQ(date_to_dotted(r.in).toString(), r.expected);
-    }
+    for (const TextRow& r : rows) EXPECT_EQ(date_to_dotted(r.in).toString(), r.expected) << trace(r);
 }
 
 // Year first with "/", "." or "-"; blank is the zero date; anything else today.
 TEST(TextHelpersCtod, ReadsYearFirstDatesElseGivesToday) {
-    const struct {
-        const char* in;
-        OleDate expected;
-    } rows[] = {
+    const std::pair<const char*, OleDate> rows[] = {
         {"   ", OleDate{}},
         {"2017/02/03", ole_date_from(QDate(2017, 2, 3))}, {"2017.02.03", ole_date_from(QDate(2017, 2, 3))},
         {"2017-12-31", ole_date_from(QDate(2017, 12, 31))},
@@ -164,10 +144,7 @@ TEST(TextHelpersCtod, ReadsYearFirstDatesElseGivesToday) {
         {"2017-02-31", kToday}, {"20170203", kToday},   {"2017.02/03", kToday}, {"03/02/2017", kToday},
         {"2017", kToday},
     };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.in);
-        EXPECT_EQ(ctod(text(r.in), kToday), r.expected);
-    }
+    for (const auto& [in, expected] : rows) EXPECT_EQ(ctod(text(in), kToday), expected) << in;
     EXPECT_EQ(ctod(null_value(), kToday), OleDate{});
     EXPECT_EQ(ctod(text("nonsense")), ole_today());  // without a today the clock's
 }
@@ -208,18 +185,14 @@ TEST(TextHelpersLoginName, ComesFromTheEnvironmentFirst) {
     const passwd* pw = getpwuid(geteuid());
     ASSERT_NE(pw, nullptr);
     const QString account = QString::fromLocal8Bit(pw->pw_name);
-    const struct {
-        QByteArray user, logname;
-        QString expected;
-    } rows[] = {
+    const std::tuple<QByteArray, QByteArray, QString> rows[] = {  // USER, LOGNAME, the name
         {"juffrou", "meneer", "juffrou"}, {"", "meneer", "meneer"}, {"", "", account},
         {QByteArray(254, 'x'), "", QString(254, 'x')}, {QByteArray(255, 'x'), "meneer", ""},
     };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.user.size());
-        r.user.isEmpty() ? qunsetenv("USER") : qputenv("USER", r.user);
-        r.logname.isEmpty() ? qunsetenv("LOGNAME") : qputenv("LOGNAME", r.logname);
-        EXPECT_EQ(get_login_name(), r.expected);
+    for (const auto& [user, logname, expected] : rows) {
+        user.isEmpty() ? qunsetenv("USER") : qputenv("USER", user);
+        logname.isEmpty() ? qunsetenv("LOGNAME") : qputenv("LOGNAME", logname);
+        EXPECT_EQ(get_login_name(), expected) << user.size();
     }
     saved_user.isNull() ? qunsetenv("USER") : qputenv("USER", saved_user);
     saved_logname.isNull() ? qunsetenv("LOGNAME") : qputenv("LOGNAME", saved_logname);
