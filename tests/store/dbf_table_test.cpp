@@ -150,6 +150,12 @@ protected:
         return DbfTable::open(p);
     }
 
+    // The names a fresh open of open_marks's table walks through.
+    QStringList reopened() const {
+        auto t = DbfTable::open(p);
+        return t ? walk_names(*t) : QStringList{"not opened"};
+    }
+
     // AddNew, the first field, Update.
     static bool add(DbfTable& t, const QString& name) { return t.AddNew() && t.set_value(0, name) && t.Update(); }
 
@@ -321,7 +327,7 @@ TEST_F(DbfWrite, EditAndDeleteRewriteOnlyTheirOwnRecord) {
     EXPECT_EQ(after, before.left(ben) + " Ben       " + " 55.5" + QByteArray(9, ' ') + before.mid(ben + kMarksRecord));
     ASSERT_TRUE(t->Delete());
     EXPECT_EQ(read_bytes(p), after.left(ben) + '*' + after.mid(ben + 1));
-    EXPECT_EQ(walk_names(*DbfTable::open(p)), (QStringList{"Anna", "Carl"}));
+    EXPECT_EQ(reopened(), (QStringList{"Anna", "Carl"}));
 }
 
 TEST_F(DbfWrite, ReadingLeavesTheFileAloneAndAChangeStampsToday) {
@@ -422,11 +428,9 @@ TEST_F(DbfRead, ATableFromAnotherWriterOpensAndTakesAppends) {
     write_bytes(p, raw_table(fields, records));
     auto t = DbfTable::open(p);
     ASSERT_TRUE(t);
-    EXPECT_EQ(t->field(0).name, "naam");
-    EXPECT_EQ(t->field(1).type, DbfType::Numeric);
-    EXPECT_EQ(t->RecordCount(), 2);
-    EXPECT_EQ(t->value("NAAM").toString(), "Sarie ");
-    EXPECT_DOUBLE_EQ(t->value("PUNT").toDouble(), 12.0);
+    EXPECT_EQ((QStringList{t->field(0).name, QString::number(t->RecordCount()), typed(t->value("NAAM")),
+                           typed(t->value("PUNT"))}),
+              (QStringList{"naam", "2", "QString Sarie ", "double 12"}));
     ASSERT_TRUE(t->AddNew() && t->set_value("NAAM", QStringLiteral("Lien")) && t->set_value("PUNT", 15));
     ASSERT_TRUE(t->Update());
     t.reset();
@@ -626,9 +630,7 @@ TEST_F(DbfOpen, AFailedAppendLeavesTheStoredRecordsReadable) {
     EXPECT_EQ(t->RecordCount(), 2);
     t.reset();
     EXPECT_EQ(u32_at(read_bytes(p), 4), 2u);
-    auto again = DbfTable::open(p);
-    ASSERT_TRUE(again);
-    EXPECT_EQ(walk_names(*again), (QStringList{"A", "B"}));
+    EXPECT_EQ(reopened(), (QStringList{"A", "B"}));
 }
 
 using DbfBatch = DbfFixture;
@@ -639,23 +641,14 @@ TEST_F(DbfBatch, WritesTheSameBytesAsChangesOneByOne) {
     const auto work = [&](const QString& p, bool batch) {
         auto t = DbfTable::open(p);
         if (batch) t->begin_batch();
-        for (t->MoveFirst(); !t->Eof(); t->MoveNext()) {
-            EXPECT_TRUE(t->Edit());
-            t->set_value(1, t->value(1).toDouble() + 1);
-            EXPECT_TRUE(t->Update());
-        }
+        for (t->MoveFirst(); !t->Eof(); t->MoveNext())
+            EXPECT_TRUE(t->Edit() && t->set_value(1, t->value(1).toDouble() + 1) && t->Update());
         t->MoveFirst();
         t->Move(1);
-        EXPECT_TRUE(t->Delete());
-        EXPECT_TRUE(add(*t, "Nuwe"));
-        EXPECT_TRUE(add(*t, "Laaste"));
+        EXPECT_TRUE(t->Delete() && add(*t, "Nuwe") && add(*t, "Laaste"));
         t->MoveLast();
-        EXPECT_TRUE(t->Edit());
-        t->set_value(1, 99.0);
-        EXPECT_TRUE(t->Update());
-        if (batch) {
-            EXPECT_TRUE(t->commit_batch());
-        }
+        EXPECT_TRUE(t->Edit() && t->set_value(1, 99.0) && t->Update());
+        EXPECT_TRUE(!batch || t->commit_batch());
     };
     const QString one = marks_table({"A", "B", "C"}, "one.dbf");
     const QString all = marks_table({"A", "B", "C"}, "all.dbf");
@@ -696,7 +689,7 @@ TEST_F(DbfBatch, HoldsTheTableUntilItIsCommitted) {
     DbfTable::set_lock_wait_ms(3000);
     mine.reset();
     theirs.reset();
-    EXPECT_EQ(walk_names(*DbfTable::open(p)), (QStringList{"A", "B", "Mine", "Theirs"}));
+    EXPECT_EQ(reopened(), (QStringList{"A", "B", "Mine", "Theirs"}));
 }
 
 // A rebuild puts a new file in the table's place: an edit on the old one is
@@ -728,9 +721,7 @@ TEST_F(DbfBatch, AFailedCommitCountsNothingItDidNotWrite) {
     // What reached the disk lies past the counted records (over the end
     // mark); the header and every counted record are as they were.
     EXPECT_EQ(read_bytes(p).left(before.size() - 1), before.left(before.size() - 1));
-    auto again = DbfTable::open(p);
-    ASSERT_TRUE(again);
-    EXPECT_EQ(walk_names(*again), (QStringList{"A", "B"}));
+    EXPECT_EQ(reopened(), (QStringList{"A", "B"}));
 }
 
 // Every failure has its own text in each language, naming the table (and
