@@ -573,7 +573,6 @@ TEST_F(DbfWalk, ClosedTableAnswersWithoutCrashing) {
     t->Close();
     EXPECT_TRUE(t->Eof());
     EXPECT_EQ(t->field_count(), 0);
-    // Open, a value, AddNew, Update, flush: all no.
     EXPECT_EQ((QList<bool>{t->is_open(), t->value(0).isValid(), t->AddNew(), t->Update(), t->flush()}),
               QList<bool>(5, false));
     ASSERT_TRUE(t->Refresh());
@@ -582,7 +581,6 @@ TEST_F(DbfWalk, ClosedTableAnswersWithoutCrashing) {
 
 using DbfOpen = DbfFixture;
 
-// Refused, the path named, and the file left as it is.
 TEST_F(DbfOpen, WhatIsNotASoundTableIsRefused) {
     const auto open = [&](const QString& why, const QString& p) {
         DbfError error;
@@ -635,8 +633,6 @@ TEST_F(DbfOpen, AFailedAppendLeavesTheStoredRecordsReadable) {
 
 using DbfBatch = DbfFixture;
 
-// Whole-table work gathered in memory writes the very bytes that the same
-// changes write one at a time.
 TEST_F(DbfBatch, WritesTheSameBytesAsChangesOneByOne) {
     const auto work = [&](const QString& p, bool batch) {
         auto t = DbfTable::open(p);
@@ -738,7 +734,8 @@ TEST(DbfMessage, EveryFailureNamesTheTableInTheUsersLanguage) {
 // Each file of `folder` as "name: bytes", by name.
 QStringList files_in(const QString& folder) {
     QStringList out;
-    for (const QString& name : QDir(folder).entryList(QDir::Files)) out << name + ": " + read_bytes(folder + "/" + name);
+    for (const QString& name : QDir(folder).entryList(QDir::Files))
+        out << name + ": " + read_bytes(folder + "/" + name);
     return out;
 }
 

@@ -25,8 +25,7 @@ QByteArray lock_slot(const QString& user, const QString& type, const QString& fo
 
 TEST(UserLocks, OtherUsersEntriesOfTheFolderAreBlankedAndOwnEntriesStay) {
     TempDrive t;
-    const QString me = get_login_name();
-    const QString folder = t.run.data_folder;
+    const QString me = get_login_name(), folder = t.run.data_folder;
     const QByteArray mine = lock_slot(me, "L", folder);
     const QByteArray theirs = lock_slot(me + "x", "L", folder);
     const QByteArray elsewhere = lock_slot(me + "x", "L", folder + "2");
@@ -45,8 +44,8 @@ TEST(UserLocks, AMissingFolderReturnsFalseAndAMissingFileIsMadeEmpty) {
     EXPECT_FALSE(clear_user_locks(*t.store, t.path("gone")));
     EXPECT_FALSE(QFileInfo::exists(t.path("user_lock_record.txt")));
     EXPECT_TRUE(clear_user_locks(*t.store, t.run.data_folder));
-    EXPECT_TRUE(QFileInfo::exists(t.path("user_lock_record.txt")));
-    EXPECT_EQ(QFileInfo(t.path("user_lock_record.txt")).size(), 0);
+    const QFileInfo made(t.path("user_lock_record.txt"));
+    EXPECT_TRUE(made.exists() && made.size() == 0);
 }
 
 TEST(NetworkSwitch, IsCreatedFalseOnceAndReadAfterwards) {

@@ -83,10 +83,8 @@ TEST(LegacyNumberMask, FormatsAsTheMaskSays) {
         {-0.04, "##0.0", "-0.0", "a negative value below the half keeps its minus"},
         {-0.0, "##0.0", "0.0", "negative zero has none"},
     };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(std::string(r.mask) + " " + r.why);
-        EXPECT_EQ(format_mask(r.value, QString::fromLatin1(r.mask)), QString::fromLatin1(r.expected)) << r.value;
-    }
+    for (const auto& r : rows)
+        EXPECT_EQ(format_mask(r.value, QString::fromLatin1(r.mask)), QString::fromLatin1(r.expected)) << r.why;
 }
 
 // The one-decimal mask of the marks, "##0.0", takes a short road away from
