@@ -21,14 +21,9 @@ using testing::write_bytes;
 TEST(DbfReload, ABatchTakesTheTableAsItStandsNow) {
     const QList<DbfField> names{{"NAME", DbfType::Character, 10, 0}};
     const QList<DbfField> other{{"CODE", DbfType::Character, 4, 0}, {"MARK", DbfType::Numeric, 5, 1}};
-    struct Case {
-        const char* why;
-        std::function<void(const QString&)> change;  // what another writer does to the open table's file
-        bool begins;
-        QStringList seen;  // the first field of each record after begin_batch
-        DbfError::Code error;  // the table's last error after begin_batch
-    };
-    const Case cases[] = {
+    // Why; what another writer does to the open table's file; whether begin_batch then succeeds, the first
+    // field of each record it walks, and the table's last error.
+    const std::tuple<const char*, std::function<void(const QString&)>, bool, QStringList, DbfError::Code> cases[] = {
         {"records changed in place and one appended: the same layout is read into the same image",
          [&](const QString& p) {
              auto t = DbfTable::open(p);
@@ -57,19 +52,19 @@ TEST(DbfReload, ABatchTakesTheTableAsItStandsNow) {
          [&](const QString& p) { write_bytes(p, read_bytes(p).left(40)); }, false, {"Anna", "Ben"},
          DbfError::Truncated},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.why);
+    for (const auto& [why, change, begins, seen, error] : cases) {
+        SCOPED_TRACE(why);
         QTemporaryDir dir;
         const QString p = dir.filePath("marks1.dbf");
         make_table(p, names, {{QStringLiteral("Anna")}, {QStringLiteral("Ben")}});
         auto held = DbfTable::open(p);
         ASSERT_TRUE(held);
         ASSERT_EQ(walk_names(*held), (QStringList{"Anna", "Ben"}));
-        c.change(p);
-        EXPECT_EQ(held->begin_batch(), c.begins);
-        EXPECT_EQ(held->last_error().code, c.error);
-        EXPECT_EQ(walk_names(*held), c.seen);
-        EXPECT_TRUE(held->commit_batch() || !c.begins);
+        change(p);
+        EXPECT_EQ(held->begin_batch(), begins);
+        EXPECT_EQ(held->last_error().code, error);
+        EXPECT_EQ(walk_names(*held), seen);
+        EXPECT_TRUE(held->commit_batch() || !begins);
     }
 }
 

@@ -108,8 +108,7 @@ TEST(TextGridClip, PastesAndReadsBlocksOfClipboardText) {
     TextGrid g(5, 2);
     g.set_fixed_rows(0);
     g.set_clip(0, 0, 4, 0, "12\r\n7.5\r\nA\r\n");
-    EXPECT_EQ(column(g, 0), (QStringList{"12", "7.5", "A", "", ""}));
-    EXPECT_EQ(g.text(0, 1), QString());  // outside the chosen block
+    EXPECT_EQ(described(g), "5x2 fixed 0/1: 12| / 7.5| / A| / | / |");  // column 1 lies outside the block
     g.set_text(1, 1, "b");
     EXPECT_EQ(g.clip(1, 0, 2, 1), "7.5\tb\rA\t");
 }
@@ -138,27 +137,21 @@ TEST(TextGridFormatString, HeadingsAndAlignments) {
 // by code, or ignoring case with equal texts in their order. Over a column
 // range the columns count left to right.
 TEST(TextGridSort, EachOrderSortsTheColumn) {
-    const struct {
-        QStringList items;
-        GridSort order;
-        QStringList expected;
-        int last_col = 0;
-    } rows[] = {
-        {{"10", "9", "2.5"}, GridSort::GenericAscending, {"2.5", "9", "10"}},
-        {{"5", "40", "12"}, GridSort::GenericDescending, {"40", "12", "5"}},
-        {{"7.5", "A", "12", ""}, GridSort::NumericDescending, {"12", "7.5", "A", ""}},
-        {{"7.5", "A", "12", ""}, GridSort::NumericAscending, {"A", "", "7.5", "12"}},
-        {{"b", "B", "a", "10", "9"}, GridSort::StringAscending, {"10", "9", "B", "a", "b"}},
-        {{"b", "B", "a", "10", "9"}, GridSort::StringDescending, {"b", "a", "B", "9", "10"}},
-        {{"b", "B", "a", "10", "9"}, GridSort::StringNoCaseAscending, {"10", "9", "a", "b", "B"}},
-        {{"B", "b", "a", "10", "9"}, GridSort::StringNoCaseAscending, {"10", "9", "a", "B", "b"}},
+    const std::tuple<QStringList, GridSort, QStringList, int> rows[] = {  // items, order, sorted, last column
+        {{"10", "9", "2.5"}, GridSort::GenericAscending, {"2.5", "9", "10"}, 0},
+        {{"5", "40", "12"}, GridSort::GenericDescending, {"40", "12", "5"}, 0},
+        {{"7.5", "A", "12", ""}, GridSort::NumericDescending, {"12", "7.5", "A", ""}, 0},
+        {{"7.5", "A", "12", ""}, GridSort::NumericAscending, {"A", "", "7.5", "12"}, 0},
+        {{"b", "B", "a", "10", "9"}, GridSort::StringAscending, {"10", "9", "B", "a", "b"}, 0},
+        {{"b", "B", "a", "10", "9"}, GridSort::StringDescending, {"b", "a", "B", "9", "10"}, 0},
+        {{"b", "B", "a", "10", "9"}, GridSort::StringNoCaseAscending, {"10", "9", "a", "b", "B"}, 0},
+        {{"B", "b", "a", "10", "9"}, GridSort::StringNoCaseAscending, {"10", "9", "a", "B", "b"}, 0},
         {{"x\t2", "x\t1", "a\t3"}, GridSort::GenericAscending, {"a\t3", "x\t1", "x\t2"}, 1},
     };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.items.join(',').toStdString());
-        TextGrid g = grid_with(r.items, r.last_col + 1);
-        g.sort(0, r.last_col, r.order);
-        EXPECT_EQ(g.clip(1, 0, g.rows() - 1, r.last_col), r.expected.join('\r'));
+    for (const auto& [items, order, sorted, last_col] : rows) {
+        TextGrid g = grid_with(items, last_col + 1);
+        g.sort(0, last_col, order);
+        EXPECT_EQ(g.clip(1, 0, g.rows() - 1, last_col), sorted.join('\r')) << items.join(',').toStdString();
     }
 }
 
