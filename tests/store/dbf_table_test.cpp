@@ -114,11 +114,9 @@ QString outcome(bool done, const DbfTable& t) { return outcome(done, t.last_erro
 
 // A full disk, played by a file size limit while this lives.
 struct FileSizeLimit {
-    explicit FileSizeLimit(qint64 bytes) {
-        if (getrlimit(RLIMIT_FSIZE, &old) != 0) return;
-        struct rlimit limit = old;
-        limit.rlim_cur = rlim_t(bytes);
-        set = setrlimit(RLIMIT_FSIZE, &limit) == 0;
+    explicit FileSizeLimit(qint64 bytes) : set(getrlimit(RLIMIT_FSIZE, &old) == 0) {
+        const rlimit limit{rlim_t(bytes), old.rlim_max};
+        set = set && setrlimit(RLIMIT_FSIZE, &limit) == 0;
     }
     ~FileSizeLimit() {
         if (set) setrlimit(RLIMIT_FSIZE, &old);
