@@ -24,10 +24,10 @@ inline void make_table(const QString& path, const QList<DbfField>& fields, const
     }
 }
 
-// The first field's text of each record a walk sees, blanks cut.
-inline QStringList walk_names(DbfTable& t) {
+// A field's text (the first unless told) of each record a walk sees, blanks cut.
+inline QStringList walk_names(DbfTable& t, int field = 0) {
     QStringList seen;
-    for (t.MoveFirst(); !t.Eof(); t.MoveNext()) seen << plain_text(t.value(0)).trimmed();
+    for (t.MoveFirst(); !t.Eof(); t.MoveNext()) seen << plain_text(t.value(field)).trimmed();
     return seen;
 }
 
