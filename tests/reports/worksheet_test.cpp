@@ -21,10 +21,7 @@
 namespace veldo {
 namespace {
 
-using testing::matches_golden;
-using testing::TempDrive;
-using testing::read_bytes;
-using testing::write_bytes;
+using namespace testing;
 using Rows = QList<QStringList>;
 
 // One part of a saved workbook, one XML element to a line.
@@ -74,6 +71,17 @@ protected:
     }
     // A cell of the first sheet, both from 0.
     QString cell(const QString& name, int row, int col) const { return first_sheet(name).value(row).value(col); }
+    // What the user was told since the last look, "i " before a notice and
+    // "! " before a warning, then what he was asked.
+    QStringList said() {
+        QStringList out;
+        for (const auto& m : drive.dialogs.messages)
+            out << (m.icon == MsgIcon::Information ? "i " : m.icon == MsgIcon::Exclamation ? "! " : "? ") + m.text;
+        out += drive.dialogs.prompts;
+        drive.dialogs.messages.clear();
+        drive.dialogs.prompts.clear();
+        return out;
+    }
 };
 
 TEST(ColumnLetters, OneLetterUpToZThenWholeDivisionAndRemainderNothingBelowOne) {
@@ -165,13 +173,8 @@ TEST_F(WorksheetTest, ASaveTellsTheUserWhatBecameOfTheWorkbookInEitherLanguage) 
     write_bytes(open, "kept");
     write_bytes(out_folder() + ".~lock.oop.xlsx#", "someone,host");
     QDir().mkpath(out_folder() + "gids.xlsx");  // a folder can't be replaced by a file
-    struct Case {
-        QString folder;
-        const char* stem;
-        bool afrikaans, saved;
-        QString message;
-    };
-    const Case cases[] = {
+    // The folder and stem, in Afrikaans, saved; what the user is told.
+    const std::tuple<QString, const char*, bool, bool, QString> cases[] = {
         {out_folder(), "Punte 8A", false, true, "EXPORT OF Punte 8A TO " + out_folder() + "Punte 8A COMPLETE !!"},
         {weg + "/", "punte", false, false, "FOLDER " + weg + " DOES NOT EXIST - punte WAS NOT SAVED !!"},
         {weg + "/", "punte", true, false, "GIDS " + weg + " BESTAAN NIE - punte IS NIE GESTOOR NIE !!"},
@@ -184,14 +187,11 @@ TEST_F(WorksheetTest, ASaveTellsTheUserWhatBecameOfTheWorkbookInEitherLanguage) 
     };
     WorkbookOutput book(drive.run);
     book.begin_sheet_head(head("PAGE : 1", "NEW"));
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.message.toStdString());
-        drive.run.language_afrikaans = c.afrikaans;
-        drive.dialogs.messages.clear();
-        EXPECT_EQ(book.save(c.folder, c.stem), c.saved);
-        ASSERT_EQ(drive.dialogs.messages.size(), 1);
-        EXPECT_EQ(drive.dialogs.messages[0].text, c.message);
-        EXPECT_EQ(drive.dialogs.messages[0].icon, c.saved ? MsgIcon::Information : MsgIcon::Exclamation);
+    for (const auto& [folder, stem, afrikaans, saved, message] : cases) {
+        SCOPED_TRACE(message.toStdString());
+        drive.run.language_afrikaans = afrikaans;
+        EXPECT_EQ(book.save(folder, stem), saved);
+        EXPECT_EQ(said(), QStringList{(saved ? "i " : "! ") + message});
     }
     EXPECT_EQ(cell("Punte 8A.xlsx", 2, 2), "NEW");
     EXPECT_FALSE(QFileInfo::exists(weg));
@@ -216,21 +216,19 @@ TEST_F(WorksheetTest, HooksFillOneWorkbookPerJobAndSaveItAtTheEnd) {
     job.worksheet.write_grid(g);
     job.worksheet.sheet_head(head("PAGE : 2", "SECOND"));
     job.worksheet.finish();
-
     EXPECT_EQ(cell("werk.xlsx", 2, 2), "FIRST");
     EXPECT_EQ(cell("werk.xlsx", 6, 0), "ABRAHAMS, JAN");
     EXPECT_TRUE(zip_entry(out_folder() + "werk.xlsx", "xl/workbook.xml").contains("name=\"Sheet2\""));
-    EXPECT_EQ(drive.dialogs.texts(), QStringList{"EXPORT OF werk TO " + out_folder() + "werk COMPLETE !!"});
+    EXPECT_EQ(said(), QStringList{"i EXPORT OF werk TO " + out_folder() + "werk COMPLETE !!"});
 
-    // The next job starts a workbook of its own.
+    // The next job starts a workbook of its own; a finish without a sheet writes nothing.
     job.export_stem = "volgende";
     job.worksheet.sheet_head(head("PAGE : 1", "AGAIN"));
     job.worksheet.finish();
     EXPECT_FALSE(zip_entry(out_folder() + "volgende.xlsx", "xl/workbook.xml").contains("Sheet2"));
-    // A finish without a sheet writes nothing.
-    drive.dialogs.messages.clear();
+    EXPECT_EQ(said(), QStringList{"i EXPORT OF volgende TO " + out_folder() + "volgende COMPLETE !!"});
     job.worksheet.finish();
-    EXPECT_TRUE(drive.dialogs.messages.isEmpty());
+    EXPECT_EQ(said(), QStringList());
 }
 
 TEST_F(WorksheetTest, HooksOfferAnotherPlaceWhenTheFolderIsGoneUntilTheUserGivesUp) {
@@ -240,15 +238,15 @@ TEST_F(WorksheetTest, HooksOfferAnotherPlaceWhenTheFolderIsGoneUntilTheUserGives
     install_worksheet_hooks(job, drive.run);
     job.worksheet.sheet_head(head("PAGE : 1", "LOST"));
     job.worksheet.finish();  // no file chosen
-    const QString gone = "FOLDER " + drive.path("weg") + " DOES NOT EXIST - werk WAS NOT SAVED !!";
-    EXPECT_EQ(drive.dialogs.texts() + drive.dialogs.prompts, (QStringList{gone, "EXCEL EXPORT FILE NAME"}));
+    const QString gone = "! FOLDER " + drive.path("weg") + " DOES NOT EXIST - werk WAS NOT SAVED !!";
+    EXPECT_EQ(said(), (QStringList{gone, "EXCEL EXPORT FILE NAME"}));
     EXPECT_FALSE(QFileInfo::exists(drive.path("weg")));
 
     job.worksheet.sheet_head(head("PAGE : 1", "KEPT"));
     drive.dialogs.files.enqueue(out_folder() + "elders.xlsx");
     job.worksheet.finish();
-    EXPECT_EQ(drive.dialogs.texts().mid(1) + drive.dialogs.prompts.mid(1),
-              (QStringList{gone, "EXPORT OF elders TO " + out_folder() + "elders COMPLETE !!", "EXCEL EXPORT FILE NAME"}));
+    EXPECT_EQ(said(), (QStringList{gone, "i EXPORT OF elders TO " + out_folder() + "elders COMPLETE !!",
+                                   "EXCEL EXPORT FILE NAME"}));
     EXPECT_EQ(cell("elders.xlsx", 2, 2), "KEPT");
 }
 
@@ -258,14 +256,12 @@ TEST_F(WorksheetTest, HookForAGridStraightToAFileAsksTheName) {
     drive.dialogs.files.enqueue(out_folder() + "los.xlsx");
     TextGrid g = mark_list();
     job.worksheet.grid_to_new_file(g);
-    EXPECT_EQ(job.export_folder, out_folder());
-    EXPECT_EQ(job.export_stem, "los");
+    EXPECT_EQ(std::pair(job.export_folder, job.export_stem), std::pair(out_folder(), QString("los")));
     EXPECT_EQ(cell("los.xlsx", 0, 0), "Naam");
-
+    EXPECT_EQ(said(), (QStringList{"i EXPORT OF los TO " + out_folder() + "los COMPLETE !!", "EXCEL EXPORT FILE NAME"}));
     // Cancelled: nothing written, nothing said.
-    drive.dialogs.messages.clear();
     job.worksheet.grid_to_new_file(g);
-    EXPECT_TRUE(drive.dialogs.messages.isEmpty());
+    EXPECT_EQ(said(), QStringList{"EXCEL EXPORT FILE NAME"});
 }
 
 TEST_F(WorksheetTest, LibreOfficeOpensTheWorkbook) {
