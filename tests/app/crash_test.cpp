@@ -1,9 +1,7 @@
-// The program killed (SIGKILL) at every write, rename and removal it makes
-// during an open (the rebuild), a recalculation, an export, a row inserted
-// in a setup and the update after a setup save: every table and setup file
-// reads back whole, holding the state from before or from after, never a
-// half-written record or an empty file. strace plays the kill: it stops the
-// program as it enters the k-th such call, for every k.
+// The program killed (SIGKILL, by strace) as it enters its k-th write, rename
+// or removal, for every k, in an open, a recalculation, an export, a setup
+// row inserted and an update: every table and setup file reads back whole,
+// as before or as after, never half-written or empty.
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -83,8 +81,7 @@ struct CrashSafety : ::testing::Test {
     }
 
     // Every kill point of the command; returns how many were tried. A table
-    // may also be as a first step of the command leaves it (`step`: opening
-    // the book, which rebuilds it, before its totals are recalculated).
+    // may also be as `step` (the open before a recalculation) leaves it.
     int kill_everywhere(const QStringList& command, const QStringList& step = {}) {
         const State first = state_of(pristine);
         const State before = step.isEmpty() ? first : state_after(step);
@@ -122,8 +119,7 @@ TEST_F(CrashSafety, EveryTableReadsBackWholeBeforeOrAfter) {
     tried += kill_everywhere({"export", "--data", "%DATA%", "--series", "4", "--task", "1"});
     // A row inserted in a setup: the setup file saved, every learner's marks moved.
     tried += kill_everywhere({"setup", "insert", "--data", "%DATA%", "--series", "1", "--line", "3"});
-    // The update after a setup save, with a learner gone from the class list
-    // and one come.
+    // The update after a setup save, a learner gone from the class list and one come.
     {
         auto list = DbfTable::open(pristine + "/data/punte5.dbf");
         ASSERT_TRUE(list);
