@@ -52,12 +52,9 @@ TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
 // Each refusal: its message in the user's language, nothing appended, and
 // the screen gone where the refusal ends it.
 TEST_F(ExchangeScreens, TheExportRefusesWithItsMessages) {
-    const struct {
-        const char* why;
-        bool afrikaans, series_table;  // the data folder holds exp_mrk_control.txt
-        int task_row;                  // the row double-clicked; -1 = none, the load refused
-        bool answer_no;                // a folder is chosen, then the question answered No
-    } cases[] = {
+    // Why; in Afrikaans; with the series table exp_mrk_control.txt; the task row double-clicked
+    // (-1: none, the load refused); a folder chosen and then No to the question.
+    const std::tuple<const char*, bool, bool, int, bool> cases[] = {
         {"no series table", false, false, -1, false},
         {"geen reekstabel", true, false, -1, false},
         {"the heading row", false, true, 0, false},
@@ -68,30 +65,30 @@ TEST_F(ExchangeScreens, TheExportRefusesWithItsMessages) {
     const QString folder = run.data_folder;
     const QByteArray series = testing::read_bytes(table("exp_mrk_control.txt"));
     QString outcome;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.why);
-        run.language_afrikaans = c.afrikaans;
+    for (const auto& [why, afrikaans, series_table, task_row, answer_no] : cases) {
+        SCOPED_TRACE(why);
+        run.language_afrikaans = afrikaans;
         run.data_folder = folder;
         dialogs.messages.clear();
         dialogs.prompts.clear();
         screens.unloaded.clear();
         screens.shown.clear();
         QFile::remove(table("exp_mrk_control.txt"));
-        if (c.series_table) testing::write_bytes(QDir(folder).filePath("exp_mrk_control.txt"), series);
-        if (c.answer_no) {
+        if (series_table) testing::write_bytes(QDir(folder).filePath("exp_mrk_control.txt"), series);
+        if (answer_no) {
             dialogs.folders.enqueue(folder);
             dialogs.answers.enqueue(MsgAnswer::No);
         }
         const QByteArray punte = testing::read_bytes(table("punte1.dbf"));
         MarkBookExport screen(ctx);
         const bool loaded = screen.load();
-        EXPECT_EQ(loaded, c.task_row >= 0);
+        EXPECT_EQ(loaded, task_row >= 0);
         if (loaded) {
             screen.choose_series(0);
-            EXPECT_FALSE(screen.export_task_row(c.task_row));
+            EXPECT_FALSE(screen.export_task_row(task_row));
         }
         EXPECT_EQ(testing::read_bytes(table("punte1.dbf")), punte);
-        outcome += QString("== %1\n").arg(c.why) + testing::transcript(*this, screens);
+        outcome += QString("== %1\n").arg(why) + testing::transcript(*this, screens);
     }
     EXPECT_TRUE(testing::matches_golden(outcome, "exchange/export_refusals.txt"));
 }
@@ -100,8 +97,7 @@ TEST_F(ExchangeScreens, TheDistributionShowsInTheGridAndPrintsWhole) {
     run.language_afrikaans = true;
     SymbolPrintScreen screen(ctx, printer);
     ASSERT_TRUE(screen.load());
-    EXPECT_EQ(screen.caption(), "SIMBOOLVERSPREIDING DRUK");
-    EXPECT_EQ(screen.button_captions(), (QStringList{"DRUK", "EXIT"}));
+    EXPECT_EQ(screen.caption() + ": " + screen.button_captions().join('|'), "SIMBOOLVERSPREIDING DRUK: DRUK|EXIT");
     EXPECT_EQ(screen.series_list_height(), 9 * 300);
     EXPECT_FALSE(screen.pboek_druk_print());  // nothing chosen yet
     ASSERT_TRUE(screen.choose_series(0));
