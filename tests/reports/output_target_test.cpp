@@ -58,12 +58,6 @@ protected:
         on << QString("colour %1").arg(choice.print_colour) + (target.colour_pressed() ? " pressed" : "");
         return on.join(' ');
     }
-    // The job title and the files chosen: Excel's folder and stem, HTML's folder and name.
-    QStringList files_chosen() const {
-        return QStringList{choice.print_job_title, choice.export_folder, choice.export_stem, choice.html_folder,
-                           choice.html_file_name}
-            .replaceInStrings(drive.dir.path(), "<drive>");
-    }
     // Files anywhere under the temporary drive, by relative path.
     QStringList all_files() const {
         QStringList out;
@@ -165,85 +159,75 @@ TEST_F(OutputTargetTest, CaptionsInBothLanguages) {
     EXPECT_TRUE(matches_golden(out, "reports/output_target_captions.txt"));
 }
 
-TEST_F(OutputTargetTest, ExcelOkSetsTheFileAndRemembersTheFolder) {
+// The save dialogs for a workbook and a web page, step by step: what was
+// asked and where the dialog started, the state, the job title, the workbook's
+// folder and stem, the page's folder and name, the remembered folders' bytes
+// and every file on the drive (the workbook itself comes at the end of the job).
+TEST_F(OutputTargetTest, ExcelAndHtmlAskTheFileFromTheRememberedFolderAndRememberIt) {
+    QString out;
+    const auto step = [&](const QString& what) {
+        const auto bytes = [](const QString& path) {
+            return QString::fromUtf8(read_bytes(path)).replace("\r\n", "\\r\\n");
+        };
+        out += QStringList{"== " + what, "asked " + dialogs.prompts.join(" | ") + " from " + dialogs.starts.join(" | "),
+                           state(),
+                           "chosen " + QStringList{choice.print_job_title, choice.export_folder, choice.export_stem,
+                                                   choice.html_folder, choice.html_file_name}
+                                           .join(" | "),
+                           "remembered excel " + bytes(excel_gids()) + " html " + bytes(html_gids()),
+                           "files " + all_files().join(' ')}
+                   .join('\n')
+                   .replace(drive.dir.path(), "<drive>") +
+               '\n';
+        dialogs.prompts.clear();
+        dialogs.starts.clear();
+    };
+    drive.run.language_afrikaans = true;
+    target.load();
+    target.kies_excel();
+    step("a workbook, cancelled in Afrikaans: the dialog stays open");
+
+    drive.run.language_afrikaans = false;
     choice.export_stem = "PUNTE GR8/A";
     choice.print_chosen = true;
     target.load();
     dialogs.files.enqueue(drive.path("uitvoer") + "/Punte 8A.xlsx");
     target.kies_excel();
-    EXPECT_EQ(dialogs.prompts, QStringList{"EXCEL EXPORT FILE NAME"});
+    step("a workbook: from the program's folder, the stem without its slash");
     EXPECT_EQ(dialogs.file_filter, "");
-    EXPECT_EQ(dialogs.starts, QStringList{drive.run.program_folder + "/PUNTE GR8A"});
-    EXPECT_EQ(state(), "excel closed colour -1 pressed");
-    EXPECT_EQ(files_chosen(), (QStringList{"REPORTING TO EXCEL", "<drive>/uitvoer/", "Punte 8A", "", ""}));
-    EXPECT_EQ(read_bytes(excel_gids()), remembered(drive.path("uitvoer")));
-    // Only the remembered folder was written: the workbook comes at the end of the job.
-    EXPECT_EQ(all_files(), QStringList{"ProgramData/KESTRALIN/excel_uitvoer_gids"});
-    // The job takes the choice to the page engine and its worksheet hooks.
     PrintJob job;
-    apply_output_choice(choice, job);
+    apply_output_choice(choice, job);  // the page engine and its worksheet hooks take it on
     EXPECT_EQ(std::tuple(job.print_chosen, job.output_to_excel, job.export_folder, job.export_stem),
               std::tuple(false, true, drive.path("uitvoer") + "/", QString("Punte 8A")));
-}
 
-// The save dialog starts in the remembered folder, or in the program's
-// folder when that is gone; a typed ".XLS" is dropped from the name.
-TEST_F(OutputTargetTest, ExcelStartsFromTheRememberedFolderWhileItIsThere) {
-    write_bytes(excel_gids(), remembered(drive.path("uitvoer")));
     choice.export_stem = "lys";
     target.load();
     dialogs.files.enqueue(drive.path("uitvoer") + "/lys");
     target.kies_excel();
-    EXPECT_EQ(choice.export_stem, "lys");
+    step("from the remembered folder");
     dialogs.files.enqueue(drive.path("uitvoer") + "/ou lys.XLS");
     target.kies_excel();
-    EXPECT_EQ(choice.export_stem, "ou lys");
-
+    step("a typed .XLS is dropped");
     write_bytes(excel_gids(), remembered(drive.path("weg")));
     choice.export_stem.clear();
-    target.kies_excel();  // cancelled
-    const QString lys = drive.path("uitvoer") + "/lys";
-    EXPECT_EQ(dialogs.starts, (QStringList{lys, lys, drive.run.program_folder}));
-}
-
-// A cancelled save dialog leaves the dialog open and remembers no folder.
-TEST_F(OutputTargetTest, ExcelCancelKeepsTheDialogOpen) {
-    drive.run.language_afrikaans = true;
     target.load();
     target.kies_excel();
-    EXPECT_EQ(dialogs.prompts, QStringList{"EXCEL UITVOER LE\u00eaRNAAM"});
-    EXPECT_EQ(files_chosen(), (QStringList{"DRUKWERK NA EXCEL", "", "", "", ""}));
-    EXPECT_EQ(state(), "colour -1 pressed");
-    EXPECT_FALSE(QFileInfo::exists(excel_gids()));
-}
+    step("a remembered folder that is gone: from the program's folder; cancelled");
 
-// HTML is only recorded: the page engine goes no further with such a choice.
-TEST_F(OutputTargetTest, HtmlRecordsItsTargetAndNothingElse) {
     choice.print_chosen = true;
     target.load();
     dialogs.files.enqueue(drive.path("uitvoer") + "/lys.htm");
     target.kies_html();
-    EXPECT_EQ(dialogs.prompts, QStringList{"HTML EXPORT FILE NAME"});
-    EXPECT_EQ(files_chosen(), (QStringList{"", "", "", "<drive>/uitvoer/", "lys.htm"}));
-    EXPECT_EQ(state(), "html closed colour -1 pressed");
-    EXPECT_EQ(read_bytes(html_gids()), remembered(drive.path("uitvoer")));
-    EXPECT_EQ(all_files(), QStringList{"ProgramData/KESTRALIN/html_uitvoer_gids"});
-    PrintJob job;
+    step("a web page: only recorded, the page engine goes no further");
     apply_output_choice(choice, job);
     EXPECT_EQ(std::pair(job.print_chosen, job.output_to_excel), std::pair(false, false));
-}
-
-TEST_F(OutputTargetTest, HtmlCancelKeepsTheDialogOpenAndStartsFromItsOwnRememberedFolder) {
     QDir().mkpath(drive.path("web"));
     write_bytes(html_gids(), remembered(drive.path("web")));
-    write_bytes(excel_gids(), remembered(drive.path("uitvoer")));
     drive.run.language_afrikaans = true;
     target.load();
     target.kies_html();
-    EXPECT_EQ(dialogs.starts, QStringList{drive.path("web")});
-    EXPECT_EQ(dialogs.prompts, QStringList{"HTML UITVOER LE\u00eaRNAAM"});
-    EXPECT_EQ(state(), "colour -1 pressed");
-    EXPECT_EQ(read_bytes(html_gids()), remembered(drive.path("web")));
+    step("a web page from its own remembered folder, cancelled in Afrikaans");
+    EXPECT_TRUE(matches_golden(out, "reports/output_target_files.txt"));
 }
 
 }  // namespace
