@@ -68,13 +68,9 @@ struct CrashSafety : ::testing::Test {
     State state_after(const QStringList& command, std::map<QString, int>* counts = nullptr) {
         const QString root = work.filePath("through"), trace = work.filePath("trace.txt");
         EXPECT_EQ(traced(root, command, "", 0, trace), 0) << command.join(' ').toStdString();
-        QFile f(trace);
-        f.open(QIODevice::ReadOnly);
-        while (counts && !f.atEnd()) {
-            const QByteArray line = f.readLine();
+        for (const QByteArray& line : testing::read_bytes(trace).split('\n'))
             for (const QString& call : kCalls)
-                if (line.contains(" " + call.toLatin1() + "(")) ++(*counts)[call];
-        }
+                if (counts && line.contains(" " + call.toLatin1() + "(")) ++(*counts)[call];
         const State state = state_of(root);
         QDir(root).removeRecursively();
         return state;
