@@ -84,7 +84,8 @@ TEST_F(Cli, BadUsageExitsTwoWithTheUsage) {
     const QList<QStringList> cases = {
         {"frobnicate"}, {"series"}, {"series", "--data"}, {"series", "--data", "x", "--lang", "fr"}, {"dump"},
         {"series", "--data", "x", "--bogus", "1"}, {"print", "bogus", "--data", "x", "--series", "1", "--pdf", "x.pdf"},
-        {"marks", "frob", "--data", "x", "--series", "1"}, {"marks", "set", "--data", "x", "--series", "1", "--value", "1"},
+        {"marks", "frob", "--data", "x", "--series", "1"},
+        {"marks", "set", "--data", "x", "--series", "1", "--value", "1"},
         {"print", "setup", "--data", "x", "--series", "1"},
         {"print", "setup", "--data", "x", "--series", "1", "--pdf", "a", "--xlsx", "b"},
         {"setup", "frob", "--data", "x", "--series", "1"}, {"setup", "set", "--data", "x", "--series", "1"},
@@ -121,9 +122,8 @@ TEST_F(CliBook, AReadOnlyFolderIsRefusedWithAMessageAndKeepsItsFiles) {
     ASSERT_EQ(QProcess::execute("chmod", {"-R", "a-w", data()}), 0);
     nobody = true;
     const QString demo = session({}, {{"demo", "--data", data() + "/school"}}, -1);
-    EXPECT_TRUE(matches_golden(demo + session(data() + "/marks1.dbf", {{"open", "--lang", "en"}, {"open", "--lang", "af"},
-                                                                       {"recalc", "--lang", "en"}}),
-                               "app/read_only.txt"));
+    const QList<QStringList> words{{"open", "--lang", "en"}, {"open", "--lang", "af"}, {"recalc", "--lang", "en"}};
+    EXPECT_TRUE(matches_golden(demo + session(data() + "/marks1.dbf", words), "app/read_only.txt"));
     QProcess::execute("chmod", {"-R", "u+w", data()});
 }
 

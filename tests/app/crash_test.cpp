@@ -111,7 +111,8 @@ struct CrashSafety : ::testing::Test {
 TEST_F(CrashSafety, EveryTableReadsBackWholeBeforeOrAfter) {
     int tried = 0;
     tried += kill_everywhere({"open", "--data", "%DATA%", "--series", "1"});
-    tried += kill_everywhere({"recalc", "--data", "%DATA%", "--series", "3"}, {"open", "--data", "%DATA%", "--series", "3"});
+    tried += kill_everywhere({"recalc", "--data", "%DATA%", "--series", "3"},
+                             {"open", "--data", "%DATA%", "--series", "3"});
     tried += kill_everywhere({"export", "--data", "%DATA%", "--series", "4", "--task", "1"});
     // A row inserted in a setup: the setup file saved, every learner's marks moved.
     tried += kill_everywhere({"setup", "insert", "--data", "%DATA%", "--series", "1", "--line", "3"});

@@ -134,7 +134,8 @@ TEST_F(ExchangeScreens, TheDistributionFindsItsTableOrEndsTheScreen) {
         if (text_table == "copy") QFile::copy(table("marks1.dbf"), txt);
         if (text_table == "old") DbfTable::create(txt, mark_book_fields().mid(0, 41));
         // Series 2 has no setup of its own: give it series 1's for the copy.
-        if (row == 1) QFile::copy(table("setup_8  AFR__8A.txt"), QDir(run.data_folder).filePath("setup_8  WISK_8B.txt"));
+        if (row == 1)
+            QFile::copy(table("setup_8  AFR__8A.txt"), QDir(run.data_folder).filePath("setup_8  WISK_8B.txt"));
         dialogs.messages.clear();
         screens.unloaded.clear();
         screens.shown.clear();

@@ -249,7 +249,8 @@ TEST_F(WorksheetTest, HookForAGridStraightToAFileAsksTheName) {
     job.worksheet.grid_to_new_file(g);
     EXPECT_EQ(std::pair(job.export_folder, job.export_stem), std::pair(out_folder(), QString("los")));
     EXPECT_EQ(cell("los.xlsx", 0, 0), "Naam");
-    EXPECT_EQ(said(), (QStringList{"i EXPORT OF los TO " + out_folder() + "los COMPLETE !!", "EXCEL EXPORT FILE NAME"}));
+    EXPECT_EQ(said(),
+              (QStringList{"i EXPORT OF los TO " + out_folder() + "los COMPLETE !!", "EXCEL EXPORT FILE NAME"}));
     // Cancelled: nothing written, nothing said.
     job.worksheet.grid_to_new_file(g);
     EXPECT_EQ(said(), QStringList{"EXCEL EXPORT FILE NAME"});
