@@ -37,10 +37,8 @@ TEST(QtPrintSurfaceScale, A4InCharactersOfTheMonospacedCell) {
     s.set_font_name(QStringLiteral("Lucida Console"));
     s.set_font_size(10);
     // 523 points across; a 10-point monospaced cell is about 6 points wide.
-    EXPECT_GT(s.ScaleWidth(), 80.0f);
-    EXPECT_LT(s.ScaleWidth(), 95.0f);
-    EXPECT_GT(s.ScaleHeight(), 55.0f);
-    EXPECT_LT(s.ScaleHeight(), 70.0f);
+    EXPECT_TRUE(s.ScaleWidth() > 80.0f && s.ScaleWidth() < 95.0f) << s.ScaleWidth();
+    EXPECT_TRUE(s.ScaleHeight() > 55.0f && s.ScaleHeight() < 70.0f) << s.ScaleHeight();
     EXPECT_NEAR(s.TextWidth(QStringLiteral("ABCDEFGHIJ")), 10.0f, 0.05f);
     s.set_orientation(PageOrientation::Landscape);
     EXPECT_EQ(s.orientation(), PageOrientation::Landscape);
