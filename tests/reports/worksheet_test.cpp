@@ -62,6 +62,13 @@ protected:
     }
     // A cell of the first sheet, both from 0.
     QString cell(const QString& name, int row, int col) const { return first_sheet(name).value(row).value(col); }
+    // A job whose worksheet hooks save to `folder` as `stem`.
+    PrintJob job;
+    void hooks(const QString& folder, const QString& stem) {
+        job.export_folder = folder;
+        job.export_stem = stem;
+        install_worksheet_hooks(job, drive.run);
+    }
     // What the user was told since the last look, "i " before a notice and
     // "! " before a warning, then what he was asked.
     QStringList said() {
@@ -198,10 +205,7 @@ TEST_F(WorksheetTest, ASaveTellsTheUserWhatBecameOfTheWorkbookInEitherLanguage) 
 }
 
 TEST_F(WorksheetTest, HooksFillOneWorkbookPerJobAndSaveItAtTheEnd) {
-    PrintJob job;
-    job.export_folder = out_folder();
-    job.export_stem = "werk";
-    install_worksheet_hooks(job, drive.run);
+    hooks(out_folder(), "werk");
     job.worksheet.sheet_head(head("PAGE : 1", "FIRST"));
     TextGrid g = mark_list();
     job.worksheet.write_grid(g);
@@ -223,10 +227,7 @@ TEST_F(WorksheetTest, HooksFillOneWorkbookPerJobAndSaveItAtTheEnd) {
 }
 
 TEST_F(WorksheetTest, HooksOfferAnotherPlaceWhenTheFolderIsGoneUntilTheUserGivesUp) {
-    PrintJob job;
-    job.export_folder = drive.path("weg") + "/";
-    job.export_stem = "werk";
-    install_worksheet_hooks(job, drive.run);
+    hooks(drive.path("weg") + "/", "werk");
     job.worksheet.sheet_head(head("PAGE : 1", "LOST"));
     job.worksheet.finish();  // no file chosen
     const QString gone = "! FOLDER " + drive.path("weg") + " DOES NOT EXIST - werk WAS NOT SAVED !!";
@@ -242,8 +243,7 @@ TEST_F(WorksheetTest, HooksOfferAnotherPlaceWhenTheFolderIsGoneUntilTheUserGives
 }
 
 TEST_F(WorksheetTest, HookForAGridStraightToAFileAsksTheName) {
-    PrintJob job;
-    install_worksheet_hooks(job, drive.run);
+    hooks(QString(), QString());
     drive.dialogs.files.enqueue(out_folder() + "los.xlsx");
     TextGrid g = mark_list();
     job.worksheet.grid_to_new_file(g);
