@@ -12,7 +12,6 @@
 #include "store/dbf_table.h"
 #include "tests/support/golden.h"
 #include "tests/support/pdf_printer.h"
-#include "tests/support/program_run.h"
 #include "tests/support/reports_app_helpers.h"
 #include "tests/support/temp_drive.h"
 #include "util/legacy_number.h"

@@ -12,7 +12,6 @@
 
 #include "markbook/setup_model.h"
 #include "store/dbf_table.h"
-#include "tests/support/program_run.h"
 #include "tests/support/reports_app_helpers.h"
 #include "tests/support/temp_drive.h"
 

@@ -13,15 +13,7 @@
 namespace veldo {
 namespace {
 
-struct ExchangeScreens : ::testing::Test, testing::DemoSchool {
-    // The rows of a table that hold learner `name`, right-trimmed.
-    QList<QStringList> rows_of(const QString& name, const QString& learner) const {
-        QList<QStringList> out;
-        for (const QStringList& r : records(name))
-            if (r.value(1) == learner) out << r;
-        return out;
-    }
-};
+struct ExchangeScreens : ::testing::Test, testing::DemoSchool {};
 
 TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
     MarkBookExport screen(ctx);
@@ -44,7 +36,8 @@ TEST_F(ExchangeScreens, ATaskIsExportedFromTheListToBothTables) {
     seen += "bar " + bar.join(' ') + "\n" + lists();
     // 3.5 of 10 goes over as 35 of the series' 100, appended beside the class
     // list's row; the records' bytes and count are ExportMarks' to pin.
-    for (const QStringList& r : rows_of("punte1.dbf", "Botha, Anri")) seen += "punte1.dbf: " + r.join('|') + "\n";
+    for (const QStringList& r : records("punte1.dbf"))
+        if (r.value(1) == "Botha, Anri") seen += "punte1.dbf: " + r.join('|') + "\n";
     screen.pboek_uitvoer_exit();
     EXPECT_TRUE(testing::matches_golden(seen + testing::transcript(*this, screens), "exchange/export_tasks.txt"));
 }

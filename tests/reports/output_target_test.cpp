@@ -126,9 +126,8 @@ TEST_F(OutputTargetTest, SelectKeepsTheNewPrinter) {
     target.load();
     next_printer = "Brother HL";
     target.druk_wysig();
-    EXPECT_EQ(asked_from, "HP LaserJet");
-    EXPECT_EQ(choice.printer_name, "Brother HL");
-    EXPECT_EQ(target.druk_ok_tooltip(), " Print to Brother HL");
+    EXPECT_EQ((QStringList{asked_from, choice.printer_name, target.druk_ok_tooltip()}),
+              (QStringList{"HP LaserJet", "Brother HL", " Print to Brother HL"}));
     next_printer.clear();  // cancelled
     target.drukker_naam_dblclick();
     EXPECT_EQ(choice.printer_name, "Brother HL");
