@@ -43,10 +43,7 @@ struct Bench {
     bool printed(const QString& text) const { return surface.find_text(text) != nullptr; }
     // What a print leaves: the grid's rows, the text after its heading row, whether a new page is due.
     QString left(const TextGrid& g) const {
-        return QStringLiteral("%1 rows, then \"%2\", new page %3")
-            .arg(g.rows())
-            .arg(g.text(1, 0))
-            .arg(job.new_print_job);
+        return QString("%1 rows, then \"%2\", new page %3").arg(g.rows()).arg(g.text(1, 0)).arg(job.new_print_job);
     }
 };
 

@@ -21,7 +21,6 @@ namespace veldo {
 namespace {
 
 using namespace testing;
-using Rows = QList<QStringList>;
 
 // One part of a saved workbook, one XML element to a line.
 QString zip_entry(const QString& path, const char* name) {
@@ -54,14 +53,12 @@ protected:
     TempDrive drive;
     QString out_folder() const { return drive.path("uitvoer") + "/"; }
     void SetUp() override { QDir().mkpath(drive.path("uitvoer")); }
-    // The first sheet of a workbook in the output folder.
-    Rows first_sheet(const QString& name) const {
+    // A cell of the first sheet of a workbook in the output folder, both from 0.
+    QString cell(const QString& name, int row, int col) const {
         const auto rows = read_first_sheet(out_folder() + name);
         EXPECT_TRUE(rows) << name.toStdString();
-        return rows.value_or(Rows());
+        return rows.value_or(QList<QStringList>()).value(row).value(col);
     }
-    // A cell of the first sheet, both from 0.
-    QString cell(const QString& name, int row, int col) const { return first_sheet(name).value(row).value(col); }
     // A job whose worksheet hooks save to `folder` as `stem`.
     PrintJob job;
     void hooks(const QString& folder, const QString& stem) {
