@@ -13,11 +13,7 @@
 namespace veldo {
 namespace {
 
-using testing::TempDrive;
-using testing::fill_marks_table;
-using testing::marks_row;
-using testing::read_bytes;
-using testing::table_rows;
+using namespace testing;
 
 // Scaled to the series total with ties to even; absences, blanks and a
 // series total of 0 go over as they stand.

@@ -13,9 +13,7 @@
 namespace veldo {
 namespace {
 
-using testing::TempDrive;
-using testing::fill_marks_table;
-using testing::marks_row;
+using namespace testing;
 
 struct Symbols : ::testing::Test {
     TempDrive t;
