@@ -62,10 +62,8 @@ TEST_F(ExchangeScreens, TheExportRefusesWithItsMessages) {
         SCOPED_TRACE(why);
         run.language_afrikaans = afrikaans;
         run.data_folder = folder;
-        dialogs.messages.clear();
-        dialogs.prompts.clear();
-        screens.unloaded.clear();
-        screens.shown.clear();
+        dialogs = {};  // each row starts with nothing said or shown
+        screens = {};
         QFile::remove(table("exp_mrk_control.txt"));
         if (series_table) testing::write_bytes(QDir(folder).filePath("exp_mrk_control.txt"), series);
         if (answer_no) {
@@ -129,9 +127,8 @@ TEST_F(ExchangeScreens, TheDistributionFindsItsTableOrEndsTheScreen) {
         // Series 2 has no setup of its own: give it series 1's for the copy.
         if (row == 1)
             QFile::copy(table("setup_8  AFR__8A.txt"), QDir(run.data_folder).filePath("setup_8  WISK_8B.txt"));
-        dialogs.messages.clear();
-        screens.unloaded.clear();
-        screens.shown.clear();
+        dialogs = {};  // each row starts with nothing said or shown
+        screens = {};
         SymbolPrintScreen screen(ctx, printer);
         ASSERT_TRUE(screen.load());
         const bool chosen = screen.choose_series(row);
