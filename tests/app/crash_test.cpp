@@ -1,9 +1,7 @@
-// The program killed (SIGKILL) at every write, rename and removal it makes
-// during an open (the rebuild), a recalculation, an export, a row inserted
-// in a setup and the update after a setup save: every table and setup file
-// reads back whole, holding the state from before or from after, never a
-// half-written record or an empty file. strace plays the kill: it stops the
-// program as it enters the k-th such call, for every k.
+// The program killed (SIGKILL, by strace) as it enters its k-th write, rename
+// or removal, for every k, in an open, a recalculation, an export, a setup
+// row inserted and an update: every table and setup file reads back whole,
+// as before or as after, never half-written or empty.
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -14,7 +12,6 @@
 
 #include "markbook/setup_model.h"
 #include "store/dbf_table.h"
-#include "tests/support/program_run.h"
 #include "tests/support/reports_app_helpers.h"
 #include "tests/support/temp_drive.h"
 
@@ -70,21 +67,16 @@ struct CrashSafety : ::testing::Test {
     State state_after(const QStringList& command, std::map<QString, int>* counts = nullptr) {
         const QString root = work.filePath("through"), trace = work.filePath("trace.txt");
         EXPECT_EQ(traced(root, command, "", 0, trace), 0) << command.join(' ').toStdString();
-        QFile f(trace);
-        f.open(QIODevice::ReadOnly);
-        while (counts && !f.atEnd()) {
-            const QByteArray line = f.readLine();
+        for (const QByteArray& line : testing::read_bytes(trace).split('\n'))
             for (const QString& call : kCalls)
-                if (line.contains(" " + call.toLatin1() + "(")) ++(*counts)[call];
-        }
+                if (counts && line.contains(" " + call.toLatin1() + "(")) ++(*counts)[call];
         const State state = state_of(root);
         QDir(root).removeRecursively();
         return state;
     }
 
     // Every kill point of the command; returns how many were tried. A table
-    // may also be as a first step of the command leaves it (`step`: opening
-    // the book, which rebuilds it, before its totals are recalculated).
+    // may also be as `step` (the open before a recalculation) leaves it.
     int kill_everywhere(const QStringList& command, const QStringList& step = {}) {
         const State first = state_of(pristine);
         const State before = step.isEmpty() ? first : state_after(step);
@@ -118,12 +110,12 @@ struct CrashSafety : ::testing::Test {
 TEST_F(CrashSafety, EveryTableReadsBackWholeBeforeOrAfter) {
     int tried = 0;
     tried += kill_everywhere({"open", "--data", "%DATA%", "--series", "1"});
-    tried += kill_everywhere({"recalc", "--data", "%DATA%", "--series", "3"}, {"open", "--data", "%DATA%", "--series", "3"});
+    tried += kill_everywhere({"recalc", "--data", "%DATA%", "--series", "3"},
+                             {"open", "--data", "%DATA%", "--series", "3"});
     tried += kill_everywhere({"export", "--data", "%DATA%", "--series", "4", "--task", "1"});
     // A row inserted in a setup: the setup file saved, every learner's marks moved.
     tried += kill_everywhere({"setup", "insert", "--data", "%DATA%", "--series", "1", "--line", "3"});
-    // The update after a setup save, with a learner gone from the class list
-    // and one come.
+    // The update after a setup save, a learner gone from the class list and one come.
     {
         auto list = DbfTable::open(pristine + "/data/punte5.dbf");
         ASSERT_TRUE(list);

@@ -7,23 +7,29 @@
 #include <QTemporaryDir>
 
 #include "markbook/workbook_reader.h"
-#include "store/dbf_table.h"
+#include "tests/support/pdf_printer.h"
+#include "tests/support/reports_app_helpers.h"
 
 namespace veldo {
 namespace {
 
-TEST(Demo, TheHeadlessDemoMakesEveryFileItNames) {
-    QTemporaryDir drive;
+// Runs scripts/run_demo.sh with `program` on a fresh drive, without a display;
+// gives its exit code and what it printed.
+std::pair<int, QString> run_demo(const QString& program, const QString& drive) {
     QProcess demo;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.remove("DISPLAY");
     env.remove("WAYLAND_DISPLAY");
     demo.setProcessEnvironment(env);
     demo.setProcessChannelMode(QProcess::MergedChannels);
-    demo.start("bash", {QString(VELDO_SOURCE_DIR) + "/scripts/run_demo.sh", VELDO_PROGRAM, drive.path()});
-    ASSERT_TRUE(demo.waitForFinished(120000));
-    const QString out = QString::fromLocal8Bit(demo.readAll());
-    ASSERT_EQ(demo.exitCode(), 0) << out.toStdString();
+    demo.start("bash", {QString(VELDO_SOURCE_DIR) + "/scripts/run_demo.sh", program, drive});
+    return {demo.waitForFinished(120000) ? demo.exitCode() : -1, QString::fromLocal8Bit(demo.readAll())};
+}
+
+TEST(Demo, TheHeadlessDemoMakesEveryFileItNames) {
+    QTemporaryDir drive;
+    const auto [exit_code, out] = run_demo(VELDO_PROGRAM, drive.path());
+    ASSERT_EQ(exit_code, 0) << out.toStdString();
     EXPECT_FALSE(out.contains("QStandardPaths")) << out.toStdString();
     for (const char* said : {"Mark book 1 (setup_8  AFR__8A.txt): 32 learners, 21 columns",
                              "Totals recalculated for 32 learners.", "22\tTOTAAL\t", "PRINTING COMPLETE",
@@ -36,35 +42,21 @@ TEST(Demo, TheHeadlessDemoMakesEveryFileItNames) {
         file = file.trimmed();
         SCOPED_TRACE(file.toStdString());
         ASSERT_TRUE(QFileInfo(file).isFile());
-        if (file.endsWith(".pdf")) {
-            QProcess info;
-            info.start("pdfinfo", {file});
-            ASSERT_TRUE(info.waitForFinished(30000));
-            EXPECT_EQ(info.exitCode(), 0);
-            EXPECT_TRUE(info.readAllStandardOutput().contains("Pages:"));
-        } else if (file.endsWith(".xlsx")) {
-            SheetReadError error;
-            const auto sheet = read_first_sheet(file, &error);
-            ASSERT_TRUE(sheet) << error.detail.toStdString();
-            EXPECT_GT(sheet->size(), 32);
-        } else {
-            DbfError error;
-            auto table = DbfTable::open(file, &error);
-            ASSERT_TRUE(table) << dbf_error_message(error, false).toStdString();
-            EXPECT_GE(table->RecordCount(), 32);
-        }
+        if (file.endsWith(".pdf"))
+            EXPECT_TRUE(testing::poppler("pdfinfo", file).contains("Pages:"));
+        else if (file.endsWith(".xlsx"))
+            EXPECT_GT(read_first_sheet(file).value_or(QList<QStringList>()).size(), 32);
+        else  // an unreadable table is one row saying why
+            EXPECT_GE(testing::table_rows(file).size(), 32) << testing::table_rows(file)[0].join(' ').toStdString();
     }
 }
 
 // A step that fails stops the demo with its message and a non-zero exit.
 TEST(Demo, AFailingStepStopsTheDemo) {
     QTemporaryDir drive;
-    QProcess demo;
-    demo.setProcessChannelMode(QProcess::MergedChannels);
-    demo.start("bash", {QString(VELDO_SOURCE_DIR) + "/scripts/run_demo.sh", "/bin/false", drive.path()});
-    ASSERT_TRUE(demo.waitForFinished(60000));
-    EXPECT_NE(demo.exitCode(), 0);
-    EXPECT_TRUE(demo.readAll().contains("The demo stopped: Writing the demo school failed."));
+    const auto [exit_code, out] = run_demo("/bin/false", drive.path());
+    EXPECT_NE(exit_code, 0);
+    EXPECT_TRUE(out.contains("The demo stopped: Writing the demo school failed."));
 }
 
 }  // namespace

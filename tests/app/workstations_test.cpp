@@ -3,13 +3,11 @@
 // same time lose nothing.
 #include <gtest/gtest.h>
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <map>
 #include <memory>
 #include <vector>
 
-#include "tests/support/program_run.h"
 #include "tests/support/reports_app_helpers.h"
 
 namespace veldo {
@@ -24,11 +22,9 @@ struct Workstations : ::testing::Test {
     // Starts every command at once and waits for all; each must end 0.
     void all_at_once(const QList<QStringList>& commands) {
         std::vector<std::unique_ptr<QProcess>> running;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("KESTRALIN_DRIVE", drive.path());
         for (const QStringList& args : commands) {
             auto p = std::make_unique<QProcess>();
-            p->setProcessEnvironment(env);
+            p->setProcessEnvironment(testing::program_environment(drive.path()));
             p->start(VELDO_PROGRAM, args);
             running.push_back(std::move(p));
         }

@@ -7,15 +7,26 @@
 #include "reports/recording_surface.h"
 #include "tests/support/golden.h"
 #include "tests/support/print_dump.h"
+#include "tests/support/shell_transcript.h"
 #include "tests/support/temp_drive.h"
 
 using namespace veldo;
 using namespace veldo::testing;
-using Kind = PrintRecord::Kind;
 
 namespace {
 
 constexpr float kPortraitHeight10 = 770.0f / 12.0f;  // 64.17 lines at size 10
+
+// The progress window as one line: shown or not, its heading, printer and
+// page, the pages printed so far.
+QString progress_line(const PrintJob& job) {
+    QStringList pages;
+    for (int p : job.progress.pages()) pages << QString::number(p);
+    return QStringLiteral("progress %1 \"%2\" on \"%3\" page %4 of [%5]")
+        .arg(job.progress.visible() ? "shown" : "hidden", job.progress.heading(), job.progress.device())
+        .arg(job.progress.page())
+        .arg(pages.join(' '));
+}
 
 // A school, a clock and a fresh job on a recording surface.
 struct Desk {
@@ -39,14 +50,21 @@ struct Desk {
         surface.set_CurrentY(y);
         return head(title, QString(), options);
     }
-    // The recorded print and the rules the job keeps, as the golden files hold them.
+    // The recorded print, what the job keeps and what the user was told, as
+    // the golden files hold them.
     QString dump() const {
         const auto n = [](float v) { return QString::number(v, 'f', 3); };
-        return print_dump(surface) + QStringLiteral("job bottom %1 rule %2 line %3 width %4 new %5\n")
-                                         .arg(n(job.page_bottom), n(job.head_rule_y))
-                                         .arg(job.head_rule_line)
-                                         .arg(job.line_width)
-                                         .arg(job.new_print_job);
+        return print_dump(surface) +
+               QStringLiteral("job bottom %1 rule %2 line %3 width %4 new %5 font %6 excel %7 title \"%8\"\n")
+                   .arg(n(job.page_bottom), n(job.head_rule_y))
+                   .arg(job.head_rule_line)
+                   .arg(job.line_width)
+                   .arg(job.new_print_job)
+                   .arg(job.page_font_size)
+                   .arg(job.output_to_excel)
+                   .arg(job.print_job_title) +
+               progress_line(job) + QStringLiteral(", sheets sent %1\n").arg(surface.pages_ended()) +
+               transcript(drive, FakeScreens());
     }
 };
 
@@ -58,30 +76,27 @@ struct PageEngineTest : ::testing::Test, Desk {};
 // the page's foot in lines of the page font, the pen's width and the font
 // reset_print_font leaves (Lucida Console 10, black, not bold).
 TEST_F(PageEngineTest, PageEngineSetupMeasuresTheSheetAtTheJobFont) {
-    const struct {
-        const char* why;
-        QString paper;
-        bool new_job, after_banner;
-    } cases[] = {
+    // Why; the paper, a new job, after a banner.
+    const std::tuple<const char*, QString, bool, bool> cases[] = {
         {"portrait at size 10", kPortrait, true, false},
         {"any other paper is landscape at size 8: 770 / 4.8 columns", QStringLiteral("Letter"), true, false},
         {"after a banner's Arial 6 bold red, measured at the job's font", kPortrait, true, true},
         {"a running job keeps its orientation: portrait at size 8", kLandscape, false, false},
     };
     QString out;
-    for (const auto& c : cases) {
+    for (const auto& [why, paper, new_job, after_banner] : cases) {
         RecordingSurface s;
         PrintJob j;
-        j.new_print_job = c.new_job;
-        if (c.after_banner) {  // as end_of_print leaves the font
+        j.new_print_job = new_job;
+        if (after_banner) {  // as end_of_print leaves the font
             s.set_font_name(QStringLiteral("ARIAL"));
             s.set_font_size(6);
             s.set_bold(true);
             s.set_fore_colour(0xFF);
         }
-        print_setup(s, j, drive.run, c.paper);
+        print_setup(s, j, drive.run, paper);
         out += QStringLiteral("%1:\n  %2 font %3 widths %4 %5 %6 rule %7 bottom %8 pen %9\n")
-                   .arg(c.why, s.orientation() == PageOrientation::Portrait ? "portrait" : "landscape")
+                   .arg(why, s.orientation() == PageOrientation::Portrait ? "portrait" : "landscape")
                    .arg(j.page_font_size)
                    .arg(j.paper_width)
                    .arg(j.line_width)
@@ -97,16 +112,13 @@ TEST_F(PageEngineTest, PageEngineSetupMeasuresTheSheetAtTheJobFont) {
 TEST_F(PageEngineTest, PageEngineSetupShowsTheProgress) {
     surface.set_device_name(QStringLiteral("Laser 2"));
     print_setup(surface, job, drive.run);
-    EXPECT_TRUE(job.progress.visible());
-    EXPECT_EQ(job.progress.heading(), QStringLiteral(" BUSY WITH PRINTING ... "));
-    EXPECT_EQ(job.progress.device(), QStringLiteral("Laser 2"));
-    EXPECT_EQ(job.progress.page(), 1);
+    EXPECT_EQ(progress_line(job), "progress shown \" BUSY WITH PRINTING ... \" on \"Laser 2\" page 1 of [1]");
     drive.run.language_afrikaans = true;
     print_setup(surface, job, drive.run);
-    EXPECT_EQ(job.progress.heading(), QStringLiteral(" BESIG MET DRUKWERK ... "));
+    EXPECT_EQ(progress_line(job), "progress shown \" BESIG MET DRUKWERK ... \" on \"Laser 2\" page 1 of [1]");
     job.print_job_title = QStringLiteral("OPSTELLING");
     print_setup(surface, job, drive.run);
-    EXPECT_EQ(job.progress.heading(), QStringLiteral("OPSTELLING"));
+    EXPECT_EQ(progress_line(job), "progress shown \"OPSTELLING\" on \"Laser 2\" page 1 of [1]");
     EXPECT_EQ(job.progress.times_started(), 1);  // the animation starts once
 }
 
@@ -121,30 +133,25 @@ TEST_F(PageEngineTest, PageEngineColourSwitchComesFromTheDriveRoot) {
 // A form calls page_head before every block of lines: only the top of a page,
 // its last five lines or a new job get a head, on a new sheet.
 TEST_F(PageEngineTest, PageEngineASecondHeadOnlyAtTheTopNearTheFootOrForANewJob) {
-    struct Case {
-        const char* why;
-        float y;
-        bool new_job, turns;
-    };
-    const Case cases[] = {
+    // Why; where the pen stands and the new job flag; whether the second head turns the page.
+    const std::tuple<const char*, float, bool, bool> cases[] = {
         {"twice on a fresh page writes one head", 6, false, false},
         {"five lines from the foot starts a page", kPortraitHeight10 - 5, false, true},
         {"just above the limit goes on on the same page", kPortraitHeight10 - 5.01f, false, false},
         {"the top of a used sheet: a form that went back", 0, false, true},
         {"the new job flag forces a page mid sheet", 20, true, true},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.why);
+    for (const auto& [why, y, new_job, turns] : cases) {
+        SCOPED_TRACE(why);
         Desk d;
         EXPECT_EQ(d.head(), std::optional<float>(6.0f));
         EXPECT_FALSE(d.job.new_print_job);
-        d.surface.set_CurrentY(c.y);
-        d.job.new_print_job = c.new_job;
-        EXPECT_EQ(d.head(), c.turns ? std::optional<float>(6.0f) : std::nullopt);
-        EXPECT_EQ(d.surface.Page(), c.turns ? 2 : 1);
-        EXPECT_EQ(d.surface.texts().count(QStringLiteral("VELDO-TALLY")), c.turns ? 2 : 1);
-        EXPECT_EQ(d.job.progress.pages(), (c.turns ? QList<int>{1, 2} : QList<int>{1}));
-        EXPECT_EQ(d.job.progress.page(), c.turns ? 2 : 1);
+        d.surface.set_CurrentY(y);
+        d.job.new_print_job = new_job;
+        EXPECT_EQ(d.head(), turns ? std::optional<float>(6.0f) : std::nullopt);
+        EXPECT_EQ(d.surface.Page(), turns ? 2 : 1);
+        EXPECT_EQ(d.surface.texts().count(QStringLiteral("VELDO-TALLY")), turns ? 2 : 1);
+        EXPECT_TRUE(progress_line(d.job).endsWith(turns ? "page 2 of [1 2]" : "page 1 of [1]"));
     }
 }
 
@@ -225,11 +232,6 @@ TEST(PageEngineDrawing, PageEngineHeadsAndFeetDrawAsRecorded) {
              d.next_job_head(20, QStringLiteral("PUNTELYS"));
              d.surface.set_CurrentY(12);
              end_of_print(d.surface, d.job, d.drive.run);
-             EXPECT_EQ(d.surface.pages_ended(), 2);
-             EXPECT_FALSE(d.job.progress.visible());
-             ASSERT_EQ(d.drive.dialogs.messages.size(), 1);
-             EXPECT_EQ(d.drive.dialogs.messages[0].text, QStringLiteral("PRINTING COMPLETE (2 pages)"));
-             EXPECT_EQ(d.drive.dialogs.messages[0].icon, MsgIcon::Information);
          }},
         {"end_long_line", "nothing below line 5: the long line at size 6 instead of the banner",
          [&](Desk& d) {
@@ -237,7 +239,6 @@ TEST(PageEngineDrawing, PageEngineHeadsAndFeetDrawAsRecorded) {
              d.job.print_job_title = QStringLiteral("OPSTELLING");
              d.head(QStringLiteral("X"), QString(), none);
              end_of_print(d.surface, d.job, d.drive.run);
-             EXPECT_EQ(d.drive.dialogs.texts(), QStringList{QStringLiteral("DRUKWERK VOLTOOI (1 bladsye)")});
          }},
         {"end_no_foot", "no banner when left out, no long line two lines from the foot",
          [](Desk& d) {
@@ -258,18 +259,14 @@ TEST(PageEngineDrawing, PageEngineHeadsAndFeetDrawAsRecorded) {
     }
 }
 
+// The old document goes out; the new job has its title, no pages yet and the page font.
 TEST_F(PageEngineTest, PageEngineOutputToThePrinterStartsANewJob) {
     job.new_print_job = false;
     surface.print_text(QStringLiteral("left over"));
     job.progress.show(drive.run, QString(), QString(), 7);
-    const bool go_on = ask_output_target(surface, job, drive.run, QStringLiteral("OPSTELLING"),
-                                         [](PrintJob& j) { j.print_chosen = true; });
-    EXPECT_TRUE(go_on);
-    EXPECT_EQ(surface.records_of(Kind::EndDoc).size(), 1);  // the old document went out
-    EXPECT_TRUE(job.new_print_job);
-    EXPECT_EQ(job.print_job_title, QStringLiteral("OPSTELLING"));
-    EXPECT_TRUE(job.progress.pages().isEmpty());
-    EXPECT_EQ(job.page_font_size, 10);
+    EXPECT_TRUE(ask_output_target(surface, job, drive.run, QStringLiteral("OPSTELLING"),
+                                  [](PrintJob& j) { j.print_chosen = true; }));
+    EXPECT_TRUE(matches_golden(dump(), "reports/page_engine/output_printer.txt"));
 }
 
 TEST_F(PageEngineTest, PageEngineOutputToExcelDiscardsThePrinterDocumentAndCancelPrintsNothing) {
@@ -282,13 +279,14 @@ TEST_F(PageEngineTest, PageEngineOutputToExcelDiscardsThePrinterDocumentAndCance
     });
     EXPECT_TRUE(go_on);
     EXPECT_TRUE(excel_seen_clear);
-    EXPECT_EQ(surface.records_of(Kind::KillDoc).size(), 1);
+    EXPECT_TRUE(matches_golden(dump(), "reports/page_engine/output_excel.txt"));
 
     RecordingSurface untouched;
     EXPECT_FALSE(ask_output_target(untouched, job, drive.run, QString(), [](PrintJob& j) { j.print_chosen = false; }));
     EXPECT_TRUE(untouched.records().isEmpty());
 }
 
+// The worksheet gets the head instead of the page and saves at the end; nothing is printed or said.
 TEST_F(PageEngineTest, PageEngineExcelHeadGoesToTheWorksheet) {
     job.output_to_excel = true;
     drive.run.os_build_text = QStringLiteral("2026.1");
@@ -305,7 +303,5 @@ TEST_F(PageEngineTest, PageEngineExcelHeadGoesToTheWorksheet) {
                            "PAGE : 1", "PUNTE [10A]", "2026.1"}));
     end_of_print(surface, job, drive.run);
     EXPECT_TRUE(finished);
-    EXPECT_FALSE(job.output_to_excel);
-    EXPECT_TRUE(surface.records().isEmpty());
-    EXPECT_TRUE(drive.dialogs.messages.isEmpty());
+    EXPECT_TRUE(matches_golden(dump(), "reports/page_engine/excel_head.txt"));
 }

@@ -2,8 +2,6 @@
 // whole from the PDF a teacher gets: no column is narrower than its text.
 #include <gtest/gtest.h>
 
-#include <QProcess>
-#include <QRegularExpression>
 #include <random>
 
 #include "exchange/symbol_distribution.h"
@@ -58,11 +56,8 @@ struct PrintText : ::testing::TestWithParam<bool> {
     // Each line expected is a line of the last PDF, read in drawing order with
     // blanks collapsed.
     void expect_printed(const QStringList& expected) {
-        QProcess p;
-        p.start("pdftotext", {"-raw", printer.files.last(), "-"});
-        p.waitForFinished(30000);
         QStringList printed;
-        for (const QString& line : QString::fromUtf8(p.readAllStandardOutput()).split('\n'))
+        for (const QString& line : testing::pdf_text(printer.files.last(), "-raw").split('\n'))
             printed << line.simplified();
         for (const QString& line : expected) EXPECT_TRUE(printed.contains(line)) << line.toStdString();
     }

@@ -10,12 +10,17 @@
 
 namespace veldo::testing {
 
-// A PDF's text as poppler's pdftotext lays it out.
-inline QString pdf_text(const QString& pdf) {
+// What one of poppler's tools prints for `pdf`; empty when it fails.
+inline QString poppler(const QString& tool, const QString& pdf, const QStringList& options = {}) {
     QProcess p;
-    p.start("pdftotext", {"-layout", pdf, "-"});
-    if (!p.waitForFinished(30000)) return {};
+    p.start(tool, options + QStringList{pdf} + (tool == "pdftotext" ? QStringList{"-"} : QStringList()));
+    if (!p.waitForFinished(30000) || p.exitCode() != 0) return {};
     return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+// A PDF's text as pdftotext lays it out (with "-raw": in drawing order).
+inline QString pdf_text(const QString& pdf, const QString& mode = "-layout") {
+    return poppler("pdftotext", pdf, {mode});
 }
 
 class PdfPrinter : public PrintService {

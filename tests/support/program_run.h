@@ -6,7 +6,6 @@
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
-#include <QTemporaryDir>
 #include <unistd.h>
 
 namespace veldo::testing {
@@ -17,15 +16,20 @@ struct ProgramResult {
     QString err;
 };
 
+// The program's environment: the temporary drive root and no display.
+inline QProcessEnvironment program_environment(const QString& drive_root) {
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("KESTRALIN_DRIVE", drive_root);
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    return env;
+}
+
 // With `unprivileged`, a run as root drops to the nobody account first, so
 // that file permissions hold as they do for a teacher.
 inline ProgramResult run_program(const QString& drive_root, const QStringList& arguments,
                                  bool unprivileged = false) {
     QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("KESTRALIN_DRIVE", drive_root);
-    env.insert("QT_QPA_PLATFORM", "offscreen");
-    p.setProcessEnvironment(env);
+    p.setProcessEnvironment(program_environment(drive_root));
     if (unprivileged && geteuid() == 0)
         p.start("setpriv", QStringList{"--reuid=65534", "--regid=65534", "--clear-groups", VELDO_PROGRAM} + arguments);
     else

@@ -2,11 +2,8 @@
 // What the program's whole-run tests share: a table read back as a reader
 // finds it, and a run of the program under strace.
 
-#include <QProcess>
-#include <QProcessEnvironment>
-#include <QStringList>
-
 #include "store/dbf_table.h"
+#include "tests/support/program_run.h"
 #include "util/text_helpers.h"
 
 namespace veldo::testing {
@@ -30,9 +27,7 @@ inline QList<QStringList> table_rows(const QString& path) {
 // logging the calls in `trace` to `log` (strace's own options in `more`).
 inline void start_traced(QProcess& p, const QString& drive, const QString& trace, const QString& log,
                          const QStringList& arguments, const QStringList& more = {}) {
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("KESTRALIN_DRIVE", drive);
-    p.setProcessEnvironment(env);
+    p.setProcessEnvironment(program_environment(drive));
     p.start("strace", QStringList{"-f", "-qq", "-e", "trace=" + trace, "-o", log} + more + QStringList{VELDO_PROGRAM} +
                           arguments);
 }
