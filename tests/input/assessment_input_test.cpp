@@ -109,50 +109,40 @@ TEST_F(Assessment, ATeacherKeysMarksKeysAndFormativeCodesAndSaves) {
 }
 
 // Each mode shows its columns; the cursor lands on the first of them, runs
-// right through them and then down to the next learner.
+// right through them and then down to the next learner; the last learner
+// stays where it is. The lists appear only with their boxes on.
 TEST_F(Assessment, EachModeShowsItsColumnsAndTheCursorWalksThem) {
-    struct Row {
-        int mode;
-        QList<int> shown;
-        int first;
-        std::pair<int, int> after_first, after_last;
-    };
-    const Row rows[] = {
-        {AssessmentInput::Summative, {0, 1, 2}, 2, {1, 2}, {1, 2}},
-        {AssessmentInput::EffortKeys, {0, 1, 3}, 3, {1, 3}, {1, 3}},
-        {AssessmentInput::Formative, {0, 1, 4, 5, 6, 7}, 4, {0, 5}, {1, 4}},
-        {AssessmentInput::MultiAssessment, {0, 1, 2, 3, 4, 5, 6, 7}, 2, {0, 3}, {1, 2}},
-    };
-    for (const Row& r : rows) {
-        SCOPED_TRACE(r.mode);
+    const auto at = [](std::pair<int, int> cell) { return QString("(%1,%2)").arg(cell.first).arg(cell.second); };
+    for (int mode = AssessmentInput::Summative; mode <= AssessmentInput::MultiAssessment; ++mode) {
         AssessmentInput input(ctx, printer);
-        open(input, r.mode);
-        QList<int> shown;
+        open(input, mode);
+        QStringList shown;
         for (int c = 0; c < input.column_count(); ++c)
-            if (input.column_shown(c)) shown << c;
-        EXPECT_EQ(shown, r.shown);
-        EXPECT_EQ(input.column_entered(0, 0), r.first);
-        EXPECT_EQ(input.next_cell(0, r.first), r.after_first);
-        EXPECT_EQ(input.next_cell(0, r.shown.last()), r.after_last);
-        // The last learner stays where it is.
-        const int last = input.learner_count() - 1;
-        EXPECT_EQ(input.next_cell(last, r.shown.last()), (std::pair{last, r.first}));
+            if (input.column_shown(c)) shown << QString::number(c);
+        const int first = input.column_entered(0, 0), end = shown.last().toInt(), last = input.learner_count() - 1;
+        step(input.mode_captions().value(mode),
+             {"columns " + shown.join(' '), QString("enters %1, then %2; from the last column %3; last learner %4")
+                                                .arg(first)
+                                                .arg(at(input.next_cell(0, first)), at(input.next_cell(0, end)),
+                                                     at(input.next_cell(last, end)))});
         ASSERT_TRUE(input.restore_backup());
     }
-    // The lists appear only with their boxes on, whatever the mode.
     AssessmentInput input(ctx, printer);
     ASSERT_TRUE(input.load());
-    EXPECT_EQ(input.lookup_for(3), AssessmentInput::NoList);
+    const auto lists = [&] {
+        static const char* names[] = {"none", "effort keys", "formative"};
+        QStringList out;
+        for (int c : {2, 3, 4, 7}) out << QString("%1 %2").arg(c).arg(names[input.lookup_for(c)]);
+        return "lists: " + out.join(", ");
+    };
+    step("boxes off", {lists()});
     input.set_ps_info(true);
     input.set_fe_info(true);
-    using L = AssessmentInput::Lookup;
-    EXPECT_EQ((QList<L>{input.lookup_for(2), input.lookup_for(3), input.lookup_for(4), input.lookup_for(7)}),
-              (QList<L>{L::NoList, L::EffortKeyList, L::FormativeList, L::FormativeList}));
+    step("boxes on", {lists()});
     // No option marked: OK acts as exit.
     ASSERT_TRUE(input.open_subject(0));
-    EXPECT_FALSE(input.io_ok(AssessmentInput::NoMode));
-    EXPECT_EQ(screens.unloaded, QStringList{"obe_inlees"});
-    EXPECT_EQ(screens.shown, QStringList{"punte_menu1"});
+    step("OK with no option marked", {QString("opened %1").arg(input.io_ok(AssessmentInput::NoMode))});
+    EXPECT_TRUE(testing::matches_golden(session, "input/assessment_modes.txt"));
 }
 
 // The two boxes live in user_info.txt of the data folder: the folder, then
@@ -170,8 +160,7 @@ TEST_F(Assessment, TheListBoxesAreKeptInTheDataFolder) {
               "\"" + run.data_folder.toUtf8() + "\"\r\n#FALSE#\r\n#TRUE#\r\n");
     AssessmentInput again(ctx, printer);
     ASSERT_TRUE(again.load());
-    EXPECT_FALSE(again.ps_info());
-    EXPECT_TRUE(again.fe_info());
+    EXPECT_EQ(std::pair(again.ps_info(), again.fe_info()), std::pair(false, true));
 }
 
 // Paste after the warning into the chosen column; Cancel pastes nothing.
@@ -217,14 +206,14 @@ TEST_F(Assessment, BadTablesOpenNothingAndLoseNothing) {
         AssessmentInput input(ctx, printer);
         ASSERT_TRUE(input.load());
         const bool chosen = input.open_subject(0);
-        EXPECT_EQ(chosen, !bytes.isEmpty()) << name;
-        if (chosen) {
-            EXPECT_FALSE(input.io_ok(AssessmentInput::Summative));
-        }
-        EXPECT_FALSE(input.series_open());
-        step(name);
-        if (bytes == empty_bytes) continue;  // an empty table's copy is taken first
-        EXPECT_EQ(read_bytes(run.data_folder + "/OBE_P1.BAK"), "the last good copy") << name;
+        const bool opened = chosen && input.io_ok(AssessmentInput::Summative);
+        // An empty table's copy is taken before it is found empty.
+        const QByteArray backup = read_bytes(run.data_folder + "/OBE_P1.BAK");
+        step(name, {QString("chosen %1, opened %2, series open %3, backup %4")
+                        .arg(chosen)
+                        .arg(opened)
+                        .arg(input.series_open())
+                        .arg(backup == bytes ? "of the table" : backup)});
     }
     EXPECT_TRUE(
         testing::matches_golden(session.replace(run.data_folder, "<data>"), "input/assessment_bad_tables.txt"));
@@ -289,25 +278,20 @@ TEST_F(Assessment, MarkListsJoinBothTablesInEitherOrder) {
         set_fields("obe_p1.dbf", {{10002, value}}, field);
     MarkLists lists(ctx, printer);
     lists.load();
-    EXPECT_EQ(lists.vak_ops(), "PRINT MARK LIST(S)");
-    EXPECT_EQ(lists.order_captions(), (QStringList{" ALPHABETIC", " "}));
-    EXPECT_EQ(lists.series().value(3).text, "   9 NW    N1 ");
-    EXPECT_FALSE(lists.print_enabled());
+    QString grids = QStringList{lists.vak_ops(), lists.order_captions().join('/'), lists.series().value(3).text,
+                                QString("print enabled %1").arg(lists.print_enabled())}.join('|');
     ASSERT_TRUE(lists.select_series(0));
-    EXPECT_EQ(lists.print_total(), "100");
+    grids += "|print total " + lists.print_total() + '\n';
 
     // Alphabetical, then by rank with the tie of 77.0 by name: number,
-    // learner, mark, running total, key, formative.
-    QString grids;
+    // learner, mark, running total, key, formative. "A" and "a" are no marks.
     for (const bool rank : {false, true}) {
         lists.set_rank_order(rank);
         TextGrid grid;
         double sum = 0;
         int count = 0;
         ASSERT_TRUE(lists.build_list(grid, &sum, &count));
-        EXPECT_EQ(count, 3);  // "A" and "a" are no marks
-        EXPECT_DOUBLE_EQ(sum, 234);
-        grids += testing::grid_text(grid);
+        grids += QString("%1 marks, sum %2\n").arg(count).arg(QString::number(sum, 'g', 17)) + testing::grid_text(grid);
     }
     EXPECT_TRUE(testing::matches_golden(grids, "input/mark_lists.txt"));
     struct Printed {
