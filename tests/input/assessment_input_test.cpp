@@ -294,17 +294,15 @@ TEST_F(Assessment, MarkListsJoinBothTablesInEitherOrder) {
         grids += QString("%1 marks, sum %2\n").arg(count).arg(QString::number(sum, 'g', 17)) + testing::grid_text(grid);
     }
     EXPECT_TRUE(testing::matches_golden(grids, "input/mark_lists.txt"));
-    struct Printed {
-        const char* total;
-        QStringList lines;
-    };
-    for (const Printed& p : {Printed{"50", {"AVERAGE := 78.0", "156.0%"}}, {"0", {"AVERAGE := 78.0"}}}) {
-        SCOPED_TRACE(p.total);
-        lists.set_print_total(p.total);
+    // Out of 0 no percentage is printed.
+    for (const auto& [total, percentage] : {std::pair{"50", "156.0%"}, {"0", ""}}) {
+        SCOPED_TRACE(total);
+        lists.set_print_total(total);
         ASSERT_TRUE(lists.punte_druk_print());
         const QString text = testing::pdf_text(printer.files.last()).simplified();
-        for (const QString& line : p.lines) EXPECT_TRUE(text.contains(line)) << line.toStdString();
-        EXPECT_EQ(text.contains("%"), QString(p.total) != "0");
+        EXPECT_TRUE(text.contains("AVERAGE := 78.0"));
+        EXPECT_TRUE(text.contains(percentage));
+        EXPECT_EQ(text.contains("%"), QString(total) != "0");
         EXPECT_EQ(printer.stems.last(), "MARKLIST 8 AFR 8A");
     }
     QFile::remove(punte());

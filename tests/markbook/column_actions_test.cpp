@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <tuple>
 
 #include "markbook/column_actions.h"
 #include "markbook/totals_engine.h"
@@ -32,12 +33,8 @@ struct ColumnActions : ::testing::Test, testing::MarksFile {
 // Scaling moves every mark by the same percentage points and clamps at 0 and
 // at the column's total; A, a and blank stay.
 TEST_F(ColumnActions, ScalingMovesMarksByPointsAndClamps) {
-    struct Case {
-        const char* what;
-        double current, wanted;
-        QStringList before, after;
-    };
-    const Case cases[] = {
+    // Why, the class average now and wanted, the marks before and after.
+    const std::tuple<const char*, double, double, QStringList, QStringList> cases[] = {
         // 10 of 20 = 50 %: 50 - 40 + 60 = 70 % = 14.0
         {"up by 20 points", 40, 60, {"10", "4", "A", "a", "", "19.5"}, {"14.0", "8.0", "A", "a", "", "20.0"}},
         {"down past 0", 60, 20, {"10", "4", "0.1"}, {"2.0", "0.0", "0.0"}},
@@ -46,14 +43,14 @@ TEST_F(ColumnActions, ScalingMovesMarksByPointsAndClamps) {
         {"just below the top stays below", 50, 50.5, {"19.8"}, {"19.9"}},
         {"text reads by its leading number", 50, 50, {"12x"}, {"12.0"}},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
+    for (const auto& [why, current, wanted, before, after] : cases) {
+        SCOPED_TRACE(why);
         QList<QStringList> marks;
-        for (const QString& m : c.before) marks << QStringList{m};
+        for (const QString& m : before) marks << QStringList{m};
         auto t = book(marks);
-        ASSERT_TRUE(scale_column(*t, lists(), 2, c.current, c.wanted));
+        ASSERT_TRUE(scale_column(*t, lists(), 2, current, wanted));
         t.reset();
-        EXPECT_EQ(column(2), c.after);
+        EXPECT_EQ(column(2), after);
     }
 }
 
@@ -108,24 +105,19 @@ TEST_F(ColumnActions, CopyTakesEachValueAsItStands) {
 }
 
 TEST_F(ColumnActions, PasteGivesEachLearnerALine) {
-    struct Case {
-        const char* what;
-        QString text;
-        QStringList after;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, QString, QStringList> cases[] = {
         {"Windows line ends", "12\r\n13.25\r\n7\r\n", {"12.0", "13.3", "7.0"}},
         {"fewer lines than learners", "5\n", {"5.0", "0.0", "0.0"}},
         {"text and a negative", "abc\n-2\n150", {"0.0", "9", "150.0"}},
         {"more lines than learners", "1\n2\n3\n4\n5", {"1.0", "2.0", "3.0"}},
         {"a tab ends the cell", "4\t99\n\t5\n6", {"4.0", "0.0", "6.0"}},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
+    for (const auto& [why, text, after] : cases) {
+        SCOPED_TRACE(why);
         auto t = book({{"1"}, {"9"}, {"A"}});
-        ASSERT_TRUE(paste_column(*t, 2, c.text));
+        ASSERT_TRUE(paste_column(*t, 2, text));
         t.reset();
-        EXPECT_EQ(column(2), c.after);
+        EXPECT_EQ(column(2), after);
     }
 }
 
@@ -135,7 +127,7 @@ TEST_F(ColumnActions, TheMeritListIsHighestFirstWithTiesInTableOrder) {
     QStringList rows;
     for (int r = 0; r < grid.rows(); ++r) rows << grid.text(r, 0) + " " + grid.text(r, 2).trimmed();
     EXPECT_EQ(rows, (QStringList{"10003 30", "10001 12.5", "10004 12.5", "10006 4", "10002 A", "10005 "}));
-    EXPECT_EQ(grid.text(0, 1), "Leerder 2");
+    EXPECT_EQ(grid.text(0, 1), "Leerder 2");  // the name beside the number
 }
 
 // The scaling prompt, the copy question, the paste warning and the two

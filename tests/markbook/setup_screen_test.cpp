@@ -102,24 +102,20 @@ TEST(SetupRows, InsertAndRemoveAdjustTargetsAsTheScreenDoes) {
         return s;
     };
     const MarkBookSetup three = setup({{"A", "10", "3", "", ""}, {"B", "10", "3", "", ""}, {"T", "20", "", "", ""}});
-    struct Case {
-        const char* why;
-        bool insert;
-        int at;
-        QStringList rows1to4;
-    } cases[] = {
+    // Why, insert or remove, the line, then rows 1 to 4.
+    const std::tuple<const char*, bool, int, QStringList> cases[] = {
         {"insert before 2: B and T move, A keeps 3", true, 2, {"A|10|3||", "||||", "B|10|4||", "T|20|||"}},
         {"insert above every used row moves nothing", true, 30, {"A|10|3||", "B|10|3||", "T|20|||", "||||"}},
         {"insert 0 does nothing", true, 0, {"A|10|3||", "B|10|3||", "T|20|||", "||||"}},
         {"remove the named target: the targets stay on 3, the next row", false, 3, {"A|10|3||", "B|10|3||", "||||", "||||"}},
         {"remove row 1: every target above it drops", false, 1, {"B|10|2||", "T|20|||", "||||", "||||"}},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.why);
+    for (const auto& [why, insert, at, rows] : cases) {
+        SCOPED_TRACE(why);
         MarkBookSetup s = three;
-        if (c.insert) SetupScreen::insert_rows(s, c.at);
-        else SetupScreen::remove_row(s, c.at);
-        EXPECT_EQ(setup_rows(s, {1, 2, 3, 4}), c.rows1to4);
+        if (insert) SetupScreen::insert_rows(s, at);
+        else SetupScreen::remove_row(s, at);
+        EXPECT_EQ(setup_rows(s, {1, 2, 3, 4}), rows);
     }
     // Rows moved down that name the line itself keep its number.
     MarkBookSetup own = setup({{"A", "10", "", "", ""}, {"B", "10", "2", "", ""}, {"C", "10", "2", "", ""}});
@@ -138,12 +134,8 @@ TEST_F(Setup, ThePanelTakesCapitalsRefusesNonNumbersAndNeedsAName) {
     ASSERT_TRUE(screen.choose_subject(0));
     screen.select_row(22);
     EXPECT_EQ(screen.panel()[0], "22");
-    struct Case {
-        int box;
-        const char* typed;
-        const char* kept;
-        bool leaves;
-    } cases[] = {
+    // The box, what is typed, what it keeps, whether the cursor may leave.
+    const std::tuple<int, const char*, const char*, bool> cases[] = {
         {1, "eksamen 3 é", "EKSAMEN 3 é", true},  // a to z only
         {2, "", "", true},
         {2, "12.5", "12.5", true},
@@ -153,13 +145,13 @@ TEST_F(Setup, ThePanelTakesCapitalsRefusesNonNumbersAndNeedsAName) {
         {4, " ", " ", true},
         {5, "s5", "S5", true},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.typed);
+    for (const auto& [box, typed, kept, leaves] : cases) {
+        SCOPED_TRACE(typed);
         const int beeps = dialogs.beeps;
-        screen.type_into(c.box, c.typed);
-        EXPECT_EQ(screen.panel()[std::size_t(c.box)], QString::fromUtf8(c.kept));
-        EXPECT_EQ(screen.leave_box(c.box), c.leaves);
-        EXPECT_EQ(dialogs.beeps, beeps + (c.leaves ? 0 : 1));
+        screen.type_into(box, typed);
+        EXPECT_EQ(screen.panel()[std::size_t(box)], QString::fromUtf8(kept));
+        EXPECT_EQ(screen.leave_box(box), leaves);
+        EXPECT_EQ(dialogs.beeps, beeps + (leaves ? 0 : 1));
     }
     screen.type_into(2, "50");
     screen.type_into(3, "21");

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <tuple>
 
 #include "markbook/totals_engine.h"
 #include "tests/support/mark_book_fixture.h"
@@ -43,12 +44,6 @@ TEST_F(Totals, TheWorkedExampleOfTheExampleBook) {
 // One learner's marks under a small setup; the stored fields after a
 // recalculation (field 2 is setup row 1).
 TEST_F(Totals, EachRuleOfTheArithmeticToTheLastDecimal) {
-    struct Case {
-        const char* why;
-        std::vector<SetupRow> rows;
-        QStringList marks;
-        std::vector<std::pair<int, const char*>> fields;
-    };
     const std::vector<SetupRow> weighted = {
         {"TOETS A", "50", "3", "30", ""}, {"TOETS B", "50", "3", "70", ""}, {"TOTAAL", "100", "", "", ""}};
     const std::vector<SetupRow> into_total = {{"T1", "10", "2", "", ""}, {"TOT", "20", "", "", ""}};
@@ -56,7 +51,9 @@ TEST_F(Totals, EachRuleOfTheArithmeticToTheLastDecimal) {
         {"T1", "10", "3", "", ""}, {"T2", "10", "3", "", ""}, {"TOT", "20", "", "", ""}};
     const std::vector<SetupRow> big_pair = {
         {"T1", "10000", "3", "", ""}, {"T2", "10000", "3", "", ""}, {"TOT", "20000", "", "", ""}};
-    const Case cases[] = {
+    // Why, the setup rows, the marks, then fields and their stored texts.
+    using Stored = std::vector<std::pair<int, const char*>>;
+    const std::tuple<const char*, std::vector<SetupRow>, QStringList, Stored> cases[] = {
         // X = 1, Y = 1: the mark 7 goes over as 7; then 7 of 1 on a scale of 10.
         {"a feeder with total 0 counts in full", {{"TASK", "0", "2", "", ""}, {"TOTAL", "10", "", "", ""}},
          {"7", "99"}, {{3, "70.0"}}},
@@ -115,12 +112,12 @@ TEST_F(Totals, EachRuleOfTheArithmeticToTheLastDecimal) {
         {"a target outside the mark fields never touches the name",
          {{"ODD", "10", "0", "", ""}, {"FAR", "10", "41", "", ""}}, {"5", "6"}, {{1, "Botha, Anri"}, {0, "10001"}}},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.why);
+    for (const auto& [why, rows, marks, fields] : cases) {
+        SCOPED_TRACE(why);
         setup = MarkBookSetup();
-        for (size_t r = 0; r < c.rows.size(); ++r) setup.rows[r] = c.rows[r];
-        const QStringList f = recalc_one(c.marks);
-        for (const auto& [field, text] : c.fields) EXPECT_EQ(f[field], text) << "field " << field;
+        for (size_t r = 0; r < rows.size(); ++r) setup.rows[r] = rows[r];
+        const QStringList f = recalc_one(marks);
+        for (const auto& [field, text] : fields) EXPECT_EQ(f[field], text) << "field " << field;
     }
 }
 

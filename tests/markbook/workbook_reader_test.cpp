@@ -178,12 +178,7 @@ TEST_F(WorkbookTest, BrokenMissingAndForeignFilesSayWhatIsWrong) {
     QByteArray crc = simple_book(QByteArray(4000, ' ') + "<row r=\"1\"><c r=\"A1\"><v>1</v></c></row>");
     const qsizetype at = crc.indexOf("xl/worksheets/sheet1.xml") + 40;
     for (qsizetype i = at; i < at + 8 && i < crc.size(); ++i) crc[i] = char(crc[i] ^ 0x55);
-    struct Case {
-        const char* name;
-        std::optional<QByteArray> bytes;
-        SheetReadError::Code code;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::optional<QByteArray>, SheetReadError::Code> cases[] = {
         {"yl.xlsx", simple_book(cells), SheetReadError::Unreadable},  // huge and sparse: no memory hog
         {"geen_boek.xlsx", zipped({{"readme.txt", "hello"}}), SheetReadError::NotAWorkbook},
         {"geen_blad.xlsx", book({"common", "no_sheet"}), SheetReadError::NoSheet},
@@ -200,9 +195,9 @@ TEST_F(WorkbookTest, BrokenMissingAndForeignFilesSayWhatIsWrong) {
         {"kop.xls", QByteArray("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + QByteArray(504, '\0'),
          SheetReadError::Unreadable},
     };
-    for (const Case& c : cases) {
-        if (c.bytes) write_bytes(path(c.name), *c.bytes);
-        EXPECT_EQ(read_fails(c.name).code, c.code) << c.name;
+    for (const auto& [name, bytes, code] : cases) {
+        if (bytes) write_bytes(path(name), *bytes);
+        EXPECT_EQ(read_fails(name).code, code) << name;
     }
     write_bytes(path("kop.xlsx"), QByteArray("PK\x03\x04", 4) + QByteArray(200, '\x7F'));
     const SheetReadError torn = read_fails("kop.xlsx");
