@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QRegularExpression>
-#include <QSet>
+#include <tuple>
 
 #include "exchange/symbol_distribution.h"
 #include "markbook/mark_book_print.h"
@@ -30,6 +30,7 @@ struct Prints : ::testing::Test {
                   }};
     MarkBookSetup setup;
 
+    // Learners 1001 on, "Leerder 001" on, with a mark under each used row.
     std::unique_ptr<DbfTable> book(int learners) {
         QList<QStringList> rows;
         for (int l = 1; l <= learners; ++l) {
@@ -40,51 +41,48 @@ struct Prints : ::testing::Test {
         fill_marks_table(t.data("marks1.dbf"), rows);
         return DbfTable::open(t.data("marks1.dbf"));
     }
-    int pages_with(const QString& text) const {
-        QSet<int> pages;
-        for (const PrintRecord& r : surface.records_of(Kind::Text))
-            if (r.text == text) pages.insert(r.page);
-        return int(pages.size());
+    // Each text with the pages it is printed on, "-" where it is not.
+    QString pages_of(const QStringList& texts) const {
+        QStringList out;
+        for (const QString& text : texts) {
+            QStringList pages;
+            for (const PrintRecord& r : surface.records_of(Kind::Text))
+                if (r.text == text && !pages.contains(QString::number(r.page))) pages << QString::number(r.page);
+            out << text + " " + (pages.isEmpty() ? "-" : pages.join(','));
+        }
+        return out.join(", ");
     }
 };
 
-TEST_F(Prints, AMarkBookOfTwentyColumnsIsOneBlockWithItsLegend) {
-    for (int r = 0; r < 20; ++r) setup.rows[r] = {QString("TAAK %1").arg(r + 1), "10", "", "", ""};
-    auto marks = book(3);
-    t.run.language_afrikaans = true;
-    ASSERT_TRUE(print_mark_book(run, setup, *marks, "10 WISK 10A"));
-    EXPECT_TRUE(dialog_shown);
-    EXPECT_EQ(job.export_stem, "PUNTEBOEK 10 WISK 10A");
-    EXPECT_EQ(surface.pages_ended(), 1);
-    for (const char* text : {"P20", "Leerder 003", "10 WISK 10A", "BLADSY : 1"})
-        EXPECT_TRUE(surface.find_text(text)) << text;
-    EXPECT_FALSE(surface.find_text("P21"));
-    const QStringList texts = surface.texts();
-    EXPECT_EQ(texts.filter(QRegularExpression("^P1 TAAK 1 +P2 TAAK 2 +P3 TAAK 3 +P4 TAAK 4 *$")).size(), 1);
-    EXPECT_EQ(t.dialogs.texts().last(), "DRUKWERK VOLTOOI (1 bladsye)");
-}
-
-TEST_F(Prints, TwentyOneColumnsPrintASecondBlockWithTheLearnersNumbers) {
-    for (int r = 0; r < 21; ++r) setup.rows[r] = {QString("TASK %1").arg(r + 1), "10", "", "", ""};
-    auto marks = book(3);
-    ASSERT_TRUE(print_mark_book(run, setup, *marks, "T"));
-    EXPECT_EQ(surface.pages_ended(), 2);
-    const PrintRecord* m21 = surface.find_text("M21");
-    ASSERT_TRUE(m21);
-    EXPECT_EQ(m21->page, 2);
-    EXPECT_EQ(pages_with("1001"), 2);        // the learner's number in both blocks
-    EXPECT_EQ(pages_with("Leerder 001"), 1);  // the name only in the first
-    // The second block's legend names only the columns past 20.
-    EXPECT_EQ(surface.texts().filter(QRegularExpression("^M21 TASK 21 *$")).size(), 1);
-}
-
-TEST_F(Prints, ALongBookFollowsOnNewPagesWithTheirFoot) {
-    setup.rows[0] = {"T1", "10", "", "", ""};
-    auto marks = book(80);
-    ASSERT_TRUE(print_mark_book(run, setup, *marks, "T"));
-    EXPECT_GE(surface.pages_ended(), 2);
-    for (const char* text : {"2.../", "PAGE : 2"}) EXPECT_TRUE(surface.find_text(text)) << text;
-    EXPECT_EQ(pages_with("Leerder 080"), 1);
+// Up to 20 columns print as one block; the 21st starts a second, where the
+// learners' numbers come again but not their names; a long class follows
+// on new pages with their foot. Each row: the columns and their names, the
+// learners, then the pages, the texts sought with their pages and the
+// legend line the columns past 20 (or all) get.
+TEST_F(Prints, TheBookPrintsInBlocksOfTwentyColumnsAndPagesOfLearners) {
+    const std::tuple<int, const char*, int, const char*, QStringList, QString, const char*> cases[] = {
+        {20, "TAAK", 3, "1 pages, PUNTEBOEK 10 WISK 10A", {"P20", "Leerder 003", "10 WISK 10A", "BLADSY : 1", "P21"},
+         "P20 1, Leerder 003 1, 10 WISK 10A 1, BLADSY : 1 1, P21 -", "^P1 TAAK 1 +P2 TAAK 2 +P3 TAAK 3 +P4 TAAK 4 *$"},
+        {21, "TASK", 3, "2 pages, MARK BOOK 10 WISK 10A", {"M21", "1001", "Leerder 001"},
+         "M21 2, 1001 1,2, Leerder 001 1", "^M21 TASK 21 *$"},
+        {1, "T", 80, "3 pages, MARK BOOK 10 WISK 10A", {"2.../", "PAGE : 2", "Leerder 080"},
+         "2.../ 1, PAGE : 2 2, Leerder 080 3", "^M1 T 1 *$"},
+    };
+    for (const auto& [columns, name, learners, printed, texts, pages, legend] : cases) {
+        SCOPED_TRACE(columns);
+        setup = MarkBookSetup();
+        for (int r = 0; r < columns; ++r) setup.rows[r] = {QString("%1 %2").arg(name).arg(r + 1), "10", "", "", ""};
+        auto marks = book(learners);
+        surface = RecordingSurface();
+        dialog_shown = false;
+        t.run.language_afrikaans = columns == 20;
+        ASSERT_TRUE(print_mark_book(run, setup, *marks, "10 WISK 10A"));
+        EXPECT_TRUE(dialog_shown);
+        EXPECT_EQ(QString("%1 pages, %2").arg(surface.pages_ended()).arg(job.export_stem), printed);
+        EXPECT_EQ(pages_of(texts), pages);
+        EXPECT_EQ(surface.texts().filter(QRegularExpression(legend)).size(), 1);
+    }
+    EXPECT_EQ(t.dialogs.texts().first(), "DRUKWERK VOLTOOI (1 bladsye)");
 }
 
 TEST_F(Prints, ACancelledChoicePrintsNothing) {
@@ -98,7 +96,7 @@ TEST_F(Prints, ACancelledChoicePrintsNothing) {
 TEST_F(Prints, TheSetupPrintsItsFortyRowsInPortrait) {
     apply_example_book(setup, false);
     ASSERT_TRUE(print_setup(run, setup));
-    for (const char* text : {"MARK BOOK SETUP", "CLASS WORK", "40"}) EXPECT_TRUE(surface.find_text(text)) << text;
+    EXPECT_EQ(pages_of({"MARK BOOK SETUP", "CLASS WORK", "40"}), "MARK BOOK SETUP 1, CLASS WORK 1, 40 1");
     EXPECT_EQ(surface.orientation(), PageOrientation::Portrait);
 }
 
@@ -113,7 +111,7 @@ TEST_F(Prints, TheSymbolDistributionPrintsItsGrid) {
     grid.add_item("GEMIDDELD\t80.0\t55.5");
     t.run.language_afrikaans = true;
     ASSERT_TRUE(print_symbol_distribution(run, grid, {"9  ", "NW   ", "80", "9A ", "   ", "   "}));
-    for (const char* text : {"SIMBOLE 9 NW 9A", "7 (80-100)", "55.5"}) EXPECT_TRUE(surface.find_text(text)) << text;
+    EXPECT_EQ(pages_of({"SIMBOLE 9 NW 9A", "7 (80-100)", "55.5"}), "SIMBOLE 9 NW 9A 1, 7 (80-100) 1, 55.5 1");
     EXPECT_EQ(surface.orientation(), PageOrientation::Landscape);
 }
 

@@ -107,7 +107,8 @@ TEST(SetupRows, InsertAndRemoveAdjustTargetsAsTheScreenDoes) {
         {"insert before 2: B and T move, A keeps 3", true, 2, {"A|10|3||", "||||", "B|10|4||", "T|20|||"}},
         {"insert above every used row moves nothing", true, 30, {"A|10|3||", "B|10|3||", "T|20|||", "||||"}},
         {"insert 0 does nothing", true, 0, {"A|10|3||", "B|10|3||", "T|20|||", "||||"}},
-        {"remove the named target: the targets stay on 3, the next row", false, 3, {"A|10|3||", "B|10|3||", "||||", "||||"}},
+        {"remove the named target: the targets stay on 3, the next row", false, 3,
+         {"A|10|3||", "B|10|3||", "||||", "||||"}},
         {"remove row 1: every target above it drops", false, 1, {"B|10|2||", "T|20|||", "||||", "||||"}},
     };
     for (const auto& [why, insert, at, rows] : cases) {
