@@ -213,13 +213,12 @@ TEST_F(CycleMarks, ABadTableIsRefusedAndLosesNothing) {
         else write_bytes(run.data_folder + "/punte1.dbf", bytes);
         MarksInput input(ctx, printer);
         ASSERT_TRUE(input.load());
-        EXPECT_FALSE(input.open_subject(0)) << name;
-        EXPECT_FALSE(input.series_open());
-        step(name);
-        EXPECT_EQ(read_bytes(run.data_folder + "/PUNTE1.BAK"), "the last good copy") << name;
-        if (!bytes.isEmpty()) {
-            EXPECT_EQ(read_bytes(punte()), bytes) << name;
-        }
+        const bool opened = input.open_subject(0);
+        step(name, {QString("opened %1, series open %2, table kept %3, backup: %4")
+                        .arg(opened)
+                        .arg(input.series_open())
+                        .arg(bytes.isEmpty() || read_bytes(punte()) == bytes)
+                        .arg(read_bytes(run.data_folder + "/PUNTE1.BAK"))});
     }
     EXPECT_TRUE(
         testing::matches_golden(session.replace(run.data_folder, "<data>"), "input/cycle_marks_bad_tables.txt"));
