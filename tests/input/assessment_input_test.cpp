@@ -1,7 +1,6 @@
-// The assessment screen and the mark lists driven as a teacher drives them,
-// on the demo school: series 1 (8 AFR, out of 100) with a few marks in
-// obe_p1.dbf, the subject's effort keys in LAFR_P_S.dbf and its formative
-// codes in LAFR_f_e.8.
+// The assessment screen and the mark lists on the demo school: series 1
+// (8 AFR, out of 100) with a few marks in obe_p1.dbf, its effort keys in
+// LAFR_P_S.dbf and its formative codes in LAFR_f_e.8.
 #include <gtest/gtest.h>
 
 #include <QFile>
@@ -39,9 +38,7 @@ struct Assessment : ::testing::Test, testing::DemoSchool {
     }
 };
 
-// Out of 50 in the mode with every column: the prompts, the lookup lists,
-// keying across the visible columns, a key from the list, the save back into
-// both tables to the last byte.
+// Out of 50 in the mode with every column, saved back into both tables.
 TEST_F(Assessment, ATeacherKeysMarksKeysAndFormativeCodesAndSaves) {
     {  // a learner the class list doesn't have yet
         auto t = DbfTable::open(obe());

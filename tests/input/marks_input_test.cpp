@@ -1,5 +1,5 @@
-// The cycle marks screen driven as a teacher drives it, on the demo school:
-// series 1 (8 AFR, out of 100) with a few marks already in punte1.dbf.
+// The cycle marks screen on the demo school: series 1 (8 AFR, out of 100)
+// with a few marks already in punte1.dbf.
 #include <gtest/gtest.h>
 
 #include <QFile>
@@ -34,9 +34,8 @@ struct CycleMarks : ::testing::Test, testing::DemoSchool {
     }
 };
 
-// Open out of 50, type (one refused, "A" over a mark, an effort key), scale,
-// undo, save, exit with a print: the messages a teacher reads, the figures
-// the screen shows and the marks both tables hold after each step.
+// The messages, the figures on the screen and the marks of both tables after
+// each step of a session out of 50.
 TEST_F(CycleMarks, ATeacherKeysScalesUndoesAndSavesOutOfAnotherTotal) {
     const QByteArray before = read_bytes(punte());
     MarksInput input(ctx, printer);
@@ -80,9 +79,8 @@ TEST_F(CycleMarks, ATeacherKeysScalesUndoesAndSavesOutOfAnotherTotal) {
              QStringList{QString("accepted %1").arg(accepted)} + state());
     }
     // With effort keys the cursor zigzags between mark and key.
-    EXPECT_EQ(input.next_cell(r6, 2), std::make_pair(r6, 3));
-    EXPECT_EQ(input.next_cell(r6, 3), std::make_pair(r6 + 1, 2));
-    EXPECT_EQ(input.next_cell(31, 3), std::make_pair(31, 2));
+    EXPECT_EQ((QList<std::pair<int, int>>{input.next_cell(r6, 2), input.next_cell(r6, 3), input.next_cell(31, 3)}),
+              (QList<std::pair<int, int>>{{r6, 3}, {r6 + 1, 2}, {31, 2}}));
 
     // Scaling from 38.9 percent to 50: a shift of the points, clipped at 100.
     dialogs.inputs.enqueue("50");

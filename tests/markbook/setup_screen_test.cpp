@@ -1,5 +1,4 @@
-// The setup screen, copying setups and moving learners, through a teacher's
-// path on the demo school.
+// The setup screen, copying setups and moving learners, on the demo school.
 #include <gtest/gtest.h>
 
 #include <QFile>

@@ -125,13 +125,9 @@ TEST_F(Totals, EmptyRowsOfTheTableAreLeftAndOthersWorkedInTableOrder) {
     setup.rows[0] = {"T1", "10", "2", "", ""};
     setup.rows[1] = {"TOT", "100", "", "", ""};
     auto t = book({marks_row(2, "B", {"5"}), marks_row(1, "A", {"A"}), marks_row(3, "C", {"10"})});
-    int calls = 0;
-    recalculate_totals(*t, lists(), [&](int done, int count) {
-        ++calls;
-        EXPECT_EQ(count, 3);
-        EXPECT_EQ(done, calls);
-    });
-    EXPECT_EQ(calls, 3);
+    QStringList progress;
+    recalculate_totals(*t, lists(), [&](int done, int count) { progress << QString("%1 of %2").arg(done).arg(count); });
+    EXPECT_EQ(progress, (QStringList{"1 of 3", "2 of 3", "3 of 3"}));
     t.reset();
     EXPECT_EQ(column(3), (QStringList{"50.0", "", "100.0"}));
 }
