@@ -5,8 +5,6 @@
 
 #include "markbook/marks_table.h"
 #include "markbook/setup_file.h"
-#include "store/record_store.h"
-#include "store/series.h"
 #include "tests/support/mark_book_fixture.h"
 #include "tests/support/temp_drive.h"
 

@@ -7,7 +7,6 @@
 #include "markbook/marks_table.h"
 #include "markbook/move_learners.h"
 #include "markbook/setup_copy.h"
-#include "markbook/setup_file.h"
 #include "markbook/setup_model.h"
 #include "markbook/setup_screen.h"
 #include "store/series.h"
