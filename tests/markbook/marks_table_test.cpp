@@ -5,8 +5,6 @@
 
 #include "markbook/marks_table.h"
 #include "markbook/setup_file.h"
-#include "store/record_store.h"
-#include "store/series.h"
 #include "tests/support/mark_book_fixture.h"
 #include "tests/support/temp_drive.h"
 
@@ -84,15 +82,36 @@ TEST_F(MarksTable, TheBookFollowsTheClassListByNumber) {
     EXPECT_EQ(rows_of("punte1.dbf")[1][0], "0");  // the duplicate is zeroed in the class list too
 }
 
-TEST_F(MarksTable, OpeningRefusesAMissingBookAndAnOldExport) {
-    EXPECT_FALSE(open_mark_book(*t.store, row, 1));
-    EXPECT_EQ(t.dialogs.texts().last(), "3 See 'MARK BOOK SETUP' to create mark book");
-    QList<DbfField> old = mark_book_fields().mid(0, 41);
-    DbfTable::create(t.data("marks1.dbf"), old);
-    t.run.language_afrikaans = true;
-    EXPECT_FALSE(open_mark_book(*t.store, row, 1));
-    EXPECT_EQ(t.dialogs.texts().last(),
-              "Laai die nuutste kopie van VELDO-CLERK en herskep die \r\nuitvoerskyf om vir 40 reekse voorsiening te maak ...");
+// What opening a book gives: the key and the count of columns, or the
+// message it closes with. Each row a book (none, one of an older export's
+// 41 fields, one learner) and a setup file (none, or its name and bytes).
+TEST_F(MarksTable, OpeningNeedsABookOfThisVersionAndASetup) {
+    MarkBookSetup example;
+    apply_example_book(example, true);
+    enum Book { NoBook, OldExport, OneLearner };
+    const std::tuple<Book, const char*, QByteArray, const char*> cases[] = {
+        {NoBook, nullptr, {}, "3 See 'MARK BOOK SETUP' to create mark book"},
+        {OldExport, nullptr, {}, "Laai die nuutste kopie van VELDO-CLERK en herskep die \r\n"
+                                 "uitvoerskyf om vir 40 reekse voorsiening te maak ..."},
+        {OneLearner, nullptr, {}, "1 No ranges available ... see 'MARK BOOK SETUP'"},
+        {OneLearner, "setup_10 WISK_10A.txt", MarkBookSetup().to_file_bytes(),
+         "2 No ranges available ... see 'MARK BOOK SETUP'"},
+        // The rows a short file lacks stay blank.
+        {OneLearner, "setup_10 WISK_10A.txt", "\"TOETS\"\r\n\"50\"\r\n", "opens 10 WISK_10A, 1 columns"},
+        {OneLearner, "setup_10WISK10A.txt", example.to_file_bytes(), "opens 10WISK10A, 21 columns"},  // an older key
+    };
+    for (const auto& [kind, setup_name, setup, said] : cases) {
+        SCOPED_TRACE(said);
+        for (const QString& f : QDir(t.data("")).entryList({"marks1.dbf", "setup_*"})) QFile::remove(t.data(f));
+        if (kind == OldExport) DbfTable::create(t.data("marks1.dbf"), mark_book_fields().mid(0, 41));
+        if (kind == OneLearner) fill_marks_table(t.data("marks1.dbf"), {marks_row(1, "A", {})});
+        if (setup_name) write_bytes(t.data(setup_name), setup);
+        t.run.language_afrikaans = kind == OldExport;
+        const auto book = open_mark_book(*t.store, row, 1);
+        EXPECT_EQ(book ? QString("opens %1, %2 columns").arg(book->key).arg(book->lists.kopieer_reeks.size())
+                       : t.dialogs.texts().value(t.dialogs.texts().size() - 1),
+                  QString(said));
+    }
 }
 
 TEST_F(MarksTable, OpeningRebuildsInNameOrderWithoutEmptyRows) {
@@ -115,28 +134,6 @@ TEST_F(MarksTable, OpeningRebuildsInNameOrderWithoutEmptyRows) {
     EXPECT_EQ(book->lists.kopieer_reeks.size(), 21);
     EXPECT_FALSE(QFileInfo::exists(t.data(".marks1.dbf.rebuild")));
     EXPECT_TRUE(QFileInfo(t.data("marks1.dbf")).permissions() & QFileDevice::WriteOwner);
-}
-
-TEST_F(MarksTable, TheSetupIsFoundUnderItsOlderKeyForms) {
-    save_setup("10WISK10A");
-    fill_marks_table(t.data("marks1.dbf"), {marks_row(1, "A", {})});
-    auto book = open_mark_book(*t.store, row, 1);
-    ASSERT_TRUE(book);
-    EXPECT_EQ(book->key, "10WISK10A");
-}
-
-TEST_F(MarksTable, NoSetupOrAnEmptyOneClosesWithItsMessage) {
-    fill_marks_table(t.data("marks1.dbf"), {marks_row(1, "A", {})});
-    EXPECT_FALSE(open_mark_book(*t.store, row, 1));
-    EXPECT_EQ(t.dialogs.texts().last(), "1 No ranges available ... see 'MARK BOOK SETUP'");
-    ASSERT_TRUE(write_setup_file(t.data("setup_10 WISK_10A.txt"), MarkBookSetup()));
-    EXPECT_FALSE(open_mark_book(*t.store, row, 1));
-    EXPECT_EQ(t.dialogs.texts().last(), "2 No ranges available ... see 'MARK BOOK SETUP'");
-    // A short file: the rows it lacks stay blank, the book opens.
-    write_bytes(t.data("setup_10 WISK_10A.txt"), "\"TOETS\"\r\n\"50\"\r\n");
-    auto book = open_mark_book(*t.store, row, 1);
-    ASSERT_TRUE(book);
-    EXPECT_EQ(book->lists.kopieer_reeks.size(), 1);
 }
 
 // An empty book closes quietly without the teacher's workbook, and with it

@@ -1,11 +1,12 @@
 // The arithmetic of totals and class averages, to the last decimal.
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <random>
+#include <tuple>
 
 #include "markbook/totals_engine.h"
 #include "tests/support/mark_book_fixture.h"
+#include "tests/support/temp_drive.h"
 #include "util/legacy_number.h"
 
 namespace veldo {
@@ -15,16 +16,11 @@ using testing::fill_marks_table;
 using testing::marks_row;
 using testing::stored_row;
 
-struct Totals : ::testing::Test {
-    QTemporaryDir dir;
-    QString path = dir.filePath("marks1.dbf");
-    MarkBookSetup setup;
-
+struct Totals : ::testing::Test, testing::MarksFile {
     // Recalculates a one-learner book and returns the stored fields.
     QStringList recalc_one(const QStringList& marks) {
-        fill_marks_table(path, {marks_row(10001, "Botha, Anri", marks)});
-        auto t = DbfTable::open(path);
-        recalculate_totals(*t, ColumnLists::from_setup(setup));
+        auto t = book({marks_row(10001, "Botha, Anri", marks)});
+        recalculate_totals(*t, lists());
         return stored_row(*t, 0);
     }
 };
@@ -48,12 +44,6 @@ TEST_F(Totals, TheWorkedExampleOfTheExampleBook) {
 // One learner's marks under a small setup; the stored fields after a
 // recalculation (field 2 is setup row 1).
 TEST_F(Totals, EachRuleOfTheArithmeticToTheLastDecimal) {
-    struct Case {
-        const char* why;
-        std::vector<SetupRow> rows;
-        QStringList marks;
-        std::vector<std::pair<int, const char*>> fields;
-    };
     const std::vector<SetupRow> weighted = {
         {"TOETS A", "50", "3", "30", ""}, {"TOETS B", "50", "3", "70", ""}, {"TOTAAL", "100", "", "", ""}};
     const std::vector<SetupRow> into_total = {{"T1", "10", "2", "", ""}, {"TOT", "20", "", "", ""}};
@@ -61,7 +51,9 @@ TEST_F(Totals, EachRuleOfTheArithmeticToTheLastDecimal) {
         {"T1", "10", "3", "", ""}, {"T2", "10", "3", "", ""}, {"TOT", "20", "", "", ""}};
     const std::vector<SetupRow> big_pair = {
         {"T1", "10000", "3", "", ""}, {"T2", "10000", "3", "", ""}, {"TOT", "20000", "", "", ""}};
-    const Case cases[] = {
+    // Why, the setup rows, the marks, then fields and their stored texts.
+    using Stored = std::vector<std::pair<int, const char*>>;
+    const std::tuple<const char*, std::vector<SetupRow>, QStringList, Stored> cases[] = {
         // X = 1, Y = 1: the mark 7 goes over as 7; then 7 of 1 on a scale of 10.
         {"a feeder with total 0 counts in full", {{"TASK", "0", "2", "", ""}, {"TOTAL", "10", "", "", ""}},
          {"7", "99"}, {{3, "70.0"}}},
@@ -120,36 +112,29 @@ TEST_F(Totals, EachRuleOfTheArithmeticToTheLastDecimal) {
         {"a target outside the mark fields never touches the name",
          {{"ODD", "10", "0", "", ""}, {"FAR", "10", "41", "", ""}}, {"5", "6"}, {{1, "Botha, Anri"}, {0, "10001"}}},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.why);
+    for (const auto& [why, rows, marks, fields] : cases) {
+        SCOPED_TRACE(why);
         setup = MarkBookSetup();
-        for (size_t r = 0; r < c.rows.size(); ++r) setup.rows[r] = c.rows[r];
-        const QStringList f = recalc_one(c.marks);
-        for (const auto& [field, text] : c.fields) EXPECT_EQ(f[field], text) << "field " << field;
+        for (size_t r = 0; r < rows.size(); ++r) setup.rows[r] = rows[r];
+        const QStringList f = recalc_one(marks);
+        for (const auto& [field, text] : fields) EXPECT_EQ(f[field], text) << "field " << field;
     }
 }
 
 TEST_F(Totals, EmptyRowsOfTheTableAreLeftAndOthersWorkedInTableOrder) {
     setup.rows[0] = {"T1", "10", "2", "", ""};
     setup.rows[1] = {"TOT", "100", "", "", ""};
-    fill_marks_table(path, {marks_row(2, "B", {"5"}), marks_row(1, "A", {"A"}), marks_row(3, "C", {"10"})});
-    auto t = DbfTable::open(path);
-    int calls = 0;
-    recalculate_totals(*t, ColumnLists::from_setup(setup), [&](int done, int count) {
-        ++calls;
-        EXPECT_EQ(count, 3);
-        EXPECT_EQ(done, calls);
-    });
-    EXPECT_EQ(calls, 3);
-    EXPECT_EQ((QStringList{stored_row(*t, 0)[3], stored_row(*t, 1)[3], stored_row(*t, 2)[3]}),
-              (QStringList{"50.0", "", "100.0"}));
+    auto t = book({marks_row(2, "B", {"5"}), marks_row(1, "A", {"A"}), marks_row(3, "C", {"10"})});
+    QStringList progress;
+    recalculate_totals(*t, lists(), [&](int done, int count) { progress << QString("%1 of %2").arg(done).arg(count); });
+    EXPECT_EQ(progress, (QStringList{"1 of 3", "2 of 3", "3 of 3"}));
+    t.reset();
+    EXPECT_EQ(column(3), (QStringList{"50.0", "", "100.0"}));
 }
 
 // The record's bytes of field f as they stand in the file.
 QByteArray field_bytes(const QString& path, int record, int f) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = testing::read_bytes(path);
     const int header = uchar(bytes[8]) | (uchar(bytes[9]) << 8);
     const int length = uchar(bytes[10]) | (uchar(bytes[11]) << 8);
     int offset = 1;
@@ -273,10 +258,7 @@ TEST(TotalsProperty, EveryTotalLiesInItsRangeAndARecalculationIsStable) {
             auto t = DbfTable::open(path);
             recalculate_totals(*t, lists);
         }
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray first = file.readAll();
-        file.close();
+        const QByteArray first = testing::read_bytes(path);
         auto t = DbfTable::open(path);
         for (int l = 0; l < learners.size(); ++l) {
             const QStringList f = stored_row(*t, l);
@@ -291,21 +273,17 @@ TEST(TotalsProperty, EveryTotalLiesInItsRangeAndARecalculationIsStable) {
         }
         recalculate_totals(*t, lists);
         t->Close();
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        EXPECT_EQ(file.readAll(), first) << "a second recalculation changed the table";
+        EXPECT_EQ(testing::read_bytes(path), first) << "a second recalculation changed the table";
     }
     EXPECT_GT(totals_checked, 2000);
 }
 
 TEST_F(Totals, ClassAveragesArePercentagesOfTheColumnTotalToFourDecimals) {
-    setup.rows[0] = {"T1", "10", "", "", ""};
-    setup.rows[1] = {"T2", "30", "", "", ""};
-    setup.rows[2] = {"T3", "0", "", "", ""};
-    setup.rows[3] = {"T4", "10", "", "", ""};
-    fill_marks_table(path, {marks_row(1, "A", {"8", "1", "5", "A"}), marks_row(2, "B", {"6", "1", "5", "a"}),
-                            marks_row(3, "C", {"A", "2", "", ""}), marks_row(4, "D", {"", "", "", ""})});
-    auto t = DbfTable::open(path);
-    const auto avg = class_averages(*t, ColumnLists::from_setup(setup));
+    const char* totals[] = {"10", "30", "0", "10"};
+    for (int r = 0; r < 4; ++r) setup.rows[r] = {QString("T%1").arg(r + 1), totals[r], "", "", ""};
+    auto t = book({marks_row(1, "A", {"8", "1", "5", "A"}), marks_row(2, "B", {"6", "1", "5", "a"}),
+                   marks_row(3, "C", {"A", "2", "", ""}), marks_row(4, "D", {"", "", "", ""})});
+    const auto avg = class_averages(*t, lists());
     // (8 + 6) / 2 of 10; (1 + 1 + 2) / 3 of 30; a total of 0; only absences;
     // the number and the field past the last.
     EXPECT_EQ((QStringList{avg[2].fixed4(), avg[3].fixed4(), avg[4].fixed4(), avg[5].fixed4(), avg[0].fixed4(),

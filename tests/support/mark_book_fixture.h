@@ -45,4 +45,34 @@ inline QStringList stored_row(DbfTable& t, int position) {
     return out;
 }
 
+// A marks table marks1.dbf in a temporary folder, worked under `setup`: for
+// the tests of the arithmetic and of the actions on a book's columns.
+struct MarksFile {
+    QTemporaryDir dir;
+    QString path = dir.filePath("marks1.dbf");
+    MarkBookSetup setup;
+    ColumnLists lists() const { return ColumnLists::from_setup(setup); }
+    std::unique_ptr<DbfTable> book(const QList<QStringList>& rows) {
+        fill_marks_table(path, rows);
+        return DbfTable::open(path);
+    }
+    // Field `f` of every record, in table order.
+    QStringList column(int f) const {
+        auto t = DbfTable::open(path);
+        QStringList out;
+        for (int r = 0; r < t->RecordCount(); ++r) out << stored_row(*t, r)[f];
+        return out;
+    }
+};
+
+// The setup rows named (1 on) as "NAME|TOTAL|TARGET|OUT OF|CYCLE".
+inline QStringList setup_rows(const MarkBookSetup& s, const QList<int>& rows) {
+    QStringList out;
+    for (int r : rows) {
+        const SetupRow& row = s.rows[std::size_t(r - 1)];
+        out << QStringList{row.name, row.total, row.target, row.out_of, row.cycle}.join('|');
+    }
+    return out;
+}
+
 }  // namespace veldo::testing
