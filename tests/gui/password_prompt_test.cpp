@@ -11,16 +11,13 @@
 namespace veldo {
 namespace {
 
-using PromptDrive = testing::ShellFixture;
-using testing::TempDrive;
-
 // The caption and label in the user's language; OK, or Enter in the box,
 // hands the typed password to the prompt (whose answer is pinned by the
 // password tests) and closes the window.
 TEST(PasswordPromptDialog, OkOrEnterShowsThePlatformErrorAndCloses) {
     for (const bool enter : {false, true}) {
         SCOPED_TRACE(enter);
-        PromptDrive t;
+        testing::ShellFixture t;
         t.run.language_afrikaans = enter;
         PasswordPromptDialog dialog(t.ctx);
         dialog.show();
@@ -42,17 +39,16 @@ TEST(PasswordPromptDialog, OkOrEnterShowsThePlatformErrorAndCloses) {
 }
 
 TEST(ClosingMessage, WidgetShowsTheCountdown) {
-    TempDrive t;
+    testing::TempDrive t;
     t.run.language_afrikaans = true;
     ClosingMessageWidget w(t.run);
     w.start("", "TIME-OUT", 5000);
     EXPECT_TRUE(w.running());
-    EXPECT_EQ(w.windowTitle(), "TIME-OUT");
     w.tmr_label_tick();
     w.tmr_label_tick();
     const auto text = [&](const char* name) { return w.findChild<QLabel*>(name)->text(); };
-    EXPECT_EQ((QStringList{text("lblMessage_0"), text("lblClose"), text("lblMessage_1")}),
-              (QStringList{"Stelsel sluit oor ", "4.8", " sekondes !"}));
+    EXPECT_EQ((QStringList{w.windowTitle(), text("lblMessage_0"), text("lblClose"), text("lblMessage_1")}),
+              (QStringList{"TIME-OUT", "Stelsel sluit oor ", "4.8", " sekondes !"}));
     EXPECT_FALSE(w.findChild<QLabel*>("Image1")->isVisible());
     bool finished = false;
     QObject::connect(&w, &ClosingMessageWidget::finished, [&] { finished = true; });

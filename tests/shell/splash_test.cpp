@@ -9,66 +9,65 @@
 namespace veldo {
 namespace {
 
-using testing::ShellFixture;
-
-struct SplashTest : ::testing::Test, ShellFixture {
+struct Boot : testing::ShellFixture {
     Splash make(bool second_copy, double random = 0.5) {
         return Splash(ctx, run.program_folder, [second_copy] { return second_copy; }, [random] { return random; });
     }
     QString transcript() const { return testing::transcript(*this, screens); }
-    QByteArray setup() const { return testing::read_bytes(path("ProgramData/KESTRALIN/setup.txt")); }
+    QString setup() const { return path("ProgramData/KESTRALIN/setup.txt"); }
 };
 
-TEST_F(SplashTest, ASecondCopyIsRefusedInEnglishAndEndsTheRun) {
-    Splash s = make(true);
-    EXPECT_FALSE(s.load());
+TEST(Splash, ASecondCopyIsRefusedInEnglishAndEndsTheRun) {
+    Boot t;
+    EXPECT_FALSE(t.make(true).load());
     // No folder search either: nothing is written.
-    EXPECT_EQ(transcript(), "message Critical Ok []: VELDO-TALLY system already loaded - see TASK BAR ...\nended\n");
-    EXPECT_FALSE(QFileInfo::exists(path("ProgramData/KESTRALIN/VELDO-TALLY")));
+    EXPECT_EQ(t.transcript(), "message Critical Ok []: VELDO-TALLY system already loaded - see TASK BAR ...\nended\n");
+    EXPECT_FALSE(QFileInfo::exists(t.path("ProgramData/KESTRALIN/VELDO-TALLY")));
     EXPECT_EQ(second_copy_message(true), "VELDO-TALLY stelsel reeds gelaai - sien 'TASK BAR' ...");
 }
 
-TEST_F(SplashTest, PicksOneOfSevenPastelsAndShowsTheVersion) {
-    EXPECT_EQ(make(false, 0.0).skin_colour(), 0xC0C0FF);
-    Splash s = make(false, 0.99);
+TEST(Splash, PicksOneOfSevenPastelsAndShowsTheVersion) {
+    Boot t;
+    EXPECT_EQ(t.make(false, 0.0).skin_colour(), 0xC0C0FF);
+    Splash s = t.make(false, 0.99);
     ASSERT_TRUE(s.load());
-    EXPECT_EQ(s.skin_colour(), 0xFFC0FF);
-    EXPECT_EQ(s.lblVersion, "Version " + program_version());
-    EXPECT_EQ(s.lblProductName, "VELDO-TALLY");
-    EXPECT_TRUE(s.timer_enabled);
-    EXPECT_EQ(std::pair(s.chk_lang[1], s.chk_lang[2]), std::pair(false, true));
-    EXPECT_EQ(run.current_year, "2026");
+    EXPECT_EQ(QStringList({QString::number(s.skin_colour(), 16), s.lblVersion, s.lblProductName, t.run.current_year}),
+              QStringList({"ffc0ff", "Version " + program_version(), "VELDO-TALLY", "2026"}));
+    EXPECT_EQ(std::tuple(s.timer_enabled, s.chk_lang[1], s.chk_lang[2]), std::tuple(true, false, true));
 }
 
-TEST_F(SplashTest, ALanguageButtonChoosesSavesAndStartsAtOnce) {
-    Splash s = make(false);
-    ASSERT_TRUE(s.load());
-    s.chk_lang_click(1);
-    EXPECT_TRUE(run.language_afrikaans);
-    // The timer does not fire afterwards.
-    s.timer1_timer();
-    EXPECT_EQ(transcript(), "shown: punte_mnu\nunloaded: marks_splash\n");
-    EXPECT_EQ(setup(), QByteArray("\"\"\r\n#TRUE#\r\n"));
+// A language button saves the choice and starts at once, and the timer does
+// not fire after it; the timer alone keeps the stored language and its file.
+TEST(Splash, ALanguageButtonOrTheTimerHandsOverToTheTopMenu) {
+    const QByteArray stored = "\"SKOOL\"\r\n#TRUE#\r\n\"ander\"\r\n";
+    const struct {
+        QByteArray before;  // setup.txt; empty: none
+        bool button;
+        QByteArray after;
+    } rows[] = {{"", true, "\"\"\r\n#TRUE#\r\n"}, {stored, false, stored}};
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.button);
+        Boot t;
+        if (!r.before.isEmpty()) testing::write_bytes(t.setup(), r.before);
+        Splash s = t.make(false);
+        ASSERT_TRUE(s.load());
+        EXPECT_EQ(s.chk_lang[1], !r.button);
+        if (r.button) s.chk_lang_click(1);
+        s.timer1_timer();
+        EXPECT_TRUE(t.run.language_afrikaans);
+        EXPECT_EQ(t.transcript(), "shown: punte_mnu\nunloaded: marks_splash\n");
+        EXPECT_EQ(testing::read_bytes(t.setup()), r.after);
+    }
 }
 
-TEST_F(SplashTest, TheTimerKeepsTheStoredLanguage) {
-    testing::write_bytes(path("ProgramData/KESTRALIN/setup.txt"), "\"SKOOL\"\r\n#TRUE#\r\n\"ander\"\r\n");
-    Splash s = make(false);
-    ASSERT_TRUE(s.load());
-    EXPECT_TRUE(s.chk_lang[1]);
-    s.timer1_timer();
-    EXPECT_TRUE(run.language_afrikaans);
-    EXPECT_EQ(transcript(), "shown: punte_mnu\nunloaded: marks_splash\n");
-    EXPECT_EQ(setup(), QByteArray("\"SKOOL\"\r\n#TRUE#\r\n\"ander\"\r\n"));
-}
-
-TEST_F(SplashTest, TheFrameRefusesToCloseAndBringsTheTopMenuBack) {
-    MainFrame frame(ctx);
-    frame.load(run.program_folder);
-    EXPECT_EQ(run.timeout_seconds, 300);
-    EXPECT_FLOAT_EQ(run.last_activity, 10 * 3600 + 15 * 60 + 30);
+TEST(Splash, TheFrameRefusesToCloseAndBringsTheTopMenuBack) {
+    Boot t;
+    MainFrame frame(t.ctx);
+    frame.load(t.run.program_folder);
+    EXPECT_EQ(t.run.timeout_seconds, 300);
+    EXPECT_FLOAT_EQ(t.run.last_activity, 10 * 3600 + 15 * 60 + 30);
     EXPECT_TRUE(frame.query_unload());
-    EXPECT_EQ(screens.shown, QStringList{"punte_mnu"});
+    EXPECT_EQ(t.screens.shown, QStringList{"punte_mnu"});
 }
 
 }  // namespace
