@@ -2,65 +2,51 @@
 #include <gtest/gtest.h>
 
 #include "shell/change_folder.h"
+#include "tests/support/golden.h"
 #include "tests/support/shell_fixture.h"
 #include "tests/support/shell_transcript.h"
 
 namespace veldo {
 namespace {
 
-using testing::ShellFixture;
-using testing::write_bytes;
-
-struct ChangeFolderTest : ::testing::Test, ShellFixture {
-    QString transcript() const { return testing::transcript(*this, screens, {"Apps"}); }
-};
-
-TEST_F(ChangeFolderTest, AnAcceptedFolderIsRememberedWithTheOtherValuesKept) {
-    write_bytes(run.program_folder + "/user_info.txt", "\"/old/folder\"\r\n\"PS\"\r\n\"FE\"\r\n");
-    dialogs.folders << run.data_folder + "/";
-    ChangeFolder f(ctx);
-    f.load();
-    EXPECT_EQ(run.data_folder, path("data"));  // the trailing separator goes
-    EXPECT_FALSE(f.is_loaded());
-    EXPECT_EQ(transcript(), "prompt: CHANGE DATA FOLDER\nunloaded: change_folder\n"
-                            "file <drive>/Apps/VELDO-TALLY/last_drive.txt: \"<drive>\"\\r\\n\n"
-                            "file <drive>/Apps/VELDO-TALLY/user_info.txt: "
-                            "\"<drive>/data\"\\r\\n\"PS\"\\r\\n\"FE\"\\r\\n\n");
-}
-
-// The picker starts on the remembered folder, trimmed.
-TEST_F(ChangeFolderTest, ACancelEmptiesTheDataFolderAndWritesNothing) {
-    write_bytes(run.program_folder + "/user_info.txt", "\"  /skool/data  \"\r\n");
-    ChangeFolder f(ctx);
-    f.load();
-    EXPECT_EQ(dialogs.folder_start, "/skool/data");
-    EXPECT_EQ(run.data_folder, "");
-    EXPECT_FALSE(f.is_loaded());
-    EXPECT_EQ(transcript(), "prompt: CHANGE DATA FOLDER\nunloaded: change_folder\n"
-                            "file <drive>/Apps/VELDO-TALLY/user_info.txt: \"  /skool/data  \"\\r\\n\n");
-}
-
-TEST_F(ChangeFolderTest, AFolderWithOnlyTheOlderTableIsRefusedButStaysPicked) {
-    const QString old = path("old");
-    write_bytes(old + "/Exp_Control.dbf", "x");
-    dialogs.folders << old;
-    run.language_afrikaans = true;
-    ChangeFolder f(ctx);
-    f.load();
-    EXPECT_EQ(dialogs.texts(), QStringList{"Gekose gids (" + old + ") bevat nie punteleêrs nie ..."});
-    EXPECT_FALSE(transcript().contains("last_drive.txt"));
-    EXPECT_EQ(run.data_folder, old);
-    EXPECT_TRUE(f.is_loaded());
-    EXPECT_EQ(f.caption(), "WYSIG DATA GIDS");
-    EXPECT_EQ(f.refused_hint(), "Die gids " + old +
-                                    " bevat nie punteleêrs nie.\nSluit hierdie venster en kies 'n ander gids met DATA GIDS op die menu.");
-    run.language_afrikaans = false;
-    EXPECT_EQ(f.refused_hint(), "The folder " + old +
-                                    " does not contain marks files.\nClose this window and choose another folder with DATA FOLDER on the menu.");
-    // Closing the form is activity, to the millisecond.
-    time = QTime(11, 0, 0, 500);
-    f.unload();
-    EXPECT_EQ(run.last_activity, 11 * 3600 + 0.5);
+// Reply by reply: the data folder after, where the picker started, whether
+// the form stays (with its caption and hint) and the activity its close
+// leaves, to the millisecond; then what the user saw and the files beside the
+// program. "old" holds only the older control table.
+TEST(ChangeFolder, APickedFolderIsRememberedOrRefusedButStaysPicked) {
+    const struct {
+        const char* why;
+        QByteArray user_info;  // beside the program; empty: none
+        const char* reply;     // below the drive; nullptr: a cancel
+        bool afrikaans = false;
+    } rows[] = {
+        {"accepted and remembered with the other values kept; the trailing separator goes",
+         "\"/old/folder\"\r\n\"PS\"\r\n\"FE\"\r\n", "data/"},
+        {"a cancel empties the data folder and writes nothing; the picker starts on the remembered folder, trimmed",
+         "\"  /skool/data  \"\r\n", nullptr},
+        {"the older table alone is refused, in Afrikaans", "", "old", true},
+        {"and in English", "", "old"},
+    };
+    QString outcome;
+    for (const auto& r : rows) {
+        testing::ShellFixture t;
+        t.run.language_afrikaans = r.afrikaans;
+        if (!r.user_info.isEmpty()) testing::write_bytes(t.run.program_folder + "/user_info.txt", r.user_info);
+        testing::write_bytes(t.path("old/Exp_Control.dbf"), "x");
+        if (r.reply) t.dialogs.folders << t.path(r.reply);
+        ChangeFolder f(t.ctx);
+        f.load();
+        const QString form = f.is_loaded() ? "stays: " + f.caption() + ": " + f.refused_hint() : "goes";
+        t.time = QTime(11, 0, 0, 500);
+        if (f.is_loaded()) f.unload();
+        outcome += QString("== %1\nfolder '%2', start '%3', activity %4, form %5\n")
+                       .arg(r.why, t.run.data_folder, t.dialogs.folder_start)
+                       .arg(t.run.last_activity, 0, 'f', 3)
+                       .arg(form)
+                       .replace(t.dir.path(), "<drive>") +
+                   testing::transcript(t, t.screens, {"Apps"});
+    }
+    EXPECT_TRUE(testing::matches_golden(outcome, "shell/folder_choices.txt"));
 }
 
 }  // namespace

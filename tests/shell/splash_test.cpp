@@ -3,65 +3,61 @@
 
 #include "shell/splash.h"
 #include "shell/startup.h"
+#include "tests/support/golden.h"
 #include "tests/support/shell_fixture.h"
 #include "tests/support/shell_transcript.h"
 
 namespace veldo {
 namespace {
 
-struct Boot : testing::ShellFixture {
-    Splash make(bool second_copy, double random = 0.5) {
-        return Splash(ctx, run.program_folder, [second_copy] { return second_copy; }, [random] { return random; });
+// A start, row by row: whether the load goes on, its pastel (picked by the
+// random number), labels, language boxes and timer; then after a language
+// button or the timer, the language, the product folder the folder search
+// makes, what the user saw and the family's setup.txt. The timer is played
+// after a button too: it must not fire then.
+TEST(Splash, PicksAPastelAndTheLanguageAndHandsOverToTheTopMenu) {
+    const struct {
+        const char* why;
+        bool second_copy;
+        double random;
+        QByteArray setup;  // the family's setup.txt before; empty: none
+        int button;        // 1 Afrikaans, 2 English; 0: the timer only
+    } rows[] = {
+        {"a second copy is refused in English and ends the run before any folder search", true, 0.5, "", 0},
+        {"the first pastel; a button saves the choice and starts at once", false, 0.0, "", 1},
+        {"the last pastel; the timer keeps the stored language and its file", false, 0.99,
+         "\"SKOOL\"\r\n#TRUE#\r\n\"ander\"\r\n", 0},
+    };
+    QString outcome;
+    for (const auto& r : rows) {
+        testing::ShellFixture t;
+        const QString setup = t.path("ProgramData/KESTRALIN/setup.txt");
+        if (!r.setup.isEmpty()) testing::write_bytes(setup, r.setup);
+        Splash s(t.ctx, t.run.program_folder, [&r] { return r.second_copy; }, [&r] { return r.random; });
+        const bool goes_on = s.load();
+        outcome += QString("== %1\nload %2, colour %3, '%4' '%5', boxes %6%7, timer %8, year %9\n")
+                       .arg(r.why)
+                       .arg(goes_on)
+                       .arg(s.skin_colour(), 6, 16, QChar('0'))
+                       .arg(QString(s.lblVersion).replace(program_version(), "<version>"), s.lblProductName)
+                       .arg(s.chk_lang[1])
+                       .arg(s.chk_lang[2])
+                       .arg(s.timer_enabled)
+                       .arg(t.run.current_year);
+        if (r.button) s.chk_lang_click(r.button);
+        if (goes_on) s.timer1_timer();
+        outcome += QString("afrikaans %1, product folder %2, setup.txt '%3'\n")
+                       .arg(t.run.language_afrikaans)
+                       .arg(QFileInfo::exists(t.path("ProgramData/KESTRALIN/VELDO-TALLY")))
+                       .arg(testing::shown_bytes(testing::read_bytes(setup))) +
+                   testing::transcript(t, t.screens);
     }
-    QString transcript() const { return testing::transcript(*this, screens); }
-    QString setup() const { return path("ProgramData/KESTRALIN/setup.txt"); }
-};
-
-TEST(Splash, ASecondCopyIsRefusedInEnglishAndEndsTheRun) {
-    Boot t;
-    EXPECT_FALSE(t.make(true).load());
-    // No folder search either: nothing is written.
-    EXPECT_EQ(t.transcript(), "message Critical Ok []: VELDO-TALLY system already loaded - see TASK BAR ...\nended\n");
-    EXPECT_FALSE(QFileInfo::exists(t.path("ProgramData/KESTRALIN/VELDO-TALLY")));
+    EXPECT_TRUE(testing::matches_golden(outcome, "shell/splash_starts.txt"));
     EXPECT_EQ(second_copy_message(true), "VELDO-TALLY stelsel reeds gelaai - sien 'TASK BAR' ...");
 }
 
-TEST(Splash, PicksOneOfSevenPastelsAndShowsTheVersion) {
-    Boot t;
-    EXPECT_EQ(t.make(false, 0.0).skin_colour(), 0xC0C0FF);
-    Splash s = t.make(false, 0.99);
-    ASSERT_TRUE(s.load());
-    EXPECT_EQ(QStringList({QString::number(s.skin_colour(), 16), s.lblVersion, s.lblProductName, t.run.current_year}),
-              QStringList({"ffc0ff", "Version " + program_version(), "VELDO-TALLY", "2026"}));
-    EXPECT_EQ(std::tuple(s.timer_enabled, s.chk_lang[1], s.chk_lang[2]), std::tuple(true, false, true));
-}
-
-// A language button saves the choice and starts at once, and the timer does
-// not fire after it; the timer alone keeps the stored language and its file.
-TEST(Splash, ALanguageButtonOrTheTimerHandsOverToTheTopMenu) {
-    const QByteArray stored = "\"SKOOL\"\r\n#TRUE#\r\n\"ander\"\r\n";
-    const struct {
-        QByteArray before;  // setup.txt; empty: none
-        bool button;
-        QByteArray after;
-    } rows[] = {{"", true, "\"\"\r\n#TRUE#\r\n"}, {stored, false, stored}};
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.button);
-        Boot t;
-        if (!r.before.isEmpty()) testing::write_bytes(t.setup(), r.before);
-        Splash s = t.make(false);
-        ASSERT_TRUE(s.load());
-        EXPECT_EQ(s.chk_lang[1], !r.button);
-        if (r.button) s.chk_lang_click(1);
-        s.timer1_timer();
-        EXPECT_TRUE(t.run.language_afrikaans);
-        EXPECT_EQ(t.transcript(), "shown: punte_mnu\nunloaded: marks_splash\n");
-        EXPECT_EQ(testing::read_bytes(t.setup()), r.after);
-    }
-}
-
 TEST(Splash, TheFrameRefusesToCloseAndBringsTheTopMenuBack) {
-    Boot t;
+    testing::ShellFixture t;
     MainFrame frame(t.ctx);
     frame.load(t.run.program_folder);
     EXPECT_EQ(t.run.timeout_seconds, 300);

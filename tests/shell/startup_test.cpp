@@ -103,7 +103,7 @@ TEST(VersionStamp, ListsTheFamilysProgramsOnceADay) {
 
 // The language is line 2 of the family's setup.txt, brought over from the
 // program folder when that holds one; a save rewrites line 2 only (the file
-// a save makes where there was none is SplashTest.ALanguageButtonChoosesSavesAndStartsAtOnce's).
+// a save makes where there was none is Splash.PicksAPastelAndTheLanguageAndHandsOverToTheTopMenu's).
 TEST(SetupLanguage, IsReadFromLineTwoAndWrittenBackKeepingTheRest) {
     const struct {
         const char *program_copy, *family_copy;
