@@ -3,6 +3,7 @@
 
 #include "shell/startup.h"
 #include "store/school_record.h"
+#include "tests/support/golden.h"
 #include "tests/support/shell_transcript.h"
 
 namespace veldo {
@@ -35,70 +36,55 @@ TEST(TimeOut, IsReadFromTheFileOrThreeHundredSeconds) {
     }
 }
 
-TEST(MachinePaths, FindTheProgramRootAndFamilyFolders) {
+// A machine with the family's programs beside this one, step by step: the
+// paths found, then the files below the family folder after each step (the
+// program's version reads <version>). Only shared text and network files are
+// copied, none overwritten; the backup program's path names hold eleven empty
+// items; the version listing is made once a day.
+TEST(MachinePaths, FindTheFoldersCopyTheFamilysFilesAndStampTheVersions) {
     Install t;
+    for (const char* name : {"VELDO-HOUSE/house.txt", "VELDO-HOUSE/NETWORK.ini", "VELDO-HOUSE/tool.exe.txt",
+                             "VELDO-HOUSE/readme.md", "VELDO-INSTAL/setup.txt", "VELDO-HOUSE/VELDO-HOUSE.EXE"})
+        write_bytes(t.root + "/" + name, name);
+    write_bytes(t.program + "/veldo-tally", "elf");
+    write_bytes(t.family + "/setup.txt", "kept");
+    QDir().mkpath(t.root + "/VELDO-VAULTS");
+    const QString listing = t.family + "/Version_Numbers.txt", stamp = t.family + "/Version_Numbers.dte";
+    QString log;
+    const auto step = [&](const QString& what) {
+        log += "== " + what + "\n" +
+               testing::transcript(t, FakeScreens(), {"ProgramData"})
+                   .replace(t.dir.path().toUpper(), "<DRIVE>")
+                   .replace(program_version(), "<version>");
+    };
     refresh_machine_paths(t.run, t.program);
     EXPECT_EQ(QStringList({t.run.program_folder, t.run.root_folder, t.run.family_folder, t.run.product_folder}),
               QStringList({t.program, t.root, t.family, t.family + "/VELDO-TALLY"}));
     EXPECT_TRUE(QFileInfo(t.run.product_folder).isDir());
     EXPECT_TRUE(QFileInfo(t.path("KESTRALIN")).isDir());
+    step("the first refresh");
+    write_bytes(t.root + "/VELDO-HOUSE/later.txt", "later");
+    copy_family_files(t.run, "VELDO-HOUSE");
+    write_bytes(listing, "hand-made");
+    step("an existing sibling folder in the family is left alone");
+    // The same day the listing stays, also when the stamp can't be made out
+    // (it counts as today); the next day it is made anew.
+    for (const char* dte : {"2026/11/23\r\n", "gibberish\r\n"}) {
+        write_bytes(stamp, dte);
+        stamp_versions(t.run);
+        step("the same day, stamp " + QString(dte).trimmed());
+    }
+    t.run.today = QDate(2026, 11, 24);
+    write_bytes(stamp, "2026/11/23\r\n");
+    stamp_versions(t.run);
+    step("the next day");
+    EXPECT_TRUE(testing::matches_golden(log, "shell/machine_paths.txt"));
 
     // A program in another folder keeps its own folder.
     const QString build = t.path("src/build");
     QDir().mkpath(build);
     refresh_machine_paths(t.run, build);
     EXPECT_EQ(QStringList({t.run.program_folder, t.run.root_folder}), QStringList({build, t.path("src")}));
-}
-
-TEST(FamilyFiles, OnlySharedTextAndNetworkFilesAreCopiedAndNoneOverwritten) {
-    Install t;
-    for (const char* name : {"VELDO-HOUSE/house.txt", "VELDO-HOUSE/NETWORK.ini", "VELDO-HOUSE/tool.exe.txt",
-                             "VELDO-HOUSE/readme.md", "VELDO-INSTAL/setup.txt"})
-        write_bytes(t.root + "/" + name, name);
-    write_bytes(t.family + "/setup.txt", "kept");
-    QDir().mkpath(t.root + "/VELDO-VAULTS");
-    refresh_machine_paths(t.run, t.program);
-    // The backup program's path names hold eleven empty items.
-    const QString copied = testing::transcript(t, FakeScreens(), {"ProgramData/KESTRALIN/VELDO-HOUSE",
-                                                                  "ProgramData/KESTRALIN/VELDO-VAULTS"});
-    EXPECT_EQ(copied,
-              "file <drive>/ProgramData/KESTRALIN/VELDO-HOUSE/NETWORK.ini: VELDO-HOUSE/NETWORK.ini\n"
-              "file <drive>/ProgramData/KESTRALIN/VELDO-HOUSE/house.txt: VELDO-HOUSE/house.txt\n"
-              "file <drive>/ProgramData/KESTRALIN/VELDO-VAULTS/path_names.txt: " +
-                  QString("\"\"\\r\\n").repeated(11) + "\n");
-    EXPECT_EQ(read_bytes(t.family + "/setup.txt"), "kept");
-
-    // An existing sibling folder in the family is left alone.
-    write_bytes(t.root + "/VELDO-HOUSE/later.txt", "later");
-    copy_family_files(t.run, "VELDO-HOUSE");
-    EXPECT_FALSE(QFileInfo::exists(t.family + "/VELDO-HOUSE/later.txt"));
-}
-
-TEST(VersionStamp, ListsTheFamilysProgramsOnceADay) {
-    Install t;
-    write_bytes(t.program + "/veldo-tally", "elf");
-    write_bytes(t.root + "/VELDO-HOUSE/VELDO-HOUSE.EXE", "pe");
-    refresh_machine_paths(t.run, t.program);
-    const QString listing = t.family + "/Version_Numbers.txt", stamp = t.family + "/Version_Numbers.dte";
-    const QString upper_root = t.root.toUpper();
-    EXPECT_EQ(QString::fromLatin1(read_bytes(listing)),
-              "\"" + upper_root + "/VELDO-HOUSE/VELDO-HOUSE.EXE\",\"\"\r\n\"" + upper_root +
-                  "/VELDO-TALLY/VELDO-TALLY.EXE\",\"" + program_version() + "\"\r\n");
-    EXPECT_EQ(read_bytes(stamp), "2026/11/23\r\n");
-
-    // The same day the listing stays as it is, also when the stamp can't be
-    // made out (it counts as today); the next day it is made anew.
-    write_bytes(listing, "hand-made");
-    for (const char* dte : {"2026/11/23\r\n", "gibberish\r\n"}) {
-        write_bytes(stamp, dte);
-        stamp_versions(t.run);
-        EXPECT_EQ(read_bytes(listing), "hand-made") << dte;
-    }
-    t.run.today = QDate(2026, 11, 24);
-    write_bytes(stamp, "2026/11/23\r\n");
-    stamp_versions(t.run);
-    EXPECT_NE(read_bytes(listing), "hand-made");
-    EXPECT_EQ(read_bytes(stamp), "2026/11/24\r\n");
 }
 
 // The language is line 2 of the family's setup.txt, brought over from the
