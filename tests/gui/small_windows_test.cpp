@@ -1,5 +1,6 @@
-// The calculator's window: its buttons and keys reach the engine, whose
-// figures are pinned by the calculator's own tests.
+// The small windows, offscreen: the calculator, the password prompt, the
+// timed closing message and the print progress. Each hands what it is given
+// to its screen class, whose answers are pinned by that class's own tests.
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
@@ -8,16 +9,17 @@
 #include <QLabel>
 
 #include "gui/calculator_dialog.h"
+#include "gui/closing_message_widget.h"
+#include "gui/password_prompt_dialog.h"
+#include "gui/print_progress_widget.h"
 #include "shell/calculator.h"
-#include "tests/support/fake_screens.h"
+#include "tests/support/shell_fixture.h"
 
-using namespace veldo;
-using veldo::testing::FakeScreens;
-
+namespace veldo {
 namespace {
 
 struct CalculatorDialogTest : ::testing::Test {
-    FakeScreens screens;
+    testing::FakeScreens screens;
     MathCalc calc{screens};
     CalculatorDialog dialog{calc, false};
 
@@ -27,8 +29,6 @@ struct CalculatorDialogTest : ::testing::Test {
         QApplication::sendEvent(&dialog, &event);
     }
 };
-
-}  // namespace
 
 // The caption of each digit, then the display after each click.
 TEST_F(CalculatorDialogTest, EveryButtonPressesItsOwnButton) {
@@ -82,3 +82,67 @@ TEST_F(CalculatorDialogTest, TheCaptionFollowsTheLanguageAndEscapeUnloadsAndClos
     EXPECT_FALSE(dialog.isVisible());
     EXPECT_EQ(dialog.result(), QDialog::Rejected);
 }
+
+// The caption and label in the user's language; OK, or Enter in the box,
+// hands the typed password to the prompt (whose answer is pinned by the
+// password tests) and closes the window.
+TEST(PasswordPromptDialog, OkOrEnterShowsThePlatformErrorAndCloses) {
+    for (const bool enter : {false, true}) {
+        SCOPED_TRACE(enter);
+        testing::ShellFixture t;
+        t.run.language_afrikaans = enter;
+        PasswordPromptDialog dialog(t.ctx);
+        dialog.show();
+        const QString caption = enter ? "WAGWOORD" : "PASSWORD";
+        const auto label = [&](const char* name) { return dialog.findChild<QLabel*>(name)->text(); };
+        EXPECT_EQ((QStringList{dialog.windowTitle(), label("scr_wwd_txt"), label("ww_program_beskrywing")}),
+                  (QStringList{caption, caption, ""}));
+        EXPECT_EQ(dialog.scr_wagwoord()->echoMode(), QLineEdit::Password);
+        dialog.scr_wagwoord()->setText("geheim");
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        if (enter)
+            QApplication::sendEvent(dialog.scr_wagwoord(), &press);
+        else
+            dialog.wagwoord_ok()->click();
+        EXPECT_EQ(t.dialogs.texts(), QStringList({"Object required"}));
+        EXPECT_FALSE(dialog.isVisible());
+        EXPECT_EQ(dialog.result(), QDialog::Rejected);
+    }
+}
+
+TEST(ClosingMessage, WidgetShowsTheCountdown) {
+    testing::TempDrive t;
+    t.run.language_afrikaans = true;
+    ClosingMessageWidget w(t.run);
+    w.start("", "TIME-OUT", 5000);
+    EXPECT_TRUE(w.running());
+    w.tmr_label_tick();
+    w.tmr_label_tick();
+    const auto text = [&](const char* name) { return w.findChild<QLabel*>(name)->text(); };
+    EXPECT_EQ((QStringList{w.windowTitle(), text("lblMessage_0"), text("lblClose"), text("lblMessage_1")}),
+              (QStringList{"TIME-OUT", "Stelsel sluit oor ", "4.8", " sekondes !"}));
+    EXPECT_FALSE(w.findChild<QLabel*>("Image1")->isVisible());
+    bool finished = false;
+    QObject::connect(&w, &ClosingMessageWidget::finished, [&] { finished = true; });
+    w.timer1_tick();
+    EXPECT_TRUE(finished);
+    EXPECT_FALSE(w.running());
+}
+
+TEST(PrintProgressWindow, ShowsTheJobThePrinterAndThePage) {
+    testing::TempDrive t;
+    t.run.language_afrikaans = true;
+    PrintProgress progress;
+    PrintProgressWidget window;
+    window.follow(progress);
+    progress.show(t.run, QString(), "Kantoor", 3);
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(window.findChild<QLabel*>("wdv_opskrif")->text(), " BESIG MET DRUKWERK ... ");
+    EXPECT_EQ(window.findChild<QLabel*>("wdv_drukker")->text(), "Kantoor");
+    EXPECT_EQ(window.findChild<QLabel*>("wdv_bladsy")->text(), "3");
+    progress.hide();
+    EXPECT_FALSE(window.isVisible());
+}
+
+}  // namespace
+}  // namespace veldo
