@@ -39,11 +39,10 @@ struct Frame : testing::ShellFixture {
         run.timeout_seconds = limit;
         run.last_activity = last_activity;
     }
-    void at(double seconds) { now_ms = int(seconds * 1000.0 + 0.5); }
     // A tick without a mouse position only moves the clock. Its line comes
     // before what it set off.
     void tick(const Tick& t) {
-        at(t.seconds);
+        now_ms = int(t.seconds * 1000.0 + 0.5);
         const qsizetype line = log.size(), unloaded = screens.unloaded.size();
         if (t.mouse) watcher.tick(*t.mouse);
         log.insert(line, QString("%1 %2: last %3%4%5")
