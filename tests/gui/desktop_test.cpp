@@ -293,8 +293,8 @@ TEST_F(DesktopWidgets, CycleMarksAreKeyedWithTheirEffortKeys) {
     Desktop desktop(program, [] { return false; });
     auto* input = open_series<MarksInputWidget>(desktop, 1, 1, "punte_inlees");  // 50 for the total, Yes to keys
     ASSERT_TRUE(input);
-    EXPECT_EQ(said, (QStringList{"INPUT TOTAL\r\n\r\n[ SUBJECT TOTAL =  100 ]\r\n", "Busy converting marks from 100 to 50!",
-                                 "ARE YOU GOING TO INPUT EFFORT KEYS ALSO ?"}));
+    EXPECT_EQ(said, (QStringList{"INPUT TOTAL\r\n\r\n[ SUBJECT TOTAL =  100 ]\r\n",
+                                 "Busy converting marks from 100 to 50!", "ARE YOU GOING TO INPUT EFFORT KEYS ALSO ?"}));
     MarksGridView* grid = input->grid();
     ASSERT_FALSE(grid->isHidden());
     ASSERT_EQ(grid->model()->rowCount(), 32);
@@ -316,7 +316,8 @@ TEST_F(DesktopWidgets, CycleMarksAreKeyedWithTheirEffortKeys) {
         QApplication::setActiveWindow(&desktop);
         EXPECT_EQ(grid->currentIndex(), grid->model()->index(k.row, k.column));
         EXPECT_EQ(input->label("punte_inlees_tot")->text(), k.total);
-        EXPECT_EQ(said, QString(k.keys) == "51" ? QStringList{"Marks can only be ' ', 'A', 'a' or 0- 50"} : QStringList());
+        const QStringList refused{"Marks can only be ' ', 'A', 'a' or 0- 50"};
+        EXPECT_EQ(said, QString(k.keys) == "51" ? refused : QStringList());
     }
     EXPECT_EQ(input->button("punte_inlees_gem")->text(), "80.5");
 

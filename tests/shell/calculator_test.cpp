@@ -121,11 +121,3 @@ TEST(Calculator, KeyCodesPressTheButtons) {
         EXPECT_TRUE(screens.unloaded.isEmpty());
     }
 }
-
-TEST(Calculator, EscapeUnloadsTheFormAndTheCaptionsAreBilingual) {
-    FakeScreens screens;
-    MathCalc calc{screens};
-    calc.key_press(27);
-    EXPECT_EQ(screens.unloaded, QStringList{screen::MathCalc});
-    EXPECT_EQ(QStringList({MathCalc::caption(true), MathCalc::caption(false)}), QStringList({"SAKREKENAAR", "CALCULATOR"}));
-}

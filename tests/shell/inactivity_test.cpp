@@ -103,8 +103,9 @@ TEST(ClosingMessage, SplitsTheMessageAtTheDollarAndCountsDownInTenths) {
         const char *message, *title;
         int duration_ms, ticks;
         bool image = false, afrikaans = false;
-    } rows[] = {{"Voor$Na", "", 3000, 0},           {"Alles in een", "TITEL", 2000, 1, true}, {"", "TIME-OUT", 5000, 50},
-                {"   $ agter", "TIME-OUT", 1000, 2}, {"", "TIME-OUT", 5000, 2, false, true}};
+    } rows[] = {{"Voor$Na", "", 3000, 0},           {"Alles in een", "TITEL", 2000, 1, true},
+                {"", "TIME-OUT", 5000, 50},         {"   $ agter", "TIME-OUT", 1000, 2},
+                {"", "TIME-OUT", 5000, 2, false, true}};
     QString outcome;
     for (const auto& r : rows) {
         testing::TempDrive t;
