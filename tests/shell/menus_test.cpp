@@ -113,20 +113,23 @@ TEST(Menus, EntriesOpenTheirScreensByMouseAndKey) {
     EXPECT_TRUE(testing::matches_golden(outcome, "shell/menu_steps.txt"));
 }
 
+// The foot labels: the date, the time, the system in capitals, the web address.
 TEST(Menus, LoadingWritesTheAuditRecordAndSetsTheLabels) {
     Menus m;
     m.run.school_name = "HOëRSKOOL DIE KRANS";
     m.run.data_folder = "/skool/data";
+    m.run.os_product_name = "  Debian GNU/Linux 12 (bookworm) ";
     ASSERT_TRUE(m.book.load());
+    const FormHeader& h = m.book.header;
     EXPECT_EQ(QStringList({QString::number(m.run.active_menu), m.run.active_user_key, m.book.ops_stelsel,
-                           m.book.ops_ops1, m.book.dir_disp(), m.run.data_folder, m.book.header.ops_datum,
-                           m.book.header.ops_tyd}),
+                           m.book.ops_ops1, m.book.dir_disp(), m.run.data_folder, h.ops_datum, h.ops_tyd,
+                           h.prg_version, h.internet_version}),
               QStringList({"2", "marks", "MARK BOOK", "HOëRSKOOL DIE KRANS", "/SKOOL/DATA", "/skool/data",
-                           "2026.11.23", "10:15:30"}));
+                           "2026.11.23", "10:15:30", "DEBIAN GNU/LINUX 12 (BOOKWORM) ()", " (www.kestralin.co.za)"}));
     EXPECT_EQ(QFileInfo(m.path("ProgramData/KESTRALIN/Audit_Trail.txt")).size(), 258);
 }
 
-// The audit record every screen leaves, and the foot labels.
+// The audit record every screen leaves.
 struct FormHeaderTest : ::testing::Test, testing::ShellFixture {
     QString audit() const { return path("ProgramData/KESTRALIN/Audit_Trail.txt"); }
 };
@@ -160,13 +163,6 @@ TEST_F(FormHeaderTest, AnUnwritableFamilyFolderStopsTheLoad) {
     run.family_folder = path("missing/KESTRALIN");
     EXPECT_FALSE(form_header(ctx, "X"));
     EXPECT_EQ(dialogs.texts(), QStringList{"Path/File access error"});
-}
-
-TEST_F(FormHeaderTest, TheFootLabels) {
-    run.os_product_name = "  Debian GNU/Linux 12 (bookworm) ";
-    const FormHeader h = form_header_texts(ctx);
-    EXPECT_EQ(QStringList({h.ops_datum, h.ops_tyd, h.prg_version, h.internet_version}),
-              QStringList({"2026.11.23", "10:15:30", "DEBIAN GNU/LINUX 12 (BOOKWORM) ()", " (www.kestralin.co.za)"}));
 }
 
 // Reply by reply: the data folder after, where the picker started, whether
