@@ -294,7 +294,8 @@ TEST_F(DesktopWidgets, CycleMarksAreKeyedWithTheirEffortKeys) {
     auto* input = open_series<MarksInputWidget>(desktop, 1, 1, "punte_inlees");  // 50 for the total, Yes to keys
     ASSERT_TRUE(input);
     EXPECT_EQ(said, (QStringList{"INPUT TOTAL\r\n\r\n[ SUBJECT TOTAL =  100 ]\r\n",
-                                 "Busy converting marks from 100 to 50!", "ARE YOU GOING TO INPUT EFFORT KEYS ALSO ?"}));
+                                 "Busy converting marks from 100 to 50!",
+                                 "ARE YOU GOING TO INPUT EFFORT KEYS ALSO ?"}));
     MarksGridView* grid = input->grid();
     ASSERT_FALSE(grid->isHidden());
     ASSERT_EQ(grid->model()->rowCount(), 32);

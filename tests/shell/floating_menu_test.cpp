@@ -91,8 +91,8 @@ TEST(FloatingMenu, AProgramIsFoundIgnoringCaseOrElseTheUserIsToldToInstallIt) {
         else if (r.installed)
             w.install(r.installed);
         w.menu.sk0f_menu_click(r.index);
-        outcome += QString("== %1: button %2, %3\n").arg(r.why).arg(r.index).arg(r.installed ? r.installed : "nothing") +
-                   transcript(w, w.screens);
+        const char* installed = r.installed ? r.installed : "nothing";
+        outcome += QString("== %1: button %2, %3\n").arg(r.why).arg(r.index).arg(installed) + transcript(w, w.screens);
     }
     EXPECT_TRUE(matches_golden(outcome, "shell/floating_launches.txt"));
 }
