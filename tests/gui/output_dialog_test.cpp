@@ -27,7 +27,7 @@ namespace veldo {
 namespace {
 
 // The window shows the target's captions and hands each button to it; what
-// the target then does is pinned by its own tests.
+// the target then does (the colour switch it writes) is OutputTargetTest's.
 TEST(OutputDialogWidget, PrintAndCancelGoToTheTarget) {
     for (const bool print : {true, false}) {
         SCOPED_TRACE(print);
@@ -45,8 +45,6 @@ TEST(OutputDialogWidget, PrintAndCancelGoToTheTarget) {
         (print ? ok : cancel)->click();
         EXPECT_EQ(choice.print_chosen, print);
         EXPECT_TRUE(target.closed());
-        EXPECT_FALSE(choice.output_to_excel);
-        EXPECT_EQ(testing::read_bytes(t.path("kleur_drukker.txt")), print ? QByteArray("0\r\n") : QByteArray());
     }
 }
 

@@ -39,11 +39,10 @@ struct Frame : testing::ShellFixture {
         run.timeout_seconds = limit;
         run.last_activity = last_activity;
     }
-    void at(double seconds) { now_ms = int(seconds * 1000.0 + 0.5); }
     // A tick without a mouse position only moves the clock. Its line comes
     // before what it set off.
     void tick(const Tick& t) {
-        at(t.seconds);
+        now_ms = int(t.seconds * 1000.0 + 0.5);
         const qsizetype line = log.size(), unloaded = screens.unloaded.size();
         if (t.mouse) watcher.tick(*t.mouse);
         log.insert(line, QString("%1 %2: last %3%4%5")
@@ -96,46 +95,37 @@ TEST(Inactivity, WatchesTheMouseWarnsAndCloses) {
     EXPECT_TRUE(testing::matches_golden(outcome, "shell/inactivity_sessions.txt"));
 }
 
-TEST(Inactivity, AKeyIsActivity) {
-    Frame f;
-    f.at(43201.5);
-    reset_activity(f.run, f.ctx.clock);
-    EXPECT_EQ(f.run.last_activity, 43201.5);
-}
-
-// The labels after `ticks` ticks, then the two texts and the caption.
-QStringList count_down(RunState& run, int ticks, const QString& message = "", int duration_ms = 5000,
-                       const QString& title = "TIME-OUT", bool image = false) {
-    ClosingMessage m(run);
-    m.load(message, title, duration_ms, image);
-    QStringList shown;
-    for (int i = 0; i < ticks; ++i) {
-        m.tmr_label_tick();
-        shown << m.lblClose();
-    }
-    EXPECT_EQ(m.image_visible(), image);
-    return shown << m.lblMessage(0) << m.lblMessage(1) << m.caption();
-}
-
+// The labels after each tick, the two texts, the caption, whether the image
+// shows and the time left. Below a second the label stays empty until the
+// window closes; a blank message gets the default texts too.
 TEST(ClosingMessage, SplitsTheMessageAtTheDollarAndCountsDownInTenths) {
-    testing::TempDrive t;
-    EXPECT_EQ(count_down(t.run, 0, "Voor$Na", 3000, ""), QStringList({"Voor", "Na", "VELDO-TALLY"}));
-    EXPECT_EQ(t.run.countdown_ms, 3000);
-    EXPECT_EQ(count_down(t.run, 1, "Alles in een", 2000, "TITEL", true),
-              QStringList({"1.9", "Alles in een", "", "TITEL"}));
-    const QStringList shown = count_down(t.run, 50);
-    EXPECT_EQ(shown.mid(0, 11),
-              QStringList({"4.9", "4.8", "4.7", "4.6", "4.5", "4.4", "4.3", "4.2", "4.1", "4", "3.9"}));
-    EXPECT_EQ(shown.mid(37, 5), QStringList({"1.2", "1.1", "1", "0.9", ""}));
-    // Below a second the label stays empty until the window closes.
-    EXPECT_EQ(shown.mid(41, 9), QStringList(9, QString()));
-    EXPECT_EQ(t.run.countdown_ms, 900);
-    EXPECT_EQ(shown.mid(50), QStringList({"System closing down in ", " seconds !", "TIME-OUT"}));
-    // A blank message gets the default texts too.
-    EXPECT_EQ(count_down(t.run, 2, "   $ agter", 1000),
-              QStringList({"0.9", "", "System closing down in ", " seconds !", "TIME-OUT"}));
-    t.run.language_afrikaans = true;
-    EXPECT_EQ(count_down(t.run, 2), QStringList({"4.9", "4.8", "Stelsel sluit oor ", " sekondes !", "TIME-OUT"}));
+    const struct {
+        const char *message, *title;
+        int duration_ms, ticks;
+        bool image = false, afrikaans = false;
+    } rows[] = {{"Voor$Na", "", 3000, 0},           {"Alles in een", "TITEL", 2000, 1, true},
+                {"", "TIME-OUT", 5000, 50},         {"   $ agter", "TIME-OUT", 1000, 2},
+                {"", "TIME-OUT", 5000, 2, false, true}};
+    QString outcome;
+    for (const auto& r : rows) {
+        testing::TempDrive t;
+        t.run.language_afrikaans = r.afrikaans;
+        ClosingMessage m(t.run);
+        m.load(r.message, r.title, r.duration_ms, r.image);
+        QStringList labels;
+        for (int i = 0; i < r.ticks; ++i) {
+            m.tmr_label_tick();
+            labels << m.lblClose();
+        }
+        outcome += QString("'%1' %2 ms, %3 ticks: [%4] '%5' '%6' '%7', image %8, left %9 ms\n")
+                       .arg(r.message)
+                       .arg(r.duration_ms)
+                       .arg(r.ticks)
+                       .arg(labels.join('|'), m.lblMessage(0), m.lblMessage(1), m.caption())
+                       .arg(m.image_visible())
+                       .arg(t.run.countdown_ms);
+    }
+    EXPECT_TRUE(testing::matches_golden(outcome, "shell/closing_countdown.txt"));
 }
 
 // The TIME-OUT button, reply by reply: the prompt, the limit kept (a

@@ -73,7 +73,7 @@ TEST(ManualViewer, PathRules) {
 // (a manual untouched, its stamp holding the day's date only). Where a name
 // leads is PathRules' to pin.
 TEST(ManualViewer, OpensTheManualAskedForAndStampsTheDay) {
-    enum Action { Load, Ok, Open, Browse };
+    enum Action { Load, Ok, Open, Browse, Exit };
     const struct {
         const char* why;
         Action action;
@@ -102,6 +102,7 @@ TEST(ManualViewer, OpensTheManualAskedForAndStampsTheDay) {
         {"a folder of the name is no manual", Open, false, "staff.pdf", 0, {"Apps/veldo-leaflets/staff.pdf/"}},
         {"browsing opens a chosen PDF without a stamp, a missing one or a cancel nothing", Browse, false, "", 0,
          {"own/verslag.pdf"}},
+        {"options are exclusive, those past the list are passed over; EXIT unloads", Exit, false, "", 0, {}},
     };
     QString outcome;
     for (const auto& r : rows) {
@@ -128,6 +129,10 @@ TEST(ManualViewer, OpensTheManualAskedForAndStampsTheDay) {
         } else if (r.action == Open) {
             QDir::setCurrent(s.leaflets);  // the fixture goes back
             s.viewer.open_manual(r.asked);
+        } else if (r.action == Exit) {
+            s.viewer.load();
+            for (const int option : {3, 9, 0, 16}) s.viewer.um_opsie_click(option);
+            s.viewer.pdf_exit();
         } else {
             s.dialogs.files << s.path("own/verslag.pdf") << s.path("own/weg.pdf");
             for (int i = 0; i < 3; ++i) s.viewer.pdf_soek();
@@ -144,18 +149,4 @@ TEST(ManualViewer, OpensTheManualAskedForAndStampsTheDay) {
                    transcript(s, s.screens, {"Apps", "own"});
     }
     EXPECT_TRUE(matches_golden(outcome, "shell/manual_openings.txt"));
-}
-
-TEST(ManualViewer, OptionsAreExclusiveAndExitUnloads) {
-    Shelf s;
-    s.viewer.load();
-    s.viewer.um_opsie_click(3);
-    s.viewer.um_opsie_click(9);
-    EXPECT_FALSE(s.viewer.option_on(3));
-    EXPECT_TRUE(s.viewer.option_on(9));
-    s.viewer.um_opsie_click(0);
-    s.viewer.um_opsie_click(16);
-    EXPECT_TRUE(s.viewer.option_on(9));
-    s.viewer.pdf_exit();
-    EXPECT_EQ(s.screens.unloaded, QStringList{screen::acrobat_interface});
 }

@@ -1,10 +1,14 @@
-// The three menus: entries by mouse and key, passwords, the folder test.
+// The three menus: entries by mouse and key, passwords, the folder test; the
+// audit record and foot labels of every screen; choosing the data folder.
 #include <gtest/gtest.h>
 
+#include "shell/change_folder.h"
+#include "shell/form_header.h"
 #include "shell/menus.h"
 #include "tests/support/golden.h"
 #include "tests/support/shell_fixture.h"
 #include "tests/support/shell_transcript.h"
+#include "util/text_helpers.h"
 
 namespace veldo {
 namespace {
@@ -109,18 +113,96 @@ TEST(Menus, EntriesOpenTheirScreensByMouseAndKey) {
     EXPECT_TRUE(testing::matches_golden(outcome, "shell/menu_steps.txt"));
 }
 
+// The foot labels: the date, the time, the system in capitals, the web address.
 TEST(Menus, LoadingWritesTheAuditRecordAndSetsTheLabels) {
     Menus m;
     m.run.school_name = "HOëRSKOOL DIE KRANS";
     m.run.data_folder = "/skool/data";
+    m.run.os_product_name = "  Debian GNU/Linux 12 (bookworm) ";
     ASSERT_TRUE(m.book.load());
-    EXPECT_EQ(m.run.active_menu, 2);
-    EXPECT_EQ(m.run.active_user_key, "marks");
-    EXPECT_EQ(QStringList({m.book.ops_stelsel, m.book.ops_ops1, m.book.dir_disp(), m.run.data_folder,
-                           m.book.header.ops_datum, m.book.header.ops_tyd}),
-              QStringList({"MARK BOOK", "HOëRSKOOL DIE KRANS", "/SKOOL/DATA", "/skool/data", "2026.11.23",
-                           "10:15:30"}));
+    const FormHeader& h = m.book.header;
+    EXPECT_EQ(QStringList({QString::number(m.run.active_menu), m.run.active_user_key, m.book.ops_stelsel,
+                           m.book.ops_ops1, m.book.dir_disp(), m.run.data_folder, h.ops_datum, h.ops_tyd,
+                           h.prg_version, h.internet_version}),
+              QStringList({"2", "marks", "MARK BOOK", "HOëRSKOOL DIE KRANS", "/SKOOL/DATA", "/skool/data",
+                           "2026.11.23", "10:15:30", "DEBIAN GNU/LINUX 12 (BOOKWORM) ()", " (www.kestralin.co.za)"}));
     EXPECT_EQ(QFileInfo(m.path("ProgramData/KESTRALIN/Audit_Trail.txt")).size(), 258);
+}
+
+// The audit record every screen leaves.
+struct FormHeaderTest : ::testing::Test, testing::ShellFixture {
+    QString audit() const { return path("ProgramData/KESTRALIN/Audit_Trail.txt"); }
+};
+
+TEST_F(FormHeaderTest, AppendsA258ByteRecord) {
+    ASSERT_TRUE(form_header(ctx, "PUNTEBOEK"));
+    time = QTime(10, 16, 1);
+    ASSERT_TRUE(form_header(ctx, "MARK BOOK"));
+    const QByteArray raw = testing::read_bytes(audit());
+    ASSERT_EQ(raw.size(), 2 * 258);
+    RecordBuffer rec(&audit_record_layout());
+    rec.set_bytes(raw.mid(258));
+    EXPECT_DOUBLE_EQ(rec.date("date"), 46349.0);  // 2026-11-23
+    EXPECT_EQ(QStringList({rec.text("user").trimmed(), rec.text("time"), rec.text("form").trimmed(),
+                           rec.text("reserved")}),
+              QStringList({get_login_name().left(50), "10:16:01  ", "MARK BOOK", QString(50, ' ')}));
+    EXPECT_EQ(raw.mid(258 + 168, 90), QByteArray(90, ' '));
+}
+
+TEST_F(FormHeaderTest, APartialLastRecordIsWrittenOverByTheRoundedCount) {
+    // 2.5 records round to 2 and 1.78 to 2: either way the new one is record 3.
+    for (const int before : {258 * 2 + 129, 258 + 200}) {
+        testing::write_bytes(audit(), QByteArray(before, 'x'));
+        ASSERT_TRUE(form_header(ctx, "X"));
+        EXPECT_EQ(testing::read_bytes(audit()).size(), 3 * 258) << before;
+    }
+    EXPECT_EQ(testing::read_bytes(audit()).mid(258, 200), QByteArray(200, 'x'));
+}
+
+TEST_F(FormHeaderTest, AnUnwritableFamilyFolderStopsTheLoad) {
+    run.family_folder = path("missing/KESTRALIN");
+    EXPECT_FALSE(form_header(ctx, "X"));
+    EXPECT_EQ(dialogs.texts(), QStringList{"Path/File access error"});
+}
+
+// Reply by reply: the data folder after, where the picker started, whether
+// the form stays (with its caption and hint) and the activity its close
+// leaves, to the millisecond; then what the user saw and the files beside the
+// program. "old" holds only the older control table.
+TEST(ChangeFolder, APickedFolderIsRememberedOrRefusedButStaysPicked) {
+    const struct {
+        const char* why;
+        QByteArray user_info;  // beside the program; empty: none
+        const char* reply;     // below the drive; nullptr: a cancel
+        bool afrikaans = false;
+    } rows[] = {
+        {"accepted and remembered with the other values kept; the trailing separator goes",
+         "\"/old/folder\"\r\n\"PS\"\r\n\"FE\"\r\n", "data/"},
+        {"a cancel empties the data folder and writes nothing; the picker starts on the remembered folder, trimmed",
+         "\"  /skool/data  \"\r\n", nullptr},
+        {"the older table alone is refused, in Afrikaans", "", "old", true},
+        {"and in English", "", "old"},
+    };
+    QString outcome;
+    for (const auto& r : rows) {
+        testing::ShellFixture t;
+        t.run.language_afrikaans = r.afrikaans;
+        if (!r.user_info.isEmpty()) testing::write_bytes(t.run.program_folder + "/user_info.txt", r.user_info);
+        testing::write_bytes(t.path("old/Exp_Control.dbf"), "x");
+        if (r.reply) t.dialogs.folders << t.path(r.reply);
+        ChangeFolder f(t.ctx);
+        f.load();
+        const QString form = f.is_loaded() ? "stays: " + f.caption() + ": " + f.refused_hint() : "goes";
+        t.time = QTime(11, 0, 0, 500);
+        if (f.is_loaded()) f.unload();
+        outcome += QString("== %1\nfolder '%2', start '%3', activity %4, form %5\n")
+                       .arg(r.why, t.run.data_folder, t.dialogs.folder_start)
+                       .arg(t.run.last_activity, 0, 'f', 3)
+                       .arg(form)
+                       .replace(t.dir.path(), "<drive>") +
+                   testing::transcript(t, t.screens, {"Apps"});
+    }
+    EXPECT_TRUE(testing::matches_golden(outcome, "shell/folder_choices.txt"));
 }
 
 }  // namespace
