@@ -83,7 +83,8 @@ TEST(NumberShortcuts, PlainTenthsAreThePlainTextOfTheNumber) {
     for (int i = 0; i < 100000; ++i) {
         const long long a = (long long)(rng() % 2000000001) - 1000000000;
         sums.push_back(double(a) / 10.0 + double((long long)(rng() % 20001) - 10000) / 10.0);
-        sums.push_back(double((long long)(rng() % 20001) - 10000) / 10.0 + double((long long)(rng() % 2001) - 1000) / 10.0);
+        const double small = double((long long)(rng() % 20001) - 10000) / 10.0;
+        sums.push_back(small + double((long long)(rng() % 2001) - 1000) / 10.0);
         values.push_back(double(a % 1000000) / 10.0 * (1 + 1e-15 * double(int(rng() % 41) - 20)));
     }
     int taken = 0;
