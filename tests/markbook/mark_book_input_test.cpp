@@ -41,9 +41,10 @@ TEST_F(MarkBookScreens, ATeacherTypesMarksAndRecalculates) {
     MarkBookInput input(ctx, printer);
     ASSERT_TRUE(input.load());
     ASSERT_TRUE(input.vak_grid_click(0));
-    // KLASWERK (6) is a total: the cursor passes over it.
+    // KLASWERK (6) is a total: the cursor passes over it in the direction it
+    // came from, and back to the left when it did not move (6 from 6).
     QStringList entered;
-    for (const auto& [column, from] : {std::pair{0, 2}, {1, 2}, {3, 2}, {6, 5}, {6, 7}, {41, 40}})
+    for (const auto& [column, from] : {std::pair{0, 2}, {1, 2}, {3, 2}, {6, 5}, {6, 7}, {6, 6}, {41, 40}})
         entered << QString("%1 from %2: %3").arg(column).arg(from).arg(input.column_entered(column, from));
     step("open 8 AFR", {QString("%1, %2 series").arg(input.captions().first()).arg(input.series().size()),
                         QString("%1, %2 learners").arg(input.vak_info()).arg(input.learner_count()),
